@@ -1,0 +1,77 @@
+#ifndef BUS_H
+#define BUS_H
+
+#include "busmessage.h"
+#include "buspendingcall.h"
+
+#include <QObject>
+#include <QScopedPointer>
+
+class QIODevice;
+class BusPrivate;
+
+/// A shared medium on which one call travels at a time.
+///
+/// `call()` queues a request and returns its pending call; the bus writes the
+/// requests one after another in submission order, and each ends with the
+/// first matching reply (unicast), with every reply in the collection window
+/// (broadcast), or with an error. Closing or destroying the bus ends every
+/// waiting call with `BusNotAvailableError`.
+///
+/// Subclasses provide the transport: `open()`, `close()`, `writeFrame()`, and
+/// hand every frame they read to `frameReceived()`; they also say how a
+/// request is addressed (`isBroadcast`) and which frame answers it (`isReplyTo`).
+class Bus : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int timeout READ timeout WRITE setTimeout)
+    Q_PROPERTY(int broadcastWindow READ broadcastWindow WRITE setBroadcastWindow)
+public:
+    explicit Bus(QObject* parent = nullptr);
+    ~Bus() override;
+
+    virtual bool open();
+    virtual void close();
+    bool isOpen() const;
+    virtual QString errorString() const;
+    /// The transport's I/O device (a serial port, a UDP socket); null if none.
+    virtual QIODevice* ioDevice() const;
+
+    BusPendingCall call(const BusMessage& message);
+
+    /// Time a unicast call waits for its reply, in milliseconds.
+    int timeout() const;
+    void setTimeout(int ms);
+    /// Time a broadcast call collects replies, in milliseconds.
+    int broadcastWindow() const;
+    void setBroadcastWindow(int ms);
+    /// Calls queued or on the wire.
+    int pendingCount() const;
+
+signals:
+    void opened();
+    void closed();
+    /// Every frame written to the wire.
+    void messageSent(const BusMessage& message);
+    /// Every frame read from the wire, valid or not, before it is matched.
+    void messageReceived(const BusMessage& message);
+
+protected:
+    Bus(BusPrivate& dd, QObject* parent);
+    /// Writes one frame; false when the transport refused it.
+    virtual bool writeFrame(const BusMessage& message) = 0;
+    virtual bool isBroadcast(const BusMessage& request) const = 0;
+    virtual bool isReplyTo(const BusMessage& request, const BusMessage& frame) const = 0;
+    /// For the transport: one frame read from the wire.
+    void frameReceived(const BusMessage& frame);
+    /// For the transport: records the error text and reports the open state.
+    void setErrorString(const QString& text);
+    void setOpen(bool open);
+
+    QScopedPointer<BusPrivate> d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(Bus)
+};
+
+#endif // BUS_H

@@ -1,0 +1,77 @@
+#ifndef VRNMESSAGE_H
+#define VRNMESSAGE_H
+
+#include "busmessage.h"
+#include "vrn.h"
+
+#include <QByteArray>
+
+/// One frame of the device network (layout in PROTOCOL.md).
+///
+/// Built from received bytes, `VRNMessage(busMessage)` decodes the frame and
+/// `isValid()` tells whether length, checksum and addressing agree. Built from
+/// fields, the frame bytes exist after `prepare()`.
+///
+///     VRNMessage m(DTS::GetNodeLabel, VRN::ToolAddr, node, VRN::AddrNode);
+///     m.setAck(true); m.prepare(); bus->call(m);
+class VRNMessage : public BusMessage
+{
+public:
+    enum : int {
+        HeaderSize = 9,
+        ChecksumSize = 2,
+        MinFrameSize = HeaderSize + ChecksumSize,
+        MaxFrameSize = 32,
+        MaxPayloadSize = MaxFrameSize - MinFrameSize
+    };
+    enum : quint8 { AckFlag = 0x80, GroupFlag = 0x40, LengthMask = 0x3F };
+
+    VRNMessage();
+    VRNMessage(const BusMessage& frame);
+    VRNMessage(quint8 cmd, VRN::Addr src, quint32 dst, VRN::AddrType dstType,
+               const QByteArray& payload = QByteArray());
+
+    /// True for a frame decoded from valid bytes or successfully prepared.
+    bool isValid() const { return m_valid; }
+    quint8 cmd() const { return m_cmd; }
+    void setCmd(quint8 cmd);
+    bool ack() const { return m_ack; }
+    void setAck(bool ack);
+    /// Source address; with `withType` false only the 24-bit node number.
+    VRN::Addr srcAddr(bool withType = true) const;
+    void setSrcAddr(VRN::Addr addr);
+    /// Destination node or group number (24 bits); 0xFFFFFF for a broadcast.
+    quint32 dstAddr() const { return m_dst; }
+    VRN::AddrType dstType() const { return m_dstType; }
+    void setDstAddr(quint32 number, VRN::AddrType type);
+    bool isBroadcast() const { return m_dstType == VRN::AddrBroadcast; }
+    QByteArray payload() const { return m_payload; }
+    void setPayload(const QByteArray& payload);
+    QByteArray& payloadRef() { m_valid = false; return m_payload; }
+
+    /// Encodes the fields into the frame bytes; false (and invalid) when the
+    /// payload is longer than `MaxPayloadSize`.
+    bool prepare();
+
+    /// Length of the frame that starts at `data`: > 0 a whole valid frame,
+    /// 0 more bytes are needed to tell, -1 no valid frame starts here.
+    static int frameLength(const char* data, int size);
+    /// CRC-16/CCITT (polynomial 0x1021, initial value 0xFFFF).
+    static quint16 checksum(const char* data, int size);
+
+private:
+    QByteArray m_payload;
+    VRN::Addr m_src = 0;
+    quint32 m_dst = 0;
+    VRN::AddrType m_dstType = VRN::AddrNode;
+    quint8 m_cmd = 0;
+    bool m_ack = false;
+    bool m_valid = false;
+};
+
+namespace VRN {
+/// Address this library uses as the source of its requests.
+constexpr Addr ToolAddr = (Addr(NodeTool) << 24) | 0x000001u;
+}
+
+#endif // VRNMESSAGE_H

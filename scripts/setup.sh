@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs what the build needs (only when missing), configures and builds.
+# Safe to run again: an existing build folder is reused.
+set -euo pipefail
+top=$(cd "$(dirname "$0")/.." && pwd)
+build=${VRN_BUILD_DIR:-$top/build}
+
+pkgs=(build-essential cmake qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite qtdeclarative5-dev)
+missing=()
+for p in "${pkgs[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "[setup] installing: ${missing[*]}" >&2
+  SUDO=; [ "$(id -u)" -ne 0 ] && SUDO=sudo
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -q >&2
+  $SUDO apt-get install -y -q --no-install-recommends "${missing[@]}" >&2
+fi
+
+cmake -S "$top" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$build" -j"$(nproc)" 2>&1 | grep -E "error|warning: unused|Error" >&2 || true
+cmake --build "$build" -j"$(nproc)" >/dev/null
