@@ -1,0 +1,3 @@
+#include "singletonmutex.h"
+
+QMutex SingletonMutex::m_lock(QMutex::Recursive);
