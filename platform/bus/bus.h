@@ -37,6 +37,8 @@ public:
     /// The transport's I/O device (a serial port, a UDP socket); null if none.
     virtual QIODevice* ioDevice() const;
 
+    /// Queues `message`. Nothing is reported from inside this function: on a
+    /// closed bus the call ends with `BusNotAvailableError` from the event loop.
     BusPendingCall call(const BusMessage& message);
 
     /// Time a unicast call waits for its reply, in milliseconds.
@@ -51,7 +53,7 @@ public:
 signals:
     void opened();
     void closed();
-    /// Every frame written to the wire.
+    /// Every frame handed to the transport, just before it is written.
     void messageSent(const BusMessage& message);
     /// Every frame read from the wire, valid or not, before it is matched.
     void messageReceived(const BusMessage& message);

@@ -45,6 +45,13 @@ public:
     /// Every reply received for the call, in arrival order.
     QList<BusMessage> replies() const;
 
+    /// Ends the call with `CancelledError` if it has not ended yet: a call
+    /// still waiting in the queue never reaches the wire, a call on the wire
+    /// stops waiting for its reply and the next call goes. Watchers report
+    /// from the event loop as for any other end. False when the call had
+    /// already ended.
+    bool cancel();
+
     bool operator==(const BusPendingCall& other) const { return d == other.d; }
 
 private:
@@ -53,6 +60,7 @@ private:
     friend class Bus;
     friend class BusPrivate;
     friend class BusPendingCallWatcher;
+    friend class BusPendingCallWatcherPrivate;
 };
 
 Q_DECLARE_METATYPE(BusPendingCall)

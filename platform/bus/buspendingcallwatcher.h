@@ -37,6 +37,7 @@ signals:
 private:
     QScopedPointer<BusPendingCallWatcherPrivate> d_ptr;
     Q_DECLARE_PRIVATE(BusPendingCallWatcher)
+    friend class BusPendingCallPrivate;
 };
 
 #endif // BUSPENDINGCALLWATCHER_H

@@ -1,0 +1,176 @@
+#include "bus.h"
+#include "bus_p.h"
+
+#include <QDebug>
+#include <QTimer>
+
+QString BusPrivate::logPrefix() const
+{
+    return QStringLiteral("[%1]:").arg(QLatin1String(q_ptr->metaObject()->className()));
+}
+
+void BusPrivate::schedulePump()
+{
+    if (pumpScheduled)
+        return;
+    pumpScheduled = true;
+    QMetaObject::invokeMethod(q_ptr, [this] { pump(); }, Qt::QueuedConnection);
+}
+
+void BusPrivate::pump()
+{
+    Q_Q(Bus);
+    pumpScheduled = false;
+    // A transport may answer from inside writeFrame() (an in-process peer):
+    // the call is current before the write, and the loop goes on when that
+    // answer has already ended it.
+    while (!current && !queue.isEmpty()) {
+        const CallPtr call = queue.dequeue();
+        if (call->refused || !open) {
+            call->finish(BusPendingCall::BusNotAvailableError);
+            continue;
+        }
+        current = call;
+        call->broadcast = q->isBroadcast(call->request);
+        timer->start(call->broadcast ? broadcastWindow : timeout);
+        emit q->messageSent(call->request);
+        if (current == call && !q->writeFrame(call->request))
+            finishCurrent(BusPendingCall::WriteError);
+    }
+}
+
+void BusPrivate::frameReceived(const BusMessage& frame)
+{
+    Q_Q(Bus);
+    emit q->messageReceived(frame);
+    // A slot of messageReceived may have closed the bus or cancelled the call.
+    if (!current || !q->isReplyTo(current->request, frame)) {
+        qDebug().noquote() << logPrefix() << "unmatched frame dropped:" << frame.data().toHex(' ');
+        return;
+    }
+    current->replies.append(frame);
+    if (!current->broadcast)
+        finishCurrent(BusPendingCall::NoError);
+}
+
+void BusPrivate::onTimer()
+{
+    if (!current)
+        return;
+    finishCurrent(current->broadcast ? BusPendingCall::NoError : BusPendingCall::TimeoutError);
+}
+
+void BusPrivate::finishCurrent(BusPendingCall::Error code, const QString& text)
+{
+    if (!current)
+        return;
+    timer->stop();
+    const CallPtr call = current;
+    current.reset();
+    call->finish(code, text);
+    if (!queue.isEmpty())
+        schedulePump();
+}
+
+void BusPrivate::finishAll(BusPendingCall::Error code)
+{
+    if (timer)
+        timer->stop();
+    QList<CallPtr> calls;
+    if (current)
+        calls.append(current);
+    calls.append(queue);
+    current.reset();
+    queue.clear();
+    for (const CallPtr& call : qAsConst(calls))
+        call->finish(code);
+}
+
+bool BusPrivate::cancel(const CallPtr& call)
+{
+    if (call == current) {
+        finishCurrent(BusPendingCall::CancelledError);
+        return true;
+    }
+    if (!queue.removeOne(call))
+        return false;
+    return call->finish(BusPendingCall::CancelledError);
+}
+
+Bus::Bus(QObject* parent) : Bus(*new BusPrivate, parent) {}
+
+Bus::Bus(BusPrivate& dd, QObject* parent)
+    : QObject(parent), d_ptr(&dd)
+{
+    Q_D(Bus);
+    d->q_ptr = this;
+    d->timer = new QTimer(this);
+    d->timer->setSingleShot(true);
+    connect(d->timer, &QTimer::timeout, this, [d] { d->onTimer(); });
+}
+
+Bus::~Bus()
+{
+    d_func()->finishAll(BusPendingCall::BusNotAvailableError);
+}
+
+bool Bus::open()
+{
+    setOpen(true);
+    return true;
+}
+
+void Bus::close()
+{
+    setOpen(false);
+}
+
+bool Bus::isOpen() const { return d_func()->open; }
+QString Bus::errorString() const { return d_func()->errorString; }
+QIODevice* Bus::ioDevice() const { return nullptr; }
+
+BusPendingCall Bus::call(const BusMessage& message)
+{
+    Q_D(Bus);
+    BusPrivate::CallPtr call(new BusPendingCallPrivate(message, d));
+    call->refused = !d->open;
+    d->queue.enqueue(call);
+    if (!d->current)
+        d->schedulePump();
+    return BusPendingCall(call.data());
+}
+
+int Bus::timeout() const { return d_func()->timeout; }
+void Bus::setTimeout(int ms) { d_func()->timeout = qMax(0, ms); }
+int Bus::broadcastWindow() const { return d_func()->broadcastWindow; }
+void Bus::setBroadcastWindow(int ms) { d_func()->broadcastWindow = qMax(0, ms); }
+
+int Bus::pendingCount() const
+{
+    Q_D(const Bus);
+    return d->queue.size() + (d->current ? 1 : 0);
+}
+
+void Bus::frameReceived(const BusMessage& frame)
+{
+    d_func()->frameReceived(frame);
+}
+
+void Bus::setErrorString(const QString& text)
+{
+    d_func()->errorString = text;
+}
+
+void Bus::setOpen(bool open)
+{
+    Q_D(Bus);
+    if (d->open == open)
+        return;
+    d->open = open;
+    if (open) {
+        emit opened();
+        return;
+    }
+    d->finishAll(BusPendingCall::BusNotAvailableError);
+    emit closed();
+}

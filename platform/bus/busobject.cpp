@@ -1,0 +1,14 @@
+#include "busobject.h"
+#include "bus.h"
+
+BusObject::BusObject(Bus* bus, QObject* parent) : QObject(parent), m_bus(bus) {}
+
+BusObject::~BusObject() = default;
+
+void BusObject::setBus(Bus* bus)
+{
+    if (m_bus == bus)
+        return;
+    m_bus = bus;
+    emit busChanged(bus);
+}
