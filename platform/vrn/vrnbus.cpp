@@ -1,0 +1,261 @@
+#include "vrnbus.h"
+#include "vrnbus_p.h"
+#include "vrnmessage.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+#include <QSerialPortInfo>
+
+namespace {
+
+#ifdef Q_OS_UNIX
+// Walks `path` from the root, taking at each level the entry of that name or,
+// failing that, the first whose name differs only in case.
+QString resolvePathIgnoringCase(const QString& path)
+{
+    QString resolved = QStringLiteral("/");
+    const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (const QString& part : parts) {
+        const QString exact = resolved + part;
+        if (QFileInfo::exists(exact)) {
+            resolved = exact;
+        } else {
+            const QStringList entries = QDir(resolved).entryList(
+                QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
+            auto it = std::find_if(entries.cbegin(), entries.cend(), [&part](const QString& e) {
+                return e.compare(part, Qt::CaseInsensitive) == 0;
+            });
+            if (it == entries.cend())
+                return QString();
+            resolved += *it;
+        }
+        resolved += QLatin1Char('/');
+    }
+    resolved.chop(1);
+    return resolved;
+}
+#endif
+
+// Port identifiers are stored in upper case, and pseudo-terminals are absent
+// from the system's port list: see the class documentation.
+QString resolvePortName(const QString& name)
+{
+    const auto ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo& info : ports) {
+        if (info.portName().compare(name, Qt::CaseInsensitive) == 0
+            || info.systemLocation().compare(name, Qt::CaseInsensitive) == 0)
+            return info.systemLocation();
+    }
+#ifdef Q_OS_UNIX
+    const QString path = QDir::isAbsolutePath(name) ? name : QStringLiteral("/dev/") + name;
+    const QString resolved = resolvePathIgnoringCase(path);
+    if (!resolved.isEmpty())
+        return resolved;
+#endif
+    return name;
+}
+
+} // namespace
+
+void VRNBusPrivate::receiveBytes(const QByteArray& bytes)
+{
+    rxBuffer.append(bytes);
+    // Bytes injected from a slot while a frame is reported join the buffer
+    // and are read by the loop already running.
+    if (parsing)
+        return;
+    parsing = true;
+    while (takeFrame()) {
+    }
+    parsing = false;
+}
+
+bool VRNBusPrivate::takeFrame()
+{
+    const int size = rxBuffer.size();
+    if (size == 0) {
+        reportDropped();
+        return false;
+    }
+    const char* data = rxBuffer.constData();
+    const int length = VRNMessage::frameLength(data, size);
+    if (length > 0) {
+        reportDropped();
+        const QByteArray frame = rxBuffer.left(length);
+        rxBuffer.remove(0, length);
+        receiveFrame(frame);
+        return true;
+    }
+    if (length < 0) {
+        dropBytes(1);
+        return true;
+    }
+    // The front claims more bytes than have come. A stray byte can claim up
+    // to 32 and would hold back a whole frame behind it until the line speaks
+    // again, so a complete valid frame further on wins.
+    for (int start = 1; start < size; ++start) {
+        if (VRNMessage::frameLength(data + start, size - start) > 0) {
+            dropBytes(start);
+            return true;
+        }
+    }
+    return false;
+}
+
+void VRNBusPrivate::dropBytes(int count)
+{
+    dropped.append(rxBuffer.left(count));
+    rxBuffer.remove(0, count);
+}
+
+void VRNBusPrivate::reportDropped()
+{
+    if (dropped.isEmpty())
+        return;
+    const BusMessage garbage(dropped);
+    dropped.clear();
+    qDebug().noquote() << logPrefix() << "dropped" << garbage.size() << "bytes that start no frame";
+    frameReceived(garbage);
+}
+
+void VRNBusPrivate::receiveFrame(const QByteArray& frame)
+{
+    const VRNMessage message{BusMessage(frame)};
+    if (message.isValid() && message.srcAddr() == VRN::ToolAddr)
+        return; // our own request, echoed by the medium
+    frameReceived(message);
+}
+
+void VRNBusPrivate::resetStream()
+{
+    rxBuffer.clear();
+    dropped.clear();
+}
+
+void VRNBusPrivate::applyLineSettings()
+{
+    if (!port || !port->isOpen())
+        return;
+    const bool ok = port->setBaudRate(baudRate) && port->setDataBits(dataBits)
+        && port->setParity(parity) && port->setStopBits(stopBits);
+    if (!ok)
+        qWarning().noquote() << logPrefix() << "line settings refused by" << port->portName() << ":"
+                             << port->errorString();
+}
+
+void VRNBusPrivate::onPortError(QSerialPort::SerialPortError error)
+{
+    Q_Q(VRNBus);
+    switch (error) {
+    case QSerialPort::WriteError:
+        qWarning().noquote() << logPrefix() << "write failed:" << port->errorString();
+        finishCurrent(BusPendingCall::WriteError, port->errorString());
+        break;
+    case QSerialPort::ResourceError:
+        // The device is gone (unplugged, the other end of a pseudo-terminal
+        // closed): every call ends with "bus not available".
+        qWarning().noquote() << logPrefix() << "port lost:" << port->errorString();
+        q->setErrorString(port->errorString());
+        q->close();
+        break;
+    default:
+        break;
+    }
+}
+
+VRNBus::VRNBus(const QString& portName, QObject* parent)
+    : VRNBus(*new VRNBusPrivate, parent)
+{
+    Q_D(VRNBus);
+    d->portName = portName;
+    d->port = new QSerialPort(this);
+    connect(d->port, &QSerialPort::readyRead, this, [d] { d->receiveBytes(d->port->readAll()); });
+    connect(d->port, &QSerialPort::errorOccurred, this,
+            [d](QSerialPort::SerialPortError error) { d->onPortError(error); });
+}
+
+VRNBus::VRNBus(VRNBusPrivate& dd, QObject* parent) : Bus(dd, parent) {}
+
+VRNBus::~VRNBus()
+{
+    Q_D(VRNBus);
+    if (d->port)
+        close();
+}
+
+bool VRNBus::open()
+{
+    Q_D(VRNBus);
+    if (isOpen())
+        return true;
+    d->port->setPortName(resolvePortName(d->portName));
+    if (!d->port->open(QIODevice::ReadWrite)) {
+        setErrorString(tr("Cannot open serial port %1: %2").arg(d->portName, d->port->errorString()));
+        qWarning().noquote() << d->logPrefix() << errorString();
+        return false;
+    }
+    d->applyLineSettings();
+    d->resetStream();
+    return Bus::open();
+}
+
+void VRNBus::close()
+{
+    Q_D(VRNBus);
+    if (d->port && d->port->isOpen())
+        d->port->close();
+    d->resetStream();
+    Bus::close();
+}
+
+QIODevice* VRNBus::ioDevice() const { return d_func()->port; }
+QString VRNBus::portName() const { return d_func()->portName; }
+
+qint32 VRNBus::baudRate() const { return d_func()->baudRate; }
+QSerialPort::DataBits VRNBus::dataBits() const { return d_func()->dataBits; }
+QSerialPort::Parity VRNBus::parity() const { return d_func()->parity; }
+QSerialPort::StopBits VRNBus::stopBits() const { return d_func()->stopBits; }
+
+void VRNBus::setBaudRate(qint32 baud)
+{
+    d_func()->baudRate = baud;
+    d_func()->applyLineSettings();
+}
+void VRNBus::setDataBits(QSerialPort::DataBits bits)
+{
+    d_func()->dataBits = bits;
+    d_func()->applyLineSettings();
+}
+void VRNBus::setParity(QSerialPort::Parity parity)
+{
+    d_func()->parity = parity;
+    d_func()->applyLineSettings();
+}
+void VRNBus::setStopBits(QSerialPort::StopBits bits)
+{
+    d_func()->stopBits = bits;
+    d_func()->applyLineSettings();
+}
+
+bool VRNBus::writeFrame(const BusMessage& message)
+{
+    Q_D(VRNBus);
+    const QByteArray bytes = message.data();
+    return d->port && d->port->isOpen() && d->port->write(bytes) == bytes.size();
+}
+
+bool VRNBus::isBroadcast(const BusMessage& request) const
+{
+    return VRNMessage(request).dstType() != VRN::AddrNode;
+}
+
+bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
+{
+    const VRNMessage reply(frame);
+    if (!reply.isValid() || reply.dstType() != VRN::AddrNode
+        || reply.dstAddr() != VRN::getNumber(VRN::ToolAddr))
+        return false;
+    const VRNMessage call(request);
+    return call.dstType() != VRN::AddrNode || reply.srcAddr(false) == call.dstAddr();
+}
