@@ -1,0 +1,358 @@
+#include "testframes.h"
+
+#include "buspendingcallwatcher.h"
+#include "vrnloopbackbus.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+using namespace TestFrames;
+
+// Loopback bus whose wire can be made to refuse writes.
+class RefusingBus : public VRNLoopbackBus
+{
+public:
+    bool refuse = false;
+
+protected:
+    bool writeFrame(const BusMessage& message) override
+    {
+        return !refuse && VRNLoopbackBus::writeFrame(message);
+    }
+};
+
+// A watcher with a spy on its finished() signal.
+struct Watched
+{
+    explicit Watched(const BusPendingCall& call) : watcher(call), spy(&watcher, &BusPendingCallWatcher::finished) {}
+    BusPendingCallWatcher watcher;
+    QSignalSpy spy;
+};
+
+class tst_Bus : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void unicastEndsWithFirstFrameOfCalledNode();
+    void unicastTimesOut();
+    void broadcastCollectsEveryReplyInWindow_data();
+    void broadcastCollectsEveryReplyInWindow();
+    void callsGoOutOneAtATimeInSubmissionOrder();
+    void waitingCallsEndOnceWhenBusGoes_data();
+    void waitingCallsEndOnceWhenBusGoes();
+    void callOnClosedBusEndsFromEventLoop();
+    void cancel();
+    void writeFailureEndsCallAndNextGoes();
+    void watcherReportsOncePerWatchedCall();
+
+private:
+    Watched& watch(const BusPendingCall& call);
+    void answerEach(std::function<void(const VRNMessage&)> answer);
+
+    RefusingBus* bus = nullptr;
+    QList<VRNMessage> wire; // every frame the bus wrote
+    std::function<void(const VRNMessage&)> peer;
+    std::vector<std::unique_ptr<Watched>> watched;
+};
+
+void tst_Bus::init()
+{
+    wire.clear();
+    peer = nullptr;
+    bus = new RefusingBus;
+    bus->setTimeout(30);
+    bus->setBroadcastWindow(40);
+    connect(bus, &VRNLoopbackBus::transmitted, this, [this](const QByteArray& bytes) {
+        wire.append(VRNMessage(BusMessage(bytes)));
+        if (peer)
+            peer(wire.last());
+    });
+    QVERIFY(bus->open());
+}
+
+void tst_Bus::cleanup()
+{
+    watched.clear();
+    delete bus;
+}
+
+Watched& tst_Bus::watch(const BusPendingCall& call)
+{
+    watched.push_back(std::make_unique<Watched>(call));
+    return *watched.back();
+}
+
+void tst_Bus::answerEach(std::function<void(const VRNMessage&)> answer)
+{
+    peer = std::move(answer);
+}
+
+void tst_Bus::unicastEndsWithFirstFrameOfCalledNode()
+{
+    const QByteArray right = reply(0x42, "first");
+    answerEach([&](const VRNMessage& request) {
+        // Not answers: another node, a frame to another address, an invalid frame.
+        bus->inject(reply(0x43));
+        bus->inject(VRNMessage(DTS::PostNodeLabel, VRN::makeAddr(VRN::NodeMotor, 0x42), 0x7,
+                               VRN::AddrNode).data());
+        bus->inject(corrupted(reply(0x42)));
+        bus->inject(right);
+        bus->inject(reply(0x42, "second"));
+        QCOMPARE(request.dstAddr(), 0x42u);
+    });
+    QSignalSpy received(bus, &Bus::messageReceived);
+    Watched& w = watch(bus->call(request(0x42)));
+
+    QTRY_COMPARE(w.spy.count(), 1);
+    QCOMPARE(w.watcher.error(), BusPendingCall::NoError);
+    QVERIFY(w.watcher.errorString().isEmpty());
+    QCOMPARE(w.watcher.replies(), QList<BusMessage>{BusMessage(right)});
+    QCOMPARE(w.watcher.reply(), BusMessage(right));
+    QCOMPARE(received.count(), 5); // every frame is reported, matched or not
+    QTest::qWait(50);
+    QCOMPARE(w.spy.count(), 1);
+}
+
+void tst_Bus::unicastTimesOut()
+{
+    Watched& silent = watch(bus->call(request(0x10)));
+    answerEach([&](const VRNMessage& request) {
+        if (request.dstAddr() == 0x11)
+            bus->inject(reply(0x11));
+    });
+    Watched& next = watch(bus->call(request(0x11)));
+
+    QTRY_COMPARE(next.spy.count(), 1);
+    QCOMPARE(silent.spy.count(), 1);
+    QCOMPARE(silent.watcher.error(), BusPendingCall::TimeoutError);
+    QVERIFY(!silent.watcher.errorString().isEmpty());
+    QVERIFY(silent.watcher.replies().isEmpty());
+    QVERIFY(silent.watcher.reply().isEmpty());
+    QCOMPARE(next.watcher.error(), BusPendingCall::NoError);
+}
+
+void tst_Bus::broadcastCollectsEveryReplyInWindow_data()
+{
+    QTest::addColumn<int>("nodes");
+    QTest::addColumn<bool>("group");
+    for (int nodes : {0, 1, 7}) {
+        QTest::addRow("broadcast, %d replies", nodes) << nodes << false;
+        QTest::addRow("group, %d replies", nodes) << nodes << true;
+    }
+}
+
+void tst_Bus::broadcastCollectsEveryReplyInWindow()
+{
+    QFETCH(int, nodes);
+    QFETCH(bool, group);
+    QList<BusMessage> sent;
+    answerEach([&](const VRNMessage&) {
+        bus->inject("\x01\x02"); // garbage is not a reply
+        for (int n = 1; n <= nodes; ++n) {
+            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            sent.append(BusMessage(frame));
+            // Replies straggle in while the window is open.
+            QTimer::singleShot(n, bus, [this, frame] { bus->inject(frame); });
+        }
+    });
+    VRNMessage request = group ? VRNMessage(DTS::GetNodeLabel, VRN::ToolAddr, 0x123, VRN::AddrGroup)
+                               : broadcast();
+    request.prepare();
+    Watched& w = watch(bus->call(request));
+
+    QTRY_COMPARE(w.spy.count(), 1);
+    QCOMPARE(w.watcher.error(), BusPendingCall::NoError);
+    QCOMPARE(w.watcher.replies(), sent);
+}
+
+void tst_Bus::callsGoOutOneAtATimeInSubmissionOrder()
+{
+    int onWire = 0;
+    int maxOnWire = 0;
+    QList<quint32> finishOrder;
+    answerEach([&](const VRNMessage& request) {
+        maxOnWire = qMax(maxOnWire, ++onWire);
+        const quint32 node = request.dstAddr();
+        QTimer::singleShot(2, bus, [&, node] {
+            --onWire;
+            bus->inject(reply(node));
+        });
+    });
+    const QList<quint32> nodes{5, 3, 9, 1};
+    for (quint32 node : nodes) {
+        Watched& w = watch(bus->call(request(node)));
+        connect(&w.watcher, &BusPendingCallWatcher::finished, this,
+                [&finishOrder, node] { finishOrder.append(node); });
+    }
+    QCOMPARE(bus->pendingCount(), 4);
+
+    QTRY_COMPARE(finishOrder.size(), 4);
+    QCOMPARE(finishOrder, nodes);
+    QCOMPARE(maxOnWire, 1);
+    QCOMPARE(wire.size(), 4);
+    for (int i = 0; i < nodes.size(); ++i)
+        QCOMPARE(wire.at(i).dstAddr(), nodes.at(i));
+    for (const auto& w : watched)
+        QCOMPARE(w->watcher.error(), BusPendingCall::NoError);
+    QCOMPARE(bus->pendingCount(), 0);
+}
+
+void tst_Bus::waitingCallsEndOnceWhenBusGoes_data()
+{
+    QTest::addColumn<bool>("destroy");
+    QTest::newRow("closed") << false;
+    QTest::newRow("destroyed") << true;
+}
+
+void tst_Bus::waitingCallsEndOnceWhenBusGoes()
+{
+    QFETCH(bool, destroy);
+    bus->setTimeout(5000); // ends by the bus going, not by the clock
+    QList<BusPendingCall> calls;
+    for (quint32 node = 1; node <= 3; ++node) {
+        calls.append(bus->call(request(node)));
+        watch(calls.last());
+    }
+    QTRY_COMPARE(wire.size(), 1); // one on the wire, two waiting
+
+    QSignalSpy closed(bus, &Bus::closed);
+    if (destroy) {
+        delete bus;
+        bus = nullptr;
+    } else {
+        bus->close();
+        QCOMPARE(closed.count(), 1);
+        QCOMPARE(bus->pendingCount(), 0);
+    }
+    for (const BusPendingCall& call : calls) {
+        QVERIFY(call.isFinished());
+        QCOMPARE(call.error(), BusPendingCall::BusNotAvailableError);
+    }
+    // Reports come from the event loop, never from inside close or delete.
+    for (const auto& w : watched)
+        QCOMPARE(w->spy.count(), 0);
+    QTest::qWait(20);
+    for (const auto& w : watched)
+        QCOMPARE(w->spy.count(), 1);
+    QCOMPARE(wire.size(), 1);
+}
+
+void tst_Bus::callOnClosedBusEndsFromEventLoop()
+{
+    bus->close();
+    const BusPendingCall call = bus->call(request(1));
+    Watched& w = watch(call);
+    QVERIFY(!call.isFinished());
+    QCOMPARE(w.spy.count(), 0);
+
+    QTRY_COMPARE(w.spy.count(), 1);
+    QCOMPARE(call.error(), BusPendingCall::BusNotAvailableError);
+    QVERIFY(!call.errorString().isEmpty());
+    QVERIFY(wire.isEmpty());
+
+    // A bus opened again carries calls again.
+    answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
+    QVERIFY(bus->open());
+    Watched& again = watch(bus->call(request(1)));
+    QTRY_COMPARE(again.spy.count(), 1);
+    QCOMPARE(again.watcher.error(), BusPendingCall::NoError);
+}
+
+void tst_Bus::cancel()
+{
+    bus->setTimeout(5000);
+    BusPendingCall onWire = bus->call(request(1));
+    BusPendingCall waiting = bus->call(request(2));
+    BusPendingCall last = bus->call(request(3));
+    Watched& wOnWire = watch(onWire);
+    Watched& wWaiting = watch(waiting);
+    Watched& wLast = watch(last);
+    QTRY_COMPARE(wire.size(), 1);
+
+    QVERIFY(waiting.cancel());
+    QVERIFY(!waiting.cancel());
+    QCOMPARE(waiting.error(), BusPendingCall::CancelledError);
+    QCOMPARE(wWaiting.spy.count(), 0);
+    QCOMPARE(bus->pendingCount(), 2);
+
+    answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
+    QVERIFY(onWire.cancel());
+    QCOMPARE(onWire.error(), BusPendingCall::CancelledError);
+
+    QTRY_COMPARE(wLast.spy.count(), 1);
+    QCOMPARE(last.error(), BusPendingCall::NoError);
+    QCOMPARE(wOnWire.spy.count(), 1);
+    QCOMPARE(wWaiting.spy.count(), 1);
+    // The cancelled waiting call never reached the wire.
+    QCOMPARE(wire.size(), 2);
+    QCOMPARE(wire.at(1).dstAddr(), 3u);
+    QVERIFY(!last.cancel());
+    QCOMPARE(last.error(), BusPendingCall::NoError);
+    QVERIFY(!BusPendingCall::fromError(BusPendingCall::OtherError).cancel());
+}
+
+void tst_Bus::writeFailureEndsCallAndNextGoes()
+{
+    answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
+    bus->refuse = true;
+    Watched& refused = watch(bus->call(request(1)));
+    Watched& second = watch(bus->call(request(2)));
+    QTRY_COMPARE(refused.spy.count(), 1);
+    QCOMPARE(refused.watcher.error(), BusPendingCall::WriteError);
+    QCOMPARE(second.watcher.error(), BusPendingCall::WriteError);
+
+    bus->refuse = false;
+    Watched& third = watch(bus->call(request(3)));
+    QTRY_COMPARE(third.spy.count(), 1);
+    QCOMPARE(third.watcher.error(), BusPendingCall::NoError);
+    QCOMPARE(wire.size(), 1);
+}
+
+void tst_Bus::watcherReportsOncePerWatchedCall()
+{
+    // An already finished call reports from the event loop, not from the
+    // assignment.
+    BusPendingCallWatcher watcher;
+    QSignalSpy spy(&watcher, &BusPendingCallWatcher::finished);
+    const BusPendingCall early = BusPendingCall::fromError(BusPendingCall::OtherError, "no node");
+    watcher = early;
+    watcher = early; // the same call again: still one report
+    QCOMPARE(spy.count(), 0);
+    QTRY_COMPARE(spy.count(), 1);
+    QCOMPARE(watcher.errorString(), QStringLiteral("no node"));
+
+    // A call replaced before it reported never reports here.
+    answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
+    spy.clear();
+    const BusPendingCall first = bus->call(request(1));
+    watcher = first;
+    const BusPendingCall second = BusPendingCall::fromError(BusPendingCall::TimeoutError);
+    watcher = second;
+    QTRY_VERIFY(first.isFinished());
+    QTest::qWait(10);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(watcher.error(), BusPendingCall::TimeoutError);
+
+    // Two watchers on one call report once each; a default watcher never.
+    BusPendingCallWatcher idle;
+    QSignalSpy idleSpy(&idle, &BusPendingCallWatcher::finished);
+    const BusPendingCall shared = bus->call(request(2));
+    Watched& a = watch(shared);
+    Watched& b = watch(shared);
+    QTRY_COMPARE(a.spy.count(), 1);
+    QTRY_COMPARE(b.spy.count(), 1);
+    QTest::qWait(10);
+    QCOMPARE(a.spy.count() + b.spy.count() + idleSpy.count(), 2);
+}
+
+QTEST_GUILESS_MAIN(tst_Bus)
+#include "tst_bus.moc"
