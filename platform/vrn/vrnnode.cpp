@@ -56,7 +56,7 @@ BusPendingCall VRNNode::request(quint8 cmd, const PayloadWriter& fill) const
     Q_D(const VRNNode);
     const VRNCmdInfo info = DTS::cmdInfo(cmd);
     if (!info.isRequest()) {
-        qWarning().nospace() << "[VRNNode]: not a request: 0x" << Qt::hex << cmd;
+        qWarning().nospace() << "[VRNNode]: not a request: 0x" << Qt::hex << uint(cmd);
         return BusPendingCall::fromError(BusPendingCall::OtherError, tr("Unknown request"));
     }
     if (!bus())
@@ -72,7 +72,7 @@ BusPendingCall VRNNode::request(quint8 cmd, const PayloadWriter& fill) const
     }
     const int size = call.payload().size();
     if (!info.acceptsPayloadSize(size) || !call.prepare()) {
-        qWarning().nospace() << "[VRNNode]: " << info.name() << ": payload of " << size
+        qWarning().noquote().nospace() << "[VRNNode]: " << info.name() << ": payload of " << size
                              << " bytes, expected " << info.minPayload() << ".." << info.maxPayload();
         return BusPendingCall::fromError(BusPendingCall::OtherError, tr("Invalid request payload"));
     }
