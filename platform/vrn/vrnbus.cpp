@@ -152,9 +152,12 @@ void VRNBusPrivate::onPortError(QSerialPort::SerialPortError error)
         qWarning().noquote() << logPrefix() << "write failed:" << port->errorString();
         finishCurrent(BusPendingCall::WriteError, port->errorString());
         break;
+    case QSerialPort::ReadError:
     case QSerialPort::ResourceError:
         // The device is gone (unplugged, the other end of a pseudo-terminal
-        // closed): every call ends with "bus not available".
+        // closed): every call ends with "bus not available". A hung-up
+        // pseudo-terminal reports ReadError, again and again while the port
+        // stays open, so a read failure closes the port too.
         qWarning().noquote() << logPrefix() << "port lost:" << port->errorString();
         q->setErrorString(port->errorString());
         q->close();
