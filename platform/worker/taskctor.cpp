@@ -1,0 +1,3 @@
+#include "taskctor.h"
+
+TaskCtor::~TaskCtor() = default;
