@@ -1,5 +1,6 @@
 #include "bus.h"
 #include "bus_p.h"
+#include "busevents_p.h"
 
 #include <QDebug>
 #include <QTimer>
@@ -11,16 +12,12 @@ QString BusPrivate::logPrefix() const
 
 void BusPrivate::schedulePump()
 {
-    if (pumpScheduled)
-        return;
-    pumpScheduled = true;
-    QMetaObject::invokeMethod(q_ptr, [this] { pump(); }, Qt::QueuedConnection);
+    BusEvents::postOnce(q_ptr, &pumpScheduled, [this] { pump(); });
 }
 
 void BusPrivate::pump()
 {
     Q_Q(Bus);
-    pumpScheduled = false;
     // A transport may answer from inside writeFrame() (an in-process peer):
     // the call is current before the write, and the loop goes on when that
     // answer has already ended it.

@@ -1,4 +1,5 @@
 #include "buspendingcallwatcher.h"
+#include "busevents_p.h"
 #include "buspendingcall_p.h"
 #include "buspendingcallwatcher_p.h"
 
@@ -22,18 +23,12 @@ void BusPendingCallWatcherPrivate::unwatch()
 
 void BusPendingCallWatcherPrivate::scheduleReport()
 {
-    if (reportScheduled)
-        return;
-    reportScheduled = true;
-    // The watcher is the context: a watcher deleted before the event loop
-    // runs takes its pending report with it.
-    QMetaObject::invokeMethod(q_ptr, [this] { report(); }, Qt::QueuedConnection);
+    BusEvents::postOnce(q_ptr, &reportScheduled, [this] { report(); });
 }
 
 void BusPendingCallWatcherPrivate::report()
 {
     Q_Q(BusPendingCallWatcher);
-    reportScheduled = false;
     if (!watching || reported || !call.isFinished())
         return;
     reported = true;

@@ -46,7 +46,7 @@ private:
 void tst_VRNBus::init()
 {
     loopback = new VRNLoopbackBus;
-    loopback->setTimeout(40);
+    loopback->setTimeout(200);
     QVERIFY(loopback->open());
 }
 
@@ -165,7 +165,7 @@ void tst_VRNBus::pseudoTerminal()
     // Identifiers keep port names in upper case.
     const QString name = (relative ? slavePath.mid(5) : slavePath).toUpper();
     VRNBus bus(name);
-    bus.setTimeout(200);
+    bus.setTimeout(1000);
     QVERIFY2(bus.open(), qPrintable(bus.errorString()));
     auto port = qobject_cast<QSerialPort*>(bus.ioDevice());
     QVERIFY(port);

@@ -89,8 +89,8 @@ void tst_VRNMCastBus::exchangeOnLoopback()
     };
 
     VRNMCastBus bus(exchangeGroup, exchangePort, QHostAddress());
-    bus.setTimeout(500);
-    bus.setBroadcastWindow(100);
+    bus.setTimeout(1000);
+    bus.setBroadcastWindow(300);
     QVERIFY2(bus.open(), qPrintable(bus.errorString()));
     QCOMPARE(bus.ioDevice(), static_cast<QIODevice*>(bus.findChild<QUdpSocket*>()));
     QList<VRNMessage> received;
