@@ -41,10 +41,10 @@ public:
     /// closed bus the call ends with `BusNotAvailableError` from the event loop.
     BusPendingCall call(const BusMessage& message);
 
-    /// Time a unicast call waits for its reply, in milliseconds.
+    /// Time a unicast call waits for its reply, in milliseconds (500 by default).
     int timeout() const;
     void setTimeout(int ms);
-    /// Time a broadcast call collects replies, in milliseconds.
+    /// Time a broadcast call collects replies, in milliseconds (1000 by default).
     int broadcastWindow() const;
     void setBroadcastWindow(int ms);
     /// Calls queued or on the wire.
