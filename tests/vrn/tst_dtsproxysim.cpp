@@ -1,0 +1,352 @@
+// Every proxy request exchanged with simulated nodes on the loopback wire.
+#include "dtsgroupproxy.h"
+#include "dtsmotorproxy.h"
+#include "simnetwork.h"
+#include "vrnloopbackbus.h"
+#include "vrnmessage.h"
+
+#include <QtTest>
+
+class tst_DTSProxySim : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void nodeProperties();
+    void groupSlots();
+    void networkCounters();
+    void discoveryMark();
+    void motorSettings();
+    void intermediatePositions();
+    void movements();
+    void groupMovement();
+    void diagnostics();
+    void refusals_data();
+    void refusals();
+
+private:
+    // Waits for `call` and returns its reply; an empty message on any error.
+    BusMessage reply(const BusPendingCall& call);
+    bool acked(const BusPendingCall& call) { return m_motor->isAck(reply(call)); }
+
+    QScopedPointer<VRNLoopbackBus> m_bus;
+    QScopedPointer<SimNetwork> m_net;
+    SimNode* m_simMotor = nullptr;
+    SimNode* m_simStd = nullptr;
+    QScopedPointer<DTSMotorProxy> m_motor;
+    QScopedPointer<DTSStdProxy> m_std;
+};
+
+void tst_DTSProxySim::init()
+{
+    m_bus.reset(new VRNLoopbackBus);
+    m_bus->setTimeout(200);
+    m_bus->setBroadcastWindow(30);
+    QVERIFY(m_bus->open());
+    m_net.reset(new SimNetwork(7));
+    m_net->setReplyWindow(10);
+    QVERIFY(m_net->attach(m_bus.data()));
+    m_simMotor = m_net->addNode(SimNode::DCMotor, 0x123456);
+    m_simStd = m_net->addNode(SimNode::Std, 0x000200);
+    QVERIFY(m_simMotor && m_simStd);
+    m_motor.reset(new DTSMotorProxy(m_simMotor->address(), m_bus.data()));
+    m_std.reset(new DTSStdProxy(m_simStd->address(), m_bus.data()));
+}
+
+void tst_DTSProxySim::cleanup()
+{
+    m_motor.reset();
+    m_std.reset();
+    m_net.reset();
+    m_bus.reset();
+}
+
+BusMessage tst_DTSProxySim::reply(const BusPendingCall& call)
+{
+    if (!QTest::qWaitFor([&] { return call.isFinished(); }, 1000) || call.error() != BusPendingCall::NoError) {
+        qWarning() << "call failed:" << call.error() << call.errorString();
+        return BusMessage();
+    }
+    return call.reply();
+}
+
+void tst_DTSProxySim::nodeProperties()
+{
+    QVERIFY(m_std->isAck(reply(m_std->setNodeLabel("Kitchen"))));
+    QCOMPARE(m_simStd->label(), QByteArray("Kitchen"));
+    QByteArray label;
+    QVERIFY(m_std->getNodeLabelReply(reply(m_std->getNodeLabel()), label));
+    QCOMPARE(label, QByteArray("Kitchen"));
+
+    QVERIFY(m_std->isAck(reply(m_std->setNodeLabel(QByteArray()))));
+    QVERIFY(m_std->getNodeLabelReply(reply(m_std->getNodeLabel()), label));
+    QVERIFY(label.isEmpty() && !label.isNull()); // a nameless node is not an unknown label
+
+    m_simStd->setAppVersion({3, 4, 5, 678});
+    DTSStdProxy::AppVersion version;
+    QVERIFY(m_std->getNodeAppVersionReply(reply(m_std->getNodeAppVersion()), version));
+    QCOMPARE(version.toString(), QStringLiteral("3.4.5.678"));
+
+    m_simStd->setNetworkConfig({1, 2, 3, 4});
+    DTSStdProxy::NetworkConfig config;
+    QVERIFY(m_std->getNetworkConfigReply(reply(m_std->getNetworkConfig()), config));
+    QCOMPARE(config.brPriority, quint8(1));
+    QCOMPARE(config.lpPriority, quint8(2));
+    QCOMPARE(config.maxRetry, quint8(3));
+    QCOMPARE(config.slotCount, quint8(4));
+
+    m_simStd->setSerialNumber("SN-000123456");
+    QByteArray serial;
+    QVERIFY(m_std->getNodeSerialNumberReply(reply(m_std->getNodeSerialNumber()), serial));
+    QCOMPARE(serial, QByteArray("SN-000123456"));
+}
+
+void tst_DTSProxySim::groupSlots()
+{
+    QVERIFY(m_std->isAck(reply(m_std->setGroupAddr(0, 0x000ABC))));
+    QVERIFY(m_std->isAck(reply(m_std->setGroupAddr(15, 0xFEDCBA))));
+    QCOMPARE(m_simStd->group(15), 0xFEDCBAu);
+    for (unsigned char slot = 0; slot < DTSStdProxy::GroupSlotCount; ++slot) {
+        unsigned char index = 0xFF;
+        unsigned int group = 0xFFFFFFFF;
+        QVERIFY(m_std->getGroupAddrReply(reply(m_std->getGroupAddr(slot)), index, group));
+        QCOMPARE(index, slot);
+        QCOMPARE(group, slot == 0 ? 0x000ABCu : slot == 15 ? 0xFEDCBAu : 0u);
+    }
+}
+
+void tst_DTSProxySim::networkCounters()
+{
+    SimNode::NetworkStat traffic;
+    traffic.maxRetryCount = 2;
+    traffic.frameSent = 100000;
+    traffic.frameSeen = 0xFFFFFFF0;
+    traffic.frameReceived = 70000;
+    traffic.busyCount = 513;
+    traffic.maxSlot = 9;
+    traffic.supervisionFailure = 1;
+    m_simStd->setNetworkStat(traffic);
+    DTSStdProxy::NetworkStat stat;
+    QVERIFY(m_std->getNetworkStatReply(reply(m_std->getNetworkStat()), stat));
+    // The node counts the request before it answers.
+    QCOMPARE(stat.maxRetryCount, traffic.maxRetryCount);
+    QCOMPARE(stat.frameSent, traffic.frameSent);
+    QCOMPARE(stat.frameSeen, traffic.frameSeen + 1);
+    QCOMPARE(stat.frameReceived, traffic.frameReceived + 1);
+    QCOMPARE(stat.busyCount, traffic.busyCount);
+    QCOMPARE(stat.maxSlot, traffic.maxSlot);
+    QCOMPARE(stat.supervisionFailure, traffic.supervisionFailure);
+
+    SimNode::NetworkErrorStat errors{1, 2, 3, 4, 5, 6, 7, 8, 65535};
+    m_simStd->setNetworkErrorStat(errors);
+    DTSStdProxy::NetworkErrorStat errorStat;
+    QVERIFY(m_std->getNetworkErrorStatReply(reply(m_std->getNetworkErrorStat()), errorStat));
+    QCOMPARE(errorStat.txFailures, quint16(1));
+    QCOMPARE(errorStat.msgLengthError, quint16(5));
+    QCOMPARE(errorStat.bundleSizeError, quint16(65535));
+
+    QVERIFY(m_std->isAck(reply(m_std->setNetworkStat(2, 0))));
+    QVERIFY(m_std->getNetworkErrorStatReply(reply(m_std->getNetworkErrorStat()), errorStat));
+    QVERIFY(errorStat == DTSStdProxy::NetworkErrorStat());
+    QVERIFY(m_std->getNetworkStatReply(reply(m_std->getNetworkStat()), stat));
+    QCOMPARE(stat.busyCount, quint16(0));
+    QVERIFY(stat.frameSeen < 10);
+}
+
+void tst_DTSProxySim::discoveryMark()
+{
+    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(true))));
+    QVERIFY(m_simStd->discoveryMark());
+    QVERIFY(m_std->isAck(reply(m_std->clearDiscovery())));
+    QVERIFY(!m_simStd->discoveryMark());
+    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(true))));
+    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(false))));
+    QVERIFY(!m_simStd->discoveryMark());
+}
+
+void tst_DTSProxySim::motorSettings()
+{
+    DTSMotor::TurnDirection direction = DTSMotor::DirectionStandard;
+    QVERIFY(acked(m_motor->setMotorDirection(DTSMotor::DirectionReversed)));
+    QVERIFY(m_motor->getMotorDirectionReply(reply(m_motor->getMotorDirection()), direction));
+    QCOMPARE(direction, DTSMotor::DirectionReversed);
+    QVERIFY(acked(m_motor->setFactoryDefault(DTSMotor::FactoryDirection)));
+    QVERIFY(m_motor->getMotorDirectionReply(reply(m_motor->getMotorDirection()), direction));
+    QCOMPARE(direction, DTSMotor::DirectionStandard);
+
+    QVERIFY(acked(m_motor->setMotorLimits(DTSMotor::LimitSetValue, DTSMotor::LimitUp, 100)));
+    QVERIFY(acked(m_motor->setMotorLimits(DTSMotor::LimitSetValue, DTSMotor::LimitDown, 5000)));
+    QVERIFY(acked(m_motor->setMotorLimits(DTSMotor::LimitAdjust, DTSMotor::LimitDown, quint16(-10))));
+    unsigned short up = 0, down = 0;
+    QVERIFY(m_motor->getMotorLimitsReply(reply(m_motor->getMotorLimits()), up, down));
+    QCOMPARE(up, quint16(100));
+    QCOMPARE(down, quint16(4990));
+
+    QVERIFY(acked(m_motor->setMotorRollingSpeed(10, 12, 7)));
+    unsigned char upSpeed = 0, downSpeed = 0, slowSpeed = 0;
+    QVERIFY(m_motor->getMotorRollingSpeedReply(reply(m_motor->getMotorRollingSpeed()), upSpeed, downSpeed,
+                                               slowSpeed));
+    QCOMPARE(QVector<int>({upSpeed, downSpeed, slowSpeed}), QVector<int>({10, 12, 7}));
+
+    QVERIFY(acked(m_motor->setMotorSoftStartStop(DTSMotor::SoftDisable, DTSMotor::RampsBoth, 0)));
+    QVERIFY(acked(m_motor->setMotorSoftStartStop(DTSMotor::SoftEnable, DTSMotor::RampStop, 0)));
+    QVERIFY(acked(m_motor->setMotorSoftStartStop(DTSMotor::SoftSetValue, DTSMotor::RampStart, 40)));
+    bool startOn = true, stopOn = false;
+    unsigned char start = 0, stop = 0;
+    QVERIFY(m_motor->getMotorSoftStartStopReply(reply(m_motor->getMotorSoftStartStop()), startOn, start, stopOn,
+                                                stop));
+    QVERIFY(!startOn);
+    QVERIFY(stopOn);
+    QCOMPARE(start, quint8(40));
+    QCOMPARE(stop, m_simMotor->softStartStop().stopValue);
+}
+
+void tst_DTSProxySim::intermediatePositions()
+{
+    m_simMotor->setLimits(0, 1000);
+    QVERIFY(acked(m_motor->setMotorIP(DTSMotor::IPSetPulse, 3, 250)));
+    QVERIFY(acked(m_motor->setMotorIP(DTSMotor::IPSetPercent, 4, 60)));
+    QVERIFY(acked(m_motor->setMotorIP(DTSMotor::IPDelete, 5, 0)));
+    struct Expected { unsigned char index; unsigned short pulse; unsigned char pct; };
+    for (const Expected& e : {Expected{3, 250, 25}, Expected{4, 600, 60}, Expected{5, 0xFFFF, 0xFF}}) {
+        unsigned char index = 0xEE, pct = 0xEE;
+        unsigned short pulse = 0xEEEE;
+        QVERIFY(m_motor->getMotorIPReply(reply(m_motor->getMotorIP(e.index)), index, pulse, pct));
+        QCOMPARE(index, e.index);
+        QCOMPARE(pulse, e.pulse);
+        QCOMPARE(pct, e.pct);
+    }
+}
+
+void tst_DTSProxySim::movements()
+{
+    m_simMotor->setLimits(0, 1000);
+    m_simMotor->setPosition(0);
+    unsigned short pulse = 0;
+    unsigned char pct = 0, tilt = 0, ip = 0;
+    auto position = [&] {
+        return m_motor->getMotorPositionReply(reply(m_motor->getMotorPosition()), pulse, pct, tilt, ip);
+    };
+
+    QVERIFY(acked(m_motor->ctrlMoveTo(DTSMotor::MoveToPercent, 50, 0xFF)));
+    QVERIFY(position());
+    QCOMPARE(pulse, quint16(500));
+    QCOMPARE(pct, quint8(50));
+
+    QVERIFY(acked(m_motor->ctrlMoveOf(DTSMotor::MoveOfPulsesUp, 100, 0xFF)));
+    QVERIFY(position());
+    QCOMPARE(pulse, quint16(400));
+
+    QVERIFY(acked(m_motor->ctrlMoveTo(DTSMotor::MoveToDownLimit, 0, 0xFF)));
+    QVERIFY(position());
+    QCOMPARE(pct, quint8(100));
+
+    QVERIFY(acked(m_motor->ctrlMove(DTSMotor::MoveUp, 10, DTSMotor::SpeedSlow)));
+    QVERIFY(position());
+    QVERIFY(pulse < 1000);
+    QVERIFY(acked(m_motor->ctrlStop(0xFF)));
+    QVERIFY(acked(m_motor->ctrlWink()));
+}
+
+void tst_DTSProxySim::groupMovement()
+{
+    SimNode* second = m_net->addNode(SimNode::Motor, 0x000301);
+    SimNode* outsider = m_net->addNode(SimNode::Motor, 0x000302);
+    for (SimNode* n : {m_simMotor, second, outsider}) {
+        n->setLimits(0, 1000);
+        n->setPosition(0);
+    }
+    m_simMotor->setGroup(2, 0x00AB01);
+    second->setGroup(15, 0x00AB01);
+    outsider->setGroup(0, 0x00AB02);
+
+    DTSGroupProxy group(0x00AB01, m_bus.data());
+    BusPendingCall call = group.moveTo(DTSMotor::MoveToPercent, 100, 0xFF);
+    QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));
+    QCOMPARE(call.error(), BusPendingCall::NoError);
+    QVERIFY(call.replies().isEmpty());
+    QCOMPARE(m_simMotor->position(), quint16(1000));
+    QCOMPARE(second->position(), quint16(1000));
+    QCOMPARE(outsider->position(), quint16(0));
+
+    call = group.moveOf(DTSMotor::MoveOfPulsesUp, 300, 0xFF);
+    QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));
+    QCOMPARE(second->position(), quint16(700));
+    call = group.stop(0xFF);
+    QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));
+    QCOMPARE(call.error(), BusPendingCall::NoError);
+    QVERIFY(call.replies().isEmpty());
+}
+
+void tst_DTSProxySim::diagnostics()
+{
+    SimNode::Diagnostics d;
+    d.totalMoveCount = 0x01020304;
+    d.totalRevCount = 0xFFFFFFFE;
+    d.thermalCount = 3;
+    d.postThermalMove = 40;
+    d.obstacleCount = 5;
+    d.postObstacleMove = 60;
+    d.powerCount = 7;
+    d.resetCount = 8;
+    d.encoderErrCount = 9;
+    m_simMotor->setDiagnostics(d);
+
+    unsigned int total = 0;
+    unsigned short count = 0, post = 0;
+    QVERIFY(m_motor->diagGetTotalMoveCountReply(reply(m_motor->diagGetTotalMoveCount()), total));
+    QCOMPARE(total, d.totalMoveCount);
+    QVERIFY(m_motor->diagGetTotalRevCountReply(reply(m_motor->diagGetTotalRevCount()), total));
+    QCOMPARE(total, d.totalRevCount);
+    QVERIFY(m_motor->diagGetThermalCountReply(reply(m_motor->diagGetThermalCount()), count, post));
+    QCOMPARE(QVector<int>({count, post}), QVector<int>({3, 40}));
+    QVERIFY(m_motor->diagGetObstacleCountReply(reply(m_motor->diagGetObstacleCount()), count, post));
+    QCOMPARE(QVector<int>({count, post}), QVector<int>({5, 60}));
+    QVERIFY(m_motor->diagGetPowerCountReply(reply(m_motor->diagGetPowerCount()), count));
+    QCOMPARE(count, d.powerCount);
+    QVERIFY(m_motor->diagGetResetCountReply(reply(m_motor->diagGetResetCount()), count));
+    QCOMPARE(count, d.resetCount);
+    QVERIFY(m_motor->diagGetEncoderErrorsReply(reply(m_motor->diagGetEncoderErrors()), count));
+    QCOMPARE(count, d.encoderErrCount);
+}
+
+using Send = std::function<BusPendingCall(DTSMotorProxy&, DTSStdProxy&)>;
+Q_DECLARE_METATYPE(Send)
+
+void tst_DTSProxySim::refusals_data()
+{
+    QTest::addColumn<Send>("send");
+    QTest::addColumn<int>("status");
+    auto row = [](const char* name, Send send, DTS::NackStatus status) {
+        QTest::newRow(name) << send << int(status);
+    };
+    row("group slot 16", [](DTSMotorProxy& m, DTSStdProxy&) { return m.getGroupAddr(16); },
+        DTS::NackDataOutOfRange);
+    row("speed below 6", [](DTSMotorProxy& m, DTSStdProxy&) { return m.setMotorRollingSpeed(5, 10, 10); },
+        DTS::NackDataOutOfRange);
+    row("statistics counters 3", [](DTSMotorProxy& m, DTSStdProxy&) { return m.setNetworkStat(3, 0); },
+        DTS::NackDataOutOfRange);
+    row("IP 16", [](DTSMotorProxy& m, DTSStdProxy&) { return m.getMotorIP(16); }, DTS::NackDataOutOfRange);
+    row("move to an unset IP", [](DTSMotorProxy& m, DTSStdProxy&) {
+        return m.ctrlMoveTo(DTSMotor::MoveToIP, 9, 0xFF);
+    }, DTS::NackIpNotDefined);
+    row("motor command to a keypad", [](DTSMotorProxy&, DTSStdProxy& s) {
+        DTSMotorProxy asMotor(s.address(), s.bus());
+        return asMotor.ctrlWink();
+    }, DTS::NackUnknownMessage);
+}
+
+void tst_DTSProxySim::refusals()
+{
+    QFETCH(Send, send);
+    QFETCH(int, status);
+    const BusMessage answer = reply(send(*m_motor, *m_std));
+    QCOMPARE(int(DTS::getNackReply(VRNMessage(answer))), status);
+    QVERIFY(!m_motor->isAck(answer));
+    QVERIFY(!m_std->isAck(answer));
+}
+
+QTEST_MAIN(tst_DTSProxySim)
+#include "tst_dtsproxysim.moc"
