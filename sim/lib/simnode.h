@@ -66,7 +66,7 @@ public:
     struct NetworkStat {
         quint8 maxRetryCount = 0;
         quint32 frameSent = 0;      ///< frames this node sent
-        quint32 frameSeen = 0;      ///< valid frames seen on the line
+        quint32 frameSeen = 0;      ///< valid frames the node looked at
         quint32 frameReceived = 0;  ///< frames addressed to this node
         quint16 busyCount = 0;
         quint8 maxSlot = 0;
@@ -135,6 +135,8 @@ public:
     /// Names used on the command line: std, motor, dcmotor, lru50, tx50dc, tx30, settingtool.
     static QString kindName(Kind kind);
     static bool kindFromName(const QString& name, Kind* kind);
+    /// Start of the default labels: "Motor", "DC motor", "Node", ...
+    static QString labelPrefix(Kind kind);
 
     /// Gives the node plausible seeded values: serial number, version,
     /// network configuration and counters, and for motors limits, a
