@@ -2,6 +2,7 @@
 #define DTSSTDPROXY_H
 
 #include "vrnnode.h"
+#include "vrnvalue.h"
 
 #include <QByteArray>
 #include <QMetaType>
@@ -32,16 +33,8 @@ class DTSStdProxy : public VRNNode
     Q_OBJECT
 public:
     /// Traffic counters of a node.
-    struct NetworkStat
+    struct NetworkStat : public VRNValue<NetworkStat>
     {
-    private:
-        auto fields() const
-        {
-            return std::tie(maxRetryCount, frameSent, frameSeen, frameReceived, busyCount, maxSlot,
-                            supervisionFailure);
-        }
-
-    public:
         quint8 maxRetryCount = 0;
         quint32 frameSent = 0;
         quint32 frameSeen = 0;
@@ -50,22 +43,18 @@ public:
         quint8 maxSlot = 0;
         quint8 supervisionFailure = 0;
 
-        void clear() { *this = NetworkStat(); }
-        bool operator==(const NetworkStat& o) const { return fields() == o.fields(); }
-        bool operator!=(const NetworkStat& o) const { return !(*this == o); }
+    private:
+        friend class VRNValue<NetworkStat>;
+        auto fields() const
+        {
+            return std::tie(maxRetryCount, frameSent, frameSeen, frameReceived, busyCount, maxSlot,
+                            supervisionFailure);
+        }
     };
 
     /// Error counters of a node.
-    struct NetworkErrorStat
+    struct NetworkErrorStat : public VRNValue<NetworkErrorStat>
     {
-    private:
-        auto fields() const
-        {
-            return std::tie(txFailures, collisions, rxDataError, unknownMessage, msgLengthError,
-                            rxFifoFull, txFifoFull, crcError, bundleSizeError);
-        }
-
-    public:
         quint16 txFailures = 0;
         quint16 collisions = 0;
         quint16 rxDataError = 0;
@@ -76,47 +65,44 @@ public:
         quint16 crcError = 0;
         quint16 bundleSizeError = 0;
 
-        void clear() { *this = NetworkErrorStat(); }
-        bool operator==(const NetworkErrorStat& o) const { return fields() == o.fields(); }
-        bool operator!=(const NetworkErrorStat& o) const { return !(*this == o); }
+    private:
+        friend class VRNValue<NetworkErrorStat>;
+        auto fields() const
+        {
+            return std::tie(txFailures, collisions, rxDataError, unknownMessage, msgLengthError,
+                            rxFifoFull, txFifoFull, crcError, bundleSizeError);
+        }
     };
 
     /// Medium access settings of a node.
-    struct NetworkConfig
+    struct NetworkConfig : public VRNValue<NetworkConfig>
     {
-    private:
-        auto fields() const { return std::tie(brPriority, lpPriority, maxRetry, slotCount); }
-
-    public:
         quint8 brPriority = 0;   ///< priority of broadcast replies
         quint8 lpPriority = 0;   ///< low priority
         quint8 maxRetry = 0;
         quint8 slotCount = 0;
 
-        void clear() { *this = NetworkConfig(); }
-        bool operator==(const NetworkConfig& o) const { return fields() == o.fields(); }
-        bool operator!=(const NetworkConfig& o) const { return !(*this == o); }
+    private:
+        friend class VRNValue<NetworkConfig>;
+        auto fields() const { return std::tie(brPriority, lpPriority, maxRetry, slotCount); }
     };
 
     /// Version of a node's application firmware.
-    struct AppVersion
+    struct AppVersion : public VRNValue<AppVersion>
     {
-    private:
-        auto fields() const { return std::tie(major, minor, patch, build); }
-
-    public:
         quint8 major = 0;
         quint8 minor = 0;
         quint8 patch = 0;
         quint16 build = 0;
 
-        void clear() { *this = AppVersion(); }
         /// False when cleared, and for major 0xFF (a node without application).
         bool isValid() const { return *this != AppVersion() && major != 0xFF; }
         /// "major.minor.patch", with ".build" when build is not 0: "2.1.0.17".
         QString toString() const;
-        bool operator==(const AppVersion& o) const { return fields() == o.fields(); }
-        bool operator!=(const AppVersion& o) const { return !(*this == o); }
+
+    private:
+        friend class VRNValue<AppVersion>;
+        auto fields() const { return std::tie(major, minor, patch, build); }
     };
 
     /// Number of group address slots of a node (indices 0..15).

@@ -1,21 +1,16 @@
 #ifndef MOTORDIAGNOSTIC_H
 #define MOTORDIAGNOSTIC_H
 
+#include "vrnvalue.h"
+
 #include <QMetaType>
 #include <QtGlobal>
 #include <tuple>
 
 /// Life counters of a motor, as its diagnostic requests report them
 /// (`DTSMotorProxy::diagGet...`). A default value has every counter at 0.
-class MotorDiagnostic
+class MotorDiagnostic : public VRNValue<MotorDiagnostic>
 {
-private:
-    auto fields() const
-    {
-        return std::tie(totalMoveCount, totalRevCount, thermalCount, postThermalMove, obstacleCount,
-                        postObstacleMove, powerCount, resetCount, encoderErrCount);
-    }
-
 public:
     quint32 totalMoveCount = 0;
     quint32 totalRevCount = 0;
@@ -27,9 +22,13 @@ public:
     quint16 resetCount = 0;
     quint16 encoderErrCount = 0;
 
-    void clear() { *this = MotorDiagnostic(); }
-    bool operator==(const MotorDiagnostic& o) const { return fields() == o.fields(); }
-    bool operator!=(const MotorDiagnostic& o) const { return !(*this == o); }
+private:
+    friend class VRNValue<MotorDiagnostic>;
+    auto fields() const
+    {
+        return std::tie(totalMoveCount, totalRevCount, thermalCount, postThermalMove, obstacleCount,
+                        postObstacleMove, powerCount, resetCount, encoderErrCount);
+    }
 };
 
 Q_DECLARE_METATYPE(MotorDiagnostic)
