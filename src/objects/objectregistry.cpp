@@ -1,0 +1,21 @@
+#include "objectregistry.h"
+
+namespace {
+ObjectRegistry* s_registry = nullptr;
+}
+
+ObjectRegistry::~ObjectRegistry()
+{
+    if (s_registry == this)
+        s_registry = nullptr;
+}
+
+ObjectRegistry* ObjectRegistry::instance()
+{
+    return s_registry;
+}
+
+void ObjectRegistry::setInstance(ObjectRegistry* registry)
+{
+    s_registry = registry;
+}

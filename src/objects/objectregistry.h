@@ -1,0 +1,29 @@
+#ifndef OBJECTREGISTRY_H
+#define OBJECTREGISTRY_H
+
+class VRNObject;
+class VRNObjectWorker;
+
+/// What the device objects need of the device registry (the object
+/// factory): writing an object back and hearing of a worker's end.
+///
+/// The registry installs itself with `setInstance(this)` when it is created
+/// and `setInstance(nullptr)` when it goes; until then `VRNObject::save()`
+/// fails with "[VRNObject]: failed to retrieve ObjectFactory" and workers end
+/// unannounced. Used on the GUI thread only.
+class ObjectRegistry
+{
+public:
+    virtual ~ObjectRegistry();
+
+    /// Writes `object` to the device database; true on success.
+    virtual bool saveObject(VRNObject* object) = 0;
+    /// Called from `~VRNObjectWorker`, while the worker is still whole.
+    virtual void objectWorkerDestroyed(VRNObjectWorker* worker) = 0;
+
+    /// The installed registry, or null.
+    static ObjectRegistry* instance();
+    static void setInstance(ObjectRegistry* registry);
+};
+
+#endif // OBJECTREGISTRY_H
