@@ -1,0 +1,459 @@
+// A simulated node driven with raw request frames: every command of every
+// kind, refusals, addressing, discovery and deaf mode, motor behaviour.
+#include "dts.h"
+#include "simnode.h"
+#include "vrnmessage.h"
+
+#include <QtTest>
+
+namespace {
+
+constexpr quint32 NodeNumber = 0x00ABCD;
+constexpr VRN::Addr KeypadAddr = (VRN::Addr(VRN::NodeKeypad) << 24) | 0x000777u;
+
+QByteArray bytes(std::initializer_list<int> values)
+{
+    QByteArray out;
+    for (int v : values)
+        out.append(char(v));
+    return out;
+}
+
+VRNMessage request(quint8 cmd, const QByteArray& payload = QByteArray(), quint32 dst = NodeNumber,
+                   VRN::AddrType type = VRN::AddrNode, VRN::Addr src = VRN::ToolAddr)
+{
+    VRNMessage m(cmd, src, dst, type, payload);
+    m.setAck(type == VRN::AddrNode);
+    m.prepare();
+    return m;
+}
+
+// A payload in range for every request code; the table test below checks
+// that it covers the whole command table.
+QHash<quint8, QByteArray> validPayloads()
+{
+    using namespace DTS;
+    return {
+        {CtrlStop, bytes({0xFF})}, {CtrlMoveTo, bytes({1, 0, 0, 0xFF})},
+        {CtrlMoveOf, bytes({3, 0, 0x10, 0xFF})}, {CtrlMove, bytes({0, 5, 0})},
+        {CtrlWink, {}}, {GetMotorPosition, {}}, {SetMotorLimits, bytes({1, 0, 0x20, 0})},
+        {SetMotorDirection, bytes({1})}, {GetMotorRollingSpeed, {}},
+        {SetMotorRollingSpeed, bytes({10, 12, 6})}, {SetMotorIP, bytes({0, 3, 0, 0})},
+        {GetMotorSoftStartStop, {}}, {SetMotorSoftStartStop, bytes({2, 0, 50})},
+        {SetFactoryDefault, bytes({0x12})}, {GetMotorLimits, {}}, {GetMotorDirection, {}},
+        {GetMotorIP, bytes({5})}, {DiagGetTotalMoveCount, {}}, {DiagGetTotalRevCount, {}},
+        {DiagGetThermalCount, {}}, {DiagGetObstacleCount, {}}, {DiagGetPowerCount, {}},
+        {DiagGetResetCount, {}}, {DiagGetEncoderErrors, {}}, {GetNodeAddr, {}},
+        {GetGroupAddr, bytes({3})}, {GetNetworkConfig, {}}, {GetNodeLabel, {}},
+        {GetNetworkStat, {}}, {GetNetworkErrorStat, {}}, {GetNodeSerialNumber, {}},
+        {ClearDiscovery, {}}, {SetGroupAddr, bytes({2, 0x0F, 0, 1})}, {SetNodeDiscovery, bytes({0})},
+        {SetNodeLabel, QByteArray("abc")}, {SetDeafMode, bytes({0xFF, 0xFF, 0xFF, 0, 0, 0})},
+        {SetNetworkStat, bytes({2, 0})}, {GetNodeAppVersion, {}},
+    };
+}
+
+} // namespace
+
+class tst_SimNode : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void everyCommand_data();
+    void everyCommand();
+    void refusals_data();
+    void refusals();
+    void addressing();
+    void settingsRoundTrip();
+    void discoveryMark();
+    void deafMode();
+    void forcedNackAndSilence();
+    void motorMoves();
+    void limitsAndPositions();
+    void factoryDefault();
+    void statistics();
+
+private:
+    // The one frame `node` answers, decoded; invalid when it stays quiet.
+    VRNMessage answer(SimNode& node, const VRNMessage& rq);
+    VRNMessage ask(const VRNMessage& rq) { return answer(*m_motor, rq); }
+    void verifyNack(const VRNMessage& reply, quint8 status, quint8 cmd);
+
+    QScopedPointer<SimNode> m_motor;
+};
+
+void tst_SimNode::init()
+{
+    m_motor.reset(new SimNode(SimNode::DCMotor, NodeNumber));
+    m_motor->setLimits(100, 1100);
+    m_motor->setPosition(100);
+}
+
+VRNMessage tst_SimNode::answer(SimNode& node, const VRNMessage& rq)
+{
+    const QList<QByteArray> out = node.handle(rq);
+    if (out.size() > 1)
+        qWarning("more than one answer");
+    return out.isEmpty() ? VRNMessage() : VRNMessage(BusMessage(out.first()));
+}
+
+void tst_SimNode::verifyNack(const VRNMessage& reply, quint8 status, quint8 cmd)
+{
+    QVERIFY(reply.isValid());
+    QCOMPARE(reply.cmd(), quint8(DTS::Nack));
+    QCOMPARE(reply.payload(), bytes({status, cmd}));
+}
+
+void tst_SimNode::everyCommand_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("cmd");
+    const QHash<quint8, QByteArray> payloads = validPayloads();
+    const QMetaEnum kinds = QMetaEnum::fromType<SimNode::Kind>();
+    for (auto it = DTS::cmds().cbegin(); it != DTS::cmds().cend(); ++it) {
+        if (!it->isRequest())
+            continue;
+        if (!payloads.contains(it->cmd()))
+            QFAIL(qPrintable(QStringLiteral("no test payload for %1").arg(it->name())));
+        for (int k = 0; k < kinds.keyCount(); ++k) {
+            QTest::addRow("%s %s", kinds.key(k), qPrintable(it->name()))
+                << kinds.value(k) << int(it->cmd());
+        }
+    }
+}
+
+// Every kind answers every request it knows with the reply of the table, from
+// its own address to the tool, with a payload size the table allows; requests
+// it does not know get NACK 0x10.
+void tst_SimNode::everyCommand()
+{
+    QFETCH(int, kind);
+    QFETCH(int, cmd);
+    const auto k = SimNode::Kind(kind);
+    SimNode node(k, NodeNumber);
+    node.setLimits(100, 1100);
+    node.setPosition(600);
+    const VRNCmdInfo info = DTS::cmdInfo(quint8(cmd));
+    const VRNMessage reply = answer(node, request(quint8(cmd), validPayloads().value(quint8(cmd))));
+    QVERIFY(reply.isValid());
+    QCOMPARE(reply.srcAddr(), VRN::makeAddr(SimNode::defaultNodeType(k), NodeNumber));
+    QCOMPARE(reply.dstAddr(), VRN::getNumber(VRN::ToolAddr));
+    QCOMPARE(reply.dstType(), VRN::AddrNode);
+    const bool motorCmd = cmd < DTS::GetNodeAddr;
+    const bool dcCmd = cmd == DTS::GetMotorRollingSpeed || cmd == DTS::SetMotorRollingSpeed
+        || cmd == DTS::GetMotorSoftStartStop || cmd == DTS::SetMotorSoftStartStop;
+    if ((motorCmd && !SimNode::hasMotor(k)) || (dcCmd && !SimNode::isDC(k))) {
+        verifyNack(reply, DTS::NackUnknownMessage, quint8(cmd));
+        return;
+    }
+    QCOMPARE(reply.cmd(), info.reply());
+    QVERIFY2(DTS::cmdInfo(reply.cmd()).acceptsPayloadSize(reply.payload().size()),
+             qPrintable(reply.data().toHex()));
+    if (reply.cmd() == DTS::Ack)
+        QCOMPARE(reply.payload(), bytes({cmd}));
+}
+
+void tst_SimNode::refusals_data()
+{
+    QTest::addColumn<int>("cmd");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<int>("status");
+    using namespace DTS;
+    const int range = NackDataOutOfRange;
+    QTest::newRow("unknown code") << 0x01 << QByteArray() << int(NackUnknownMessage);
+    QTest::newRow("label too long") << int(SetNodeLabel) << QByteArray(17, 'x') << int(NackMessageLength);
+    QTest::newRow("group index missing") << int(GetGroupAddr) << QByteArray() << int(NackMessageLength);
+    QTest::newRow("wink with payload") << int(CtrlWink) << bytes({0}) << int(NackMessageLength);
+    QTest::newRow("get group 16") << int(GetGroupAddr) << bytes({16}) << range;
+    QTest::newRow("set group 16") << int(SetGroupAddr) << bytes({16, 0, 0, 1}) << range;
+    QTest::newRow("group broadcast number") << int(SetGroupAddr) << bytes({0, 0xFF, 0xFF, 0xFF}) << range;
+    QTest::newRow("discovery mark 2") << int(SetNodeDiscovery) << bytes({2}) << range;
+    QTest::newRow("network counters 3") << int(SetNetworkStat) << bytes({3, 0}) << range;
+    QTest::newRow("deaf mode 5") << int(SetDeafMode) << bytes({0xFF, 0xFF, 0xFF, 0, 10, 5}) << range;
+    QTest::newRow("move-to function 5") << int(CtrlMoveTo) << bytes({5, 0, 0, 0xFF}) << range;
+    QTest::newRow("move-to 101 %") << int(CtrlMoveTo) << bytes({4, 0, 101, 0xFF}) << range;
+    QTest::newRow("move-to IP 16") << int(CtrlMoveTo) << bytes({2, 0, 16, 0xFF}) << range;
+    QTest::newRow("move-to beyond limit") << int(CtrlMoveTo) << bytes({3, 0x04, 0x4D, 0xFF}) << range;
+    QTest::newRow("move-to unset IP") << int(CtrlMoveTo) << bytes({2, 0, 7, 0xFF}) << int(NackIpNotDefined);
+    QTest::newRow("move-of function 4") << int(CtrlMoveOf) << bytes({4, 0, 0, 0xFF}) << range;
+    QTest::newRow("move-of no IP below") << int(CtrlMoveOf) << bytes({1, 0, 0, 0xFF}) << int(NackIpNotDefined);
+    QTest::newRow("move direction 2") << int(CtrlMove) << bytes({2, 1, 0}) << range;
+    QTest::newRow("move speed 3") << int(CtrlMove) << bytes({0, 1, 3}) << range;
+    QTest::newRow("limits function 3") << int(SetMotorLimits) << bytes({3, 0, 0, 0}) << range;
+    QTest::newRow("limit 2") << int(SetMotorLimits) << bytes({1, 2, 0, 0}) << range;
+    QTest::newRow("limit value unset") << int(SetMotorLimits) << bytes({1, 0, 0xFF, 0xFF}) << range;
+    QTest::newRow("limit adjust below 0") << int(SetMotorLimits) << bytes({2, 1, 0xFF, 0x00}) << range;
+    QTest::newRow("direction 2") << int(SetMotorDirection) << bytes({2}) << range;
+    QTest::newRow("speed 5") << int(SetMotorRollingSpeed) << bytes({5, 10, 10}) << range;
+    QTest::newRow("speed 29") << int(SetMotorRollingSpeed) << bytes({10, 10, 29}) << range;
+    QTest::newRow("IP function 4") << int(SetMotorIP) << bytes({4, 0, 0, 0}) << range;
+    QTest::newRow("IP index 16") << int(SetMotorIP) << bytes({2, 16, 0, 200}) << range;
+    QTest::newRow("IP 101 %") << int(SetMotorIP) << bytes({3, 0, 0, 101}) << range;
+    QTest::newRow("IP beyond limit") << int(SetMotorIP) << bytes({2, 0, 0x10, 0}) << range;
+    QTest::newRow("get IP 16") << int(GetMotorIP) << bytes({16}) << range;
+    QTest::newRow("ramp function 3") << int(SetMotorSoftStartStop) << bytes({3, 0, 0}) << range;
+    QTest::newRow("ramps 3") << int(SetMotorSoftStartStop) << bytes({0, 3, 0}) << range;
+    QTest::newRow("ramp value 101") << int(SetMotorSoftStartStop) << bytes({2, 0, 101}) << range;
+    QTest::newRow("factory function 3") << int(SetFactoryDefault) << bytes({3}) << range;
+}
+
+// A refused request changes nothing; the NACK names the status and the command.
+void tst_SimNode::refusals()
+{
+    QFETCH(int, cmd);
+    QFETCH(QByteArray, payload);
+    QFETCH(int, status);
+    const quint16 up = m_motor->upLimit();
+    const quint16 position = m_motor->position();
+    const auto speed = m_motor->rollingSpeed();
+    verifyNack(ask(request(quint8(cmd), payload)), quint8(status), quint8(cmd));
+    QCOMPARE(m_motor->upLimit(), up);
+    QCOMPARE(m_motor->position(), position);
+    QCOMPARE(m_motor->rollingSpeed().up, speed.up);
+    QCOMPARE(m_motor->groups().count(0u), int(SimNode::GroupSlots));
+}
+
+// Nodes answer their own number, broadcasts and their groups; never with an
+// ACK or NACK to a broadcast or group; replies of other nodes are ignored.
+void tst_SimNode::addressing()
+{
+    m_motor->setGroup(4, 0x0F0003);
+    QVERIFY(!ask(request(DTS::GetNodeLabel, {}, NodeNumber + 1)).isValid());
+    QVERIFY(!ask(request(DTS::GetNodeLabel, {}, 0x0F0004, VRN::AddrGroup)).isValid());
+    QVERIFY(!ask(request(DTS::GetNodeLabel, {}, 0, VRN::AddrGroup)).isValid());
+
+    const VRNMessage viaGroup = ask(request(DTS::GetNodeLabel, {}, 0x0F0003, VRN::AddrGroup));
+    QCOMPARE(viaGroup.cmd(), quint8(DTS::PostNodeLabel));
+    QCOMPARE(ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).cmd(), quint8(DTS::PostNodeAddr));
+
+    QVERIFY(!ask(request(DTS::SetNodeLabel, "group", 0x0F0003, VRN::AddrGroup)).isValid());
+    QCOMPARE(m_motor->label(), QByteArray("group"));
+    QVERIFY(!ask(request(DTS::SetNodeLabel, "all", 0, VRN::AddrBroadcast)).isValid());
+    QCOMPARE(m_motor->label(), QByteArray("all"));
+    QVERIFY(!ask(request(DTS::SetNodeDiscovery, bytes({9}), 0, VRN::AddrBroadcast)).isValid());
+    QVERIFY(!ask(request(0x01, {}, 0, VRN::AddrBroadcast)).isValid());
+
+    QVERIFY(!ask(request(DTS::Ack, bytes({DTS::CtrlWink}))).isValid());
+    QVERIFY(!ask(request(DTS::PostNodeLabel, "x")).isValid());
+}
+
+// What is written reads back through the wire, byte for byte.
+void tst_SimNode::settingsRoundTrip()
+{
+    QCOMPARE(ask(request(DTS::SetNodeLabel, "Living room 2")).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetNodeLabel)).payload(), QByteArray("Living room 2"));
+    QCOMPARE(ask(request(DTS::SetNodeLabel, QByteArray())).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetNodeLabel)).payload(), QByteArray());
+
+    QCOMPARE(ask(request(DTS::SetGroupAddr, bytes({15, 0x12, 0x34, 0x56}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetGroupAddr, bytes({15}))).payload(), bytes({15, 0x12, 0x34, 0x56}));
+    QCOMPARE(m_motor->group(15), 0x123456u);
+
+    m_motor->setSerialNumber("0123456789ABCDEF");
+    QCOMPARE(ask(request(DTS::GetNodeSerialNumber)).payload(), QByteArray("0123456789AB"));
+    m_motor->setAppVersion({2, 7, 1, 0x0102});
+    QCOMPARE(ask(request(DTS::GetNodeAppVersion)).payload(), bytes({2, 7, 1, 1, 2}));
+
+    QCOMPARE(ask(request(DTS::SetMotorDirection, bytes({1}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetMotorDirection)).payload(), bytes({1}));
+    QCOMPARE(ask(request(DTS::SetMotorRollingSpeed, bytes({28, 6, 9}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetMotorRollingSpeed)).payload(), bytes({28, 6, 9}));
+
+    // Ramps: values first, then enable only the stop ramp.
+    m_motor->setSoftStartStop({true, 0, true, 0});
+    QCOMPARE(ask(request(DTS::SetMotorSoftStartStop, bytes({2, 1, 40}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetMotorSoftStartStop, bytes({2, 2, 60}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetMotorSoftStartStop, bytes({0, 0, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetMotorSoftStartStop, bytes({1, 2, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetMotorSoftStartStop)).payload(), bytes({0, 40, 1, 60}));
+}
+
+// The discovery mark silences 0x40 (broadcast and unicast) until cleared,
+// and the broadcast clear gets no acknowledgement.
+void tst_SimNode::discoveryMark()
+{
+    const VRNMessage who = request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast);
+    const VRNMessage found = ask(who);
+    QCOMPARE(found.cmd(), quint8(DTS::PostNodeAddr));
+    QCOMPARE(found.srcAddr(), m_motor->address());
+    QVERIFY(found.payload().isEmpty());
+
+    QCOMPARE(ask(request(DTS::SetNodeDiscovery, bytes({1}))).cmd(), quint8(DTS::Ack));
+    QVERIFY(m_motor->discoveryMark());
+    QVERIFY(!ask(who).isValid());
+    QVERIFY(!ask(request(DTS::GetNodeAddr)).isValid());
+    QCOMPARE(ask(request(DTS::GetNodeLabel)).cmd(), quint8(DTS::PostNodeLabel));
+
+    QVERIFY(!ask(request(DTS::ClearDiscovery, {}, 0, VRN::AddrBroadcast)).isValid());
+    QVERIFY(!m_motor->discoveryMark());
+    QCOMPARE(ask(who).cmd(), quint8(DTS::PostNodeAddr));
+
+    m_motor->setDiscoveryMark(true);
+    QCOMPARE(ask(request(DTS::ClearDiscovery)).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetNodeDiscovery, bytes({0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(who).cmd(), quint8(DTS::PostNodeAddr));
+}
+
+// A deaf node ignores other devices but still answers configuration tools;
+// the deaf time runs out, a request for another node number leaves it alone.
+void tst_SimNode::deafMode()
+{
+    const VRNMessage fromKeypad = request(DTS::CtrlMoveTo, bytes({0, 0, 0, 0xFF}), NodeNumber,
+                                          VRN::AddrNode, KeypadAddr);
+    QCOMPARE(ask(fromKeypad).cmd(), quint8(DTS::Ack));
+
+    QVERIFY(!ask(request(DTS::SetDeafMode, bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}), 0,
+                         VRN::AddrBroadcast)).isValid());
+    QVERIFY(m_motor->isDeaf());
+    QVERIFY(!ask(fromKeypad).isValid());
+    QCOMPARE(ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).cmd(), quint8(DTS::PostNodeAddr));
+    const VRNMessage fromSettingTool = request(DTS::GetNodeLabel, {}, NodeNumber, VRN::AddrNode,
+                                               VRN::makeAddr(VRN::NodeSettingTool, 5));
+    QCOMPARE(ask(fromSettingTool).cmd(), quint8(DTS::PostNodeLabel));
+
+    // Duration 0 ends it.
+    QCOMPARE(ask(request(DTS::SetDeafMode, bytes({0xFF, 0xFF, 0xFF, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QVERIFY(!m_motor->isDeaf());
+
+    // Aimed at another node: acknowledged by the addressee only, no effect here.
+    QCOMPARE(ask(request(DTS::SetDeafMode, bytes({0x00, 0x00, 0x42, 0xFF, 0xFF, 0xFF}))).cmd(),
+             quint8(DTS::Ack));
+    QVERIFY(!m_motor->isDeaf());
+
+    // 2 x 10 ms.
+    QCOMPARE(ask(request(DTS::SetDeafMode, bytes({0x00, 0xAB, 0xCD, 0, 2, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QVERIFY(!ask(fromKeypad).isValid());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_motor->isDeaf(), 500);
+    QCOMPARE(ask(fromKeypad).cmd(), quint8(DTS::Ack));
+}
+
+void tst_SimNode::forcedNackAndSilence()
+{
+    m_motor->setForcedNack(DTS::NackBusy, 2);
+    verifyNack(ask(request(DTS::GetNodeLabel)), DTS::NackBusy, DTS::GetNodeLabel);
+    // Broadcasts are not refused and do not use up the forced answers.
+    QCOMPARE(ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).cmd(), quint8(DTS::PostNodeAddr));
+    verifyNack(ask(request(DTS::SetNodeLabel, "x")), DTS::NackBusy, DTS::SetNodeLabel);
+    QVERIFY(m_motor->label() != "x");
+    QCOMPARE(ask(request(DTS::GetNodeLabel)).cmd(), quint8(DTS::PostNodeLabel));
+    QCOMPARE(m_motor->forcedNack(), quint8(0));
+
+    m_motor->setForcedNack(DTS::NackNodeLocked, -1);
+    for (int i = 0; i < 3; ++i)
+        verifyNack(ask(request(DTS::CtrlWink)), DTS::NackNodeLocked, DTS::CtrlWink);
+    m_motor->setForcedNack(0);
+    QCOMPARE(ask(request(DTS::CtrlWink)).cmd(), quint8(DTS::Ack));
+
+    m_motor->setSilent(true);
+    QVERIFY(!ask(request(DTS::GetNodeLabel)).isValid());
+    QVERIFY(!ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).isValid());
+    QVERIFY(!ask(request(0x01)).isValid());
+}
+
+// Moves land on their target at once and count in the life counters; the
+// position report gives pulses, percent and the IP the motor stands on.
+void tst_SimNode::motorMoves()
+{
+    const quint32 movesBefore = m_motor->diagnostics().totalMoveCount;
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 50, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(600));
+    QCOMPARE(ask(request(DTS::GetMotorPosition)).payload(), bytes({0x02, 0x58, 50, 0xFF, 0xFF}));
+
+    QCOMPARE(ask(request(DTS::SetMotorIP, bytes({3, 2, 0, 25}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetMotorIP, bytes({2, 9, 0x03, 0x20}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetMotorIP, bytes({2}))).payload(), bytes({2, 0x01, 0x5E, 25}));
+    QCOMPARE(ask(request(DTS::GetMotorIP, bytes({9}))).payload(), bytes({9, 0x03, 0x20, 70}));
+    QCOMPARE(ask(request(DTS::GetMotorIP, bytes({0}))).payload(), bytes({0, 0xFF, 0xFF, 0xFF}));
+
+    // Down is towards the down limit (more pulses here).
+    QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({0, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(800));
+    QCOMPARE(ask(request(DTS::GetMotorPosition)).payload().at(4), char(9));
+    QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({1, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(350));
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({2, 0, 9, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(800));
+
+    QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({2, 0x27, 0x10, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(1100));  // stops at the limit
+    QCOMPARE(ask(request(DTS::CtrlMove, bytes({1, 3, 2}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(1094));
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({1, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(100));
+    QCOMPARE(m_motor->diagnostics().totalMoveCount, movesBefore + 7);
+
+    // Reversed limits: percent still runs from the up limit to the down limit.
+    m_motor->setLimits(1000, 0);
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 25, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(750));
+    QCOMPARE(ask(request(DTS::CtrlMove, bytes({0, 5, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->position(), quint16(700));
+}
+
+void tst_SimNode::limitsAndPositions()
+{
+    m_motor->setPosition(500);
+    QCOMPARE(ask(request(DTS::SetMotorLimits, bytes({0, 1, 0, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::SetMotorLimits, bytes({2, 0, 0xFF, 0x9C}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(ask(request(DTS::GetMotorLimits)).payload(), bytes({0x01, 0xF4, 0x03, 0xE8}));
+    QCOMPARE(ask(request(DTS::SetMotorLimits, bytes({1, 0, 0x07, 0xD0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->downLimit(), quint16(2000));
+
+    // Without limits a motor refuses moves and positions that need them.
+    m_motor->setLimits(SimNode::Unset16, SimNode::Unset16);
+    verifyNack(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 10, 0xFF}))), DTS::NackEndLimitsNotSet, DTS::CtrlMoveTo);
+    verifyNack(ask(request(DTS::CtrlMove, bytes({0, 1, 0}))), DTS::NackEndLimitsNotSet, DTS::CtrlMove);
+    verifyNack(ask(request(DTS::SetMotorIP, bytes({1, 0, 0, 0}))), DTS::NackEndLimitsNotSet, DTS::SetMotorIP);
+    verifyNack(ask(request(DTS::SetMotorLimits, bytes({2, 0, 0, 5}))), DTS::NackEndLimitsNotSet,
+               DTS::SetMotorLimits);
+    QCOMPARE(ask(request(DTS::GetMotorPosition)).payload().at(2), char(0xFF));
+    QCOMPARE(ask(request(DTS::SetMotorIP, bytes({0, 0, 0, 0}))).cmd(), quint8(DTS::Ack));
+}
+
+void tst_SimNode::factoryDefault()
+{
+    m_motor->setGroup(0, 0x0F0001);
+    m_motor->setLabel("Hall");
+    m_motor->setIp(3, 700);
+    m_motor->setDirection(1);
+    m_motor->setRollingSpeed({7, 7, 7});
+
+    QCOMPARE(ask(request(DTS::SetFactoryDefault, bytes({0x15}))).cmd(), quint8(DTS::Ack));
+    QVERIFY(!m_motor->ip(3).isSet());
+    QCOMPARE(m_motor->label(), QByteArray("Hall"));
+    QVERIFY(m_motor->limitsSet());
+
+    QCOMPARE(ask(request(DTS::SetFactoryDefault, bytes({0x00}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->group(0), 0u);
+    QCOMPARE(m_motor->label(), QByteArray());
+    QVERIFY(!m_motor->limitsSet());
+    QCOMPARE(m_motor->direction(), quint8(0));
+    QVERIFY(m_motor->rollingSpeed().up != 7);
+}
+
+// Network counters follow the traffic and are reset by the set request.
+void tst_SimNode::statistics()
+{
+    SimNode node(SimNode::Std, NodeNumber);
+    answer(node, request(DTS::GetNodeLabel));
+    answer(node, request(DTS::GetNodeLabel, {}, 0x4242));
+    answer(node, request(0x01));
+    answer(node, request(DTS::GetGroupAddr));
+    node.countInvalidFrame();
+    const VRNMessage stat = answer(node, request(DTS::GetNetworkStat));
+    // Three answers sent before this one; five valid frames seen (this one
+    // too), four of them addressed to the node.
+    QCOMPARE(stat.payload().mid(1, 12), bytes({0, 0, 0, 3, 0, 0, 0, 5, 0, 0, 0, 4}));
+    const VRNMessage errors = answer(node, request(DTS::GetNetworkErrorStat));
+    QCOMPARE(errors.payload(), bytes({0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0}));
+
+    QCOMPARE(answer(node, request(DTS::SetNetworkStat, bytes({1, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(node.networkErrorStat().unknownMessage, quint16(0));
+    QVERIFY(node.networkStat().frameSeen > 0);
+    QCOMPARE(answer(node, request(DTS::SetNetworkStat, bytes({2, 0}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(node.networkStat().frameSeen, 0u);
+}
+
+QTEST_MAIN(tst_SimNode)
+#include "tst_simnode.moc"
