@@ -36,6 +36,7 @@ VRNListenerModelPrivate::Frame VRNListenerModelPrivate::decode(VRNListenerModel:
 {
     Frame f;
     f.msecs = QDateTime::currentMSecsSinceEpoch();
+    f.timeOfDay = localTimeOfDay(f.msecs);
     f.direction = quint8(direction);
     const VRNMessage m(message);
     f.valid = m.isValid();
@@ -55,7 +56,8 @@ QVariant VRNListenerModelPrivate::display(const Frame& f, int column) const
 {
     switch (column) {
     case VRNListenerModel::TimeColumn:
-        return QDateTime::fromMSecsSinceEpoch(f.msecs).toString(QStringLiteral("HH:mm:ss.zzz"));
+        return QString::asprintf("%02d:%02d:%02d.%03d", f.timeOfDay / 3600000, f.timeOfDay / 60000 % 60,
+                                 f.timeOfDay / 1000 % 60, f.timeOfDay % 1000);
     case VRNListenerModel::DirectionColumn:
         return f.direction == VRNListenerModel::Sent ? QStringLiteral("sent") : QStringLiteral("received");
     case VRNListenerModel::SourceColumn:
@@ -103,6 +105,16 @@ QVariant VRNListenerModelPrivate::roleData(const Frame& f, int role) const
     default:
         return QVariant();
     }
+}
+
+int VRNListenerModelPrivate::localTimeOfDay(qint64 msecs)
+{
+    const qint64 day = 24 * 3600 * 1000;
+    if (offsetCheckedAt == 0 || msecs < offsetCheckedAt || msecs - offsetCheckedAt >= 60 * 1000) {
+        utcOffsetMs = qint64(QDateTime::fromMSecsSinceEpoch(msecs).offsetFromUtc()) * 1000;
+        offsetCheckedAt = msecs;
+    }
+    return int((((msecs + utcOffsetMs) % day) + day) % day);
 }
 
 void VRNListenerModelPrivate::trimTo(int max)
@@ -192,10 +204,13 @@ void VRNListenerModel::clear()
 void VRNListenerModel::addFrame(Direction direction, const BusMessage& frame)
 {
     Q_D(VRNListenerModel);
-    d->trimTo(d->maxFrames - 1);
+    // A filtering view pays for each removal in proportion to its rows:
+    // dropping a chunk at a time keeps a full model cheap to append to.
+    if (count() >= d->maxFrames)
+        d->trimTo(d->maxFrames - d->dropChunk());
     const int row = count();
     beginInsertRows(QModelIndex(), row, row);
-    d->frames.push_back(VRNListenerModelPrivate::decode(direction, frame));
+    d->frames.push_back(d->decode(direction, frame));
     endInsertRows();
     emit countChanged();
 }

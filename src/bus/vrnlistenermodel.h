@@ -15,8 +15,9 @@ class VRNListenerModelPrivate;
 /// direction, source and destination, command (named from the command table)
 /// and payload in hexadecimal. An invalid frame has no addressing and shows
 /// all its bytes as payload. The model holds at most `maxFrames` rows
-/// (10,000 by default): past that the oldest rows are dropped, so a long
-/// session does not grow without end. Changing the bus keeps the rows seen
+/// (10,000 by default), so a long session does not grow without end: a frame
+/// that finds the model full drops the oldest hundredth of the rows (at least
+/// one) before it is appended. Changing the bus keeps the rows seen
 /// so far; `clear()` forgets them.
 class VRNListenerModel : public QAbstractTableModel
 {

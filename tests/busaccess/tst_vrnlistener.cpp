@@ -34,6 +34,7 @@ private slots:
     void recordsWhatTheBusSendsAndReceives();
     void decodesEachColumn();
     void dropsOldestPastTheBound();
+    void largeBoundDropsInChunks();
     void followsTheBusItIsGiven();
     void filtersByNodeAndCommand_data();
     void filtersByNodeAndCommand();
@@ -119,6 +120,26 @@ void tst_VRNListener::dropsOldestPastTheBound()
     model.setMaxFrames(1);
     QCOMPARE(model.rowCount(), 1);
     QCOMPARE(cell(model, 0, VRNListenerModel::PayloadRole).toString(), QStringLiteral("04"));
+}
+
+void tst_VRNListener::largeBoundDropsInChunks()
+{
+    VRNListenerModel model(nullptr);
+    VRNListenerViewModel view(&model);
+    model.setMaxFrames(200);
+    const auto payload = [](int i) { return QByteArray(1, char(i >> 8)) + char(i & 0xFF); };
+    for (int i = 0; i < 450; ++i) {
+        model.addFrame(VRNListenerModel::Received,
+                       frame(DTS::PostNodeLabel, Motor42, 1, VRN::AddrNode, payload(i)));
+        QVERIFY(model.rowCount() <= 200);
+    }
+    QVERIFY(model.rowCount() >= 198);
+    QCOMPARE(view.rowCount(), model.rowCount());
+    // What is kept is the newest frames, in order, none missing.
+    const int first = 450 - model.rowCount();
+    for (int r = 0; r < model.rowCount(); ++r)
+        QCOMPARE(cell(model, r, VRNListenerModel::PayloadRole).toString(),
+                 QString::fromLatin1(payload(first + r).toHex(' ')).toUpper());
 }
 
 void tst_VRNListener::followsTheBusItIsGiven()
