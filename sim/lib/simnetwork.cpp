@@ -52,14 +52,14 @@ void SimNetworkPrivate::send(qint64 wantedUs, QByteArray frame)
         ++framesCorrupted;
     }
     // A frame reaches the listener when its last byte has crossed the line.
-    outbox.insert(occupyLine(wantedUs, frame.size()), frame);
+    outbox.emplace(occupyLine(wantedUs, frame.size()), frame);
 }
 
 void SimNetworkPrivate::armTimer()
 {
-    if (outbox.isEmpty())
+    if (outbox.empty())
         return;
-    const qint64 waitUs = std::max<qint64>(0, outbox.firstKey() - nowUs());
+    const qint64 waitUs = std::max<qint64>(0, outbox.begin()->first - nowUs());
     timer.start(int((waitUs + 999) / 1000));
 }
 
@@ -67,8 +67,9 @@ void SimNetworkPrivate::flushDue()
 {
     Q_Q(SimNetwork);
     // One at a time: a receiver may feed a new request back in synchronously.
-    while (!outbox.isEmpty() && outbox.firstKey() <= nowUs()) {
-        const QByteArray frame = outbox.take(outbox.firstKey());
+    while (!outbox.empty() && outbox.begin()->first <= nowUs()) {
+        const QByteArray frame = outbox.begin()->second;
+        outbox.erase(outbox.begin());
         ++framesOut;
         bytesOut += quint64(frame.size());
         emit q->frameOut(frame);
@@ -281,4 +282,4 @@ void SimNetwork::resetCounters()
     d->bytesIn = d->bytesOut = 0;
 }
 
-bool SimNetwork::isBusy() const { return !d_func()->outbox.isEmpty(); }
+bool SimNetwork::isBusy() const { return !d_func()->outbox.empty(); }

@@ -6,9 +6,10 @@
 
 #include <QElapsedTimer>
 #include <QHash>
-#include <QMultiMap>
 #include <QRandomGenerator>
 #include <QTimer>
+
+#include <map>
 
 class SimNetworkPrivate
 {
@@ -44,7 +45,7 @@ public:
 
     QElapsedTimer clock;
     qint64 lineFreeUs = 0;
-    QMultiMap<qint64, QByteArray> outbox;  // due time (us) -> frame
+    std::multimap<qint64, QByteArray> outbox;  // due time (us) -> frame; equal times in order
     QTimer timer;
 
     quint64 framesIn = 0;
