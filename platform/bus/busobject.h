@@ -14,7 +14,7 @@ public:
     explicit BusObject(Bus* bus = nullptr, QObject* parent = nullptr);
     ~BusObject() override;
 
-    Bus* bus() const { return m_bus; }
+    Bus* bus() const;
     void setBus(Bus* bus);
 
 signals:
