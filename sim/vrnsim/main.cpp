@@ -78,28 +78,30 @@ int main(int argc, char* argv[])
     network.setReplyWindow(options.replyWindowMs);
 
     QString identifier;
-    SimMCastLink mcast(&network);
-    SimPtyLink pty(&network);
+    QString where;
+    QScopedPointer<QObject> link;
     if (options.serial) {
-        if (!pty.open(&error))
+        auto* pty = new SimPtyLink(&network);
+        link.reset(pty);
+        if (!pty->open(&error))
             return fail(error, 1);
-        identifier = pty.identifier();
+        identifier = pty->identifier();
+        where = QStringLiteral(" on ") + pty->devicePath();
     } else {
         if (!SimMCastLink::checkAddresses(options.group, options.bind, &error))
             return fail(error, 2);
-        if (!mcast.open(options.group, options.port, options.bind, &error))
+        auto* mcast = new SimMCastLink(&network);
+        link.reset(mcast);
+        if (!mcast->open(options.group, options.port, options.bind, &error))
             return fail(error, 1);
-        identifier = mcast.identifier();
+        identifier = mcast->identifier();
     }
     if (!watchSignals(&app))
         return fail(QStringLiteral("cannot watch SIGINT and SIGTERM"), 1);
 
     std::printf("%s\n", qPrintable(identifier));
     std::fflush(stdout);
-    if (options.serial)
-        std::fprintf(stderr, "vrnsim: %d nodes on %s\n", network.nodes().size(), qPrintable(pty.devicePath()));
-    else
-        std::fprintf(stderr, "vrnsim: %d nodes\n", network.nodes().size());
+    std::fprintf(stderr, "vrnsim: %d nodes%s\n", network.nodes().size(), qPrintable(where));
 
     app.exec();
 
