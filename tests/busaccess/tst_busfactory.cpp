@@ -81,8 +81,13 @@ private slots:
     void closeForgetsLastBus();
     void listenerFollowsTheBus();
     void rememberedSerialBusOpensInNewProcess();
+    void opensWhatTheSimulatorAnnounces();
 
 private:
+    /// Starts `vrnsim` on a transport and returns the bus it announces, or
+    /// an empty text after skipping (no program) or failing the test.
+    /// The simulator is stopped at the test's cleanup.
+    QString startSimulator(const QStringList& transport);
     quint16 port(int caseNo) const { return quint16(BasePort + caseNo); }
     QString mcastUri(int caseNo) const
     {
@@ -90,6 +95,7 @@ private:
     }
 
     QTemporaryDir m_config;
+    QScopedPointer<QProcess> m_sim;
 };
 
 void tst_BusFactory::initTestCase()
@@ -106,6 +112,11 @@ void tst_BusFactory::init()
 void tst_BusFactory::cleanup()
 {
     BusFactory::destroy();
+    if (m_sim) {
+        m_sim->terminate();
+        QTRY_VERIFY_WITH_TIMEOUT(m_sim->state() == QProcess::NotRunning, 5000);
+        m_sim.reset();
+    }
 }
 
 void tst_BusFactory::interfaceSeenByQml()
@@ -348,14 +359,9 @@ void tst_BusFactory::listenerFollowsTheBus()
 
 void tst_BusFactory::rememberedSerialBusOpensInNewProcess()
 {
-    const QString vrnsim = qEnvironmentVariable("VRNSIM");
-    if (vrnsim.isEmpty() || !QFileInfo(vrnsim).isExecutable())
-        QSKIP("the simulator program is not built");
-
-    QProcess sim;
-    sim.start(vrnsim, {QStringLiteral("--serial"), QStringLiteral("--devices"), QStringLiteral("std:1")});
-    QTRY_VERIFY_WITH_TIMEOUT(sim.canReadLine() || sim.state() == QProcess::NotRunning, 5000);
-    const QString simUuid = QString::fromLocal8Bit(sim.readLine()).trimmed();
+    const QString simUuid = startSimulator({QStringLiteral("--serial")});
+    if (simUuid.isEmpty())
+        return; // skipped or failed, already reported
     QString name;
     QVERIFY2(BusFactory::parseSerialUUID(simUuid, name), qPrintable(simUuid));
     // The pseudo-terminal's own name is in lower case; the identifier is not.
@@ -378,8 +384,47 @@ void tst_BusFactory::rememberedSerialBusOpensInNewProcess()
         return;
     run({QStringLiteral("reopen")});
 
-    sim.terminate();
-    QTRY_VERIFY_WITH_TIMEOUT(sim.state() == QProcess::NotRunning, 5000);
+}
+
+void tst_BusFactory::opensWhatTheSimulatorAnnounces()
+{
+    const QString uuid = startSimulator({QStringLiteral("--mcast"), mcastUri(9),
+                                              QStringLiteral("--bind"), QStringLiteral("127.0.0.1")});
+    if (uuid.isEmpty())
+        return; // skipped or failed, already reported
+    QVERIFY2(BusFactory::isMCastUUID(uuid), qPrintable(uuid));
+    BusFactory* f = BusFactory::instance();
+    VRNListenerViewModel* listener = f->busListener();
+    QVERIFY2(f->openUUID(uuid), qPrintable(f->lastError()));
+    QCOMPARE(f->busUUID(), uuid);
+
+    // A request and the node's answer both show in the listener.
+    VRNMessage request(DTS::GetNodeAddr, VRN::ToolAddr, VRN::BroadcastNumber, VRN::AddrBroadcast);
+    QVERIFY(request.prepare());
+    f->bus()->call(request);
+    listener->setCommandFilter(DTS::PostNodeAddr);
+    QTRY_COMPARE_WITH_TIMEOUT(listener->rowCount(), 1, 3000);
+    listener->setCommandFilter(DTS::GetNodeAddr);
+    QCOMPARE(listener->rowCount(), 1);
+    QCOMPARE(listener->index(0, 0).data(VRNListenerModel::DirectionRole).toInt(), int(VRNListenerModel::Sent));
+}
+
+QString tst_BusFactory::startSimulator(const QStringList& transport)
+{
+    const QString vrnsim = qEnvironmentVariable("VRNSIM");
+    if (vrnsim.isEmpty() || !QFileInfo(vrnsim).isExecutable()) {
+        QTest::qSkip("the simulator program is not built", __FILE__, __LINE__);
+        return QString();
+    }
+    m_sim.reset(new QProcess);
+    QProcess& sim = *m_sim;
+    sim.start(vrnsim, transport + QStringList{QStringLiteral("--devices"), QStringLiteral("std:1")});
+    const auto lineOrExit = [&sim] { return sim.canReadLine() || sim.state() == QProcess::NotRunning; };
+    if (!QTest::qWaitFor(lineOrExit, 5000) || !sim.canReadLine()) {
+        QTest::qFail("the simulator announced no bus", __FILE__, __LINE__);
+        return QString();
+    }
+    return QString::fromLocal8Bit(sim.readLine()).trimmed();
 }
 
 int main(int argc, char** argv)
