@@ -102,6 +102,13 @@ quint16 SimNodePrivate::pulsesOf(quint8 percent) const
     return quint16(int(upLimit) + (int(downLimit) - int(upLimit)) * int(percent) / 100);
 }
 
+// "Down" is towards the down limit, whichever way the pulses count.
+int SimNodePrivate::pulseSign(bool down) const
+{
+    const int towardsDown = downLimit >= upLimit ? 1 : -1;
+    return down ? towardsDown : -towardsDown;
+}
+
 quint16 SimNodePrivate::clampToLimits(int pulses) const
 {
     return quint16(std::clamp(pulses, int(lowLimit()), int(highLimit())));
@@ -398,14 +405,12 @@ int SimNodePrivate::moveOf(const VRNMessage& rq)
         return DTS::NackDataOutOfRange;
     if (!limitsSet())
         return DTS::NackEndLimitsNotSet;
-    // "Down" is towards the down limit, whichever way the pulses count.
-    const int towardsDown = downLimit >= upLimit ? 1 : -1;
     if (function == DTSMotor::MoveOfPulsesDown || function == DTSMotor::MoveOfPulsesUp) {
-        const int sign = function == DTSMotor::MoveOfPulsesDown ? towardsDown : -towardsDown;
+        const int sign = pulseSign(function == DTSMotor::MoveOfPulsesDown);
         travelTo(clampToLimits(int(position) + sign * int(value)));
         return 0;
     }
-    const int sign = function == DTSMotor::MoveOfNextIPDown ? towardsDown : -towardsDown;
+    const int sign = pulseSign(function == DTSMotor::MoveOfNextIPDown);
     int best = -1;
     for (quint16 ip : ips) {
         if (ip == SimNode::Unset16 || (int(ip) - int(position)) * sign <= 0)
@@ -430,8 +435,7 @@ int SimNodePrivate::move(const VRNMessage& rq)
     if (!limitsSet())
         return DTS::NackEndLimitsNotSet;
     const int perTick = speedType == DTSMotor::SpeedSlow ? PulsesPerTickSlow : PulsesPerTickNormal;
-    const int towardsDown = downLimit >= upLimit ? 1 : -1;
-    const int sign = direction == DTSMotor::MoveDown ? towardsDown : -towardsDown;
+    const int sign = pulseSign(direction == DTSMotor::MoveDown);
     travelTo(clampToLimits(int(position) + sign * perTick * int(duration)));
     return 0;
 }

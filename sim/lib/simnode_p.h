@@ -39,6 +39,7 @@ public:
     quint8 percentOf(quint16 pulses) const;
     quint16 pulsesOf(quint8 percent) const;
     quint16 clampToLimits(int pulses) const;
+    int pulseSign(bool down) const;  ///< +1 or -1: the way pulses count when moving down/up
     void travelTo(quint16 pulses);
     quint8 ipIndexAtPosition() const;
 
