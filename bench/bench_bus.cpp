@@ -7,10 +7,13 @@
 #include "buspendingcallwatcher.h"
 #include "dts.h"
 #include "vrnloopbackbus.h"
+#include "vrnmcastbus.h"
 #include "vrnmessage.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QHostAddress>
+#include <QProcess>
 #include <QTimer>
 
 #include <sys/resource.h>
@@ -118,13 +121,65 @@ void benchChained(int calls, bool deferred)
     measure.print(deferred ? "chained, peer answers from loop" : "chained, peer answers at once", calls);
 }
 
-// Hook: discovery-sized traffic on a multicast group with 200 simulated nodes
-// (a VRNMCastBus on 127.0.0.1 against the simulator's nodes on the same
-// group, TTL 0), set against the bus-time lower bound the simulator computes.
-// It is added here once the simulator library serves nodes on a group.
-void benchMulticastNodes()
+// Label reads on a multicast group against 200 nodes served by `vrnsim` on
+// loopback (TTL 0): the same queue and watcher path as the loopback runs, now
+// with real datagrams and a separate process answering.
+void benchMulticastNodes(int calls)
 {
-    std::printf("%-34s skipped: needs the simulator's nodes\n", "multicast, 200 simulated nodes");
+    const char* name = "multicast, 200 simulated nodes";
+    const QString sim = QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim");
+    QProcess vrnsim;
+    vrnsim.start(sim, {QStringLiteral("--mcast"), QStringLiteral("239.255.90.1:47900"),
+                       QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
+                       QStringLiteral("--devices"), QStringLiteral("std:100,motor:100"),
+                       QStringLiteral("--seed"), QStringLiteral("7")});
+    if (!vrnsim.waitForStarted(5000) || !vrnsim.waitForReadyRead(5000)) {
+        std::printf("%-34s skipped: cannot start %s\n", name, qPrintable(sim));
+        return;
+    }
+    vrnsim.readLine();
+    VRNMCastBus bus(QHostAddress(QStringLiteral("239.255.90.1")), 47900,
+                    QHostAddress(QStringLiteral("127.0.0.1")));
+    if (!bus.open()) {
+        std::printf("%-34s skipped: %s\n", name, qPrintable(bus.errorString()));
+        return;
+    }
+    bus.setBroadcastWindow(300);
+
+    // Find the nodes first, as discovery would.
+    BusPendingCallWatcher watcher;
+    bool found = false;
+    QList<quint32> nodes;
+    QObject::connect(&watcher, &BusPendingCallWatcher::finished, [&] {
+        for (const BusMessage& reply : watcher.replies())
+            nodes.append(VRNMessage(reply).srcAddr(false));
+        found = true;
+    });
+    VRNMessage broadcast(DTS::GetNodeAddr, VRN::ToolAddr, 0, VRN::AddrBroadcast);
+    watcher = bus.call(broadcast);
+    while (!found)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (nodes.isEmpty()) {
+        std::printf("%-34s skipped: no node answered\n", name);
+        return;
+    }
+
+    int done = 0;
+    int failed = 0;
+    BusPendingCallWatcher reads;
+    QObject::connect(&reads, &BusPendingCallWatcher::finished, [&] {
+        failed += reads.error() != BusPendingCall::NoError;
+        if (++done < calls)
+            reads = bus.call(request(int(nodes.at(done % nodes.size()))));
+    });
+    Measure measure;
+    reads = bus.call(request(int(nodes.first())));
+    while (done < calls)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    measure.print(name, calls);
+    std::printf("%-34s %8d nodes answered, %d calls failed\n", "", int(nodes.size()), failed);
+    vrnsim.terminate();
+    vrnsim.waitForFinished(5000);
 }
 
 } // namespace
@@ -137,6 +192,6 @@ int main(int argc, char** argv)
         benchQueued(calls, deferred);
         benchChained(calls, deferred);
     }
-    benchMulticastNodes();
+    benchMulticastNodes(qMin(calls, 4000));
     return 0;
 }
