@@ -1,0 +1,108 @@
+#ifndef OBJECTFACTORY_H
+#define OBJECTFACTORY_H
+
+#include "vrnobject.h"
+
+#include <QList>
+#include <QMetaEnum>
+#include <QObject>
+#include <QScopedPointer>
+#include <QSharedPointer>
+#include <QSqlDatabase>
+
+class ObjectFactoryPrivate;
+class ObjectQueryModel;
+class QmlSharedObject;
+class VRNObjectWorker;
+
+/// The registry of every known device.
+///
+/// Each device is one row of the SQL table `Devices` on the default
+/// connection (an in-memory SQLite database when the application opened
+/// none before the first `instance()`). The factory turns rows into live
+/// device objects, keeps the 200 most recently used of them, hands out one
+/// worker per device, writes objects back with `save()` and deletes them,
+/// announcing each change to the list models.
+///
+///     auto motor = ObjectFactory::instance()->createObject(VRNObject::DtsMotor, 0x42, true);
+///     auto worker = ObjectFactory::instance()->objectWorker(motor->uuid());
+class ObjectFactory : public QObject
+{
+    Q_OBJECT
+public:
+    /// Column positions of `Devices`; `NbOccurColumn` exists only in the
+    /// list views (the number of devices sharing the row's node id).
+    enum DevicesTableColumn {
+        UuidColumn = 0,
+        NodeIDColumn = 1,
+        TypeColumn = 2,
+        LabelColumn = 3,
+        SerialNumberColumn = 4,
+        NbOccurColumn = 5
+    };
+    Q_ENUM(DevicesTableColumn)
+
+    static ObjectFactory* instance();
+    /// Deletes the instance (cache and worker table included); the next
+    /// `instance()` starts afresh on the default connection.
+    static void destroy();
+    ~ObjectFactory() override;
+
+    /// Inserts a row and returns its object, or null when a device of that
+    /// type and node id is already listed or the insert fails. Node id 0 is
+    /// stored as NULL.
+    QSharedPointer<VRNObject> createObject(VRNObject::Type type, unsigned nodeID, bool select = false);
+    /// The cached object, else one built from the row; null without a row.
+    QSharedPointer<VRNObject> object(VRNObject::UUID uuid);
+    /// The cached object or null; a hit makes it the most recently used.
+    QSharedPointer<VRNObject> objectFromCache(VRNObject::UUID uuid);
+    bool isObjectInCache(VRNObject::UUID uuid) const;
+    /// The device's one live worker, made when none lives; null for an
+    /// unknown uuid. The factory holds workers weakly.
+    QSharedPointer<VRNObjectWorker> objectWorker(VRNObject::UUID uuid);
+    /// Node ids of every row (0 for a NULL node id), in table order.
+    QList<VRN::Addr> nodeAddrs();
+    bool alreadyExist(unsigned nodeID, VRNObject::Type type);
+    /// The uuid of the device of that type and node id (NULL stored as 0),
+    /// 0 when none is listed.
+    VRNObject::UUID findObject(unsigned nodeID, VRNObject::Type type);
+
+    /// The column's SQL name: its key without "Column" ("NodeID", "Label").
+    static QString columnName(DevicesTableColumn column);
+    static QMetaEnum DevicesTableColumnMetaEnum();
+    /// The connection the registry lives on.
+    QSqlDatabase database() const;
+
+    Q_INVOKABLE bool destroyObject(VRNObject::UUID uuid);
+    /// Writes node id, type and label of the object's row; the serial
+    /// number is never written. A label holding a single quote is refused.
+    Q_INVOKABLE bool save(VRNObject* object);
+    /// Does nothing and returns false: rows go one by one, through destroyObject.
+    Q_INVOKABLE bool clear();
+    /// Does nothing: every change is written when it is made.
+    Q_INVOKABLE void flush();
+    /// A new list of every device, owned by `parent`, kept up to date.
+    Q_INVOKABLE ObjectQueryModel* createQueryModel(QObject* parent);
+    Q_INVOKABLE QString columnToString(ObjectFactory::DevicesTableColumn column) const;
+    Q_INVOKABLE QString typeToString(VRNObject::Type type) const;
+    Q_INVOKABLE QmlSharedObject* objectQml(QObject* parent, VRNObject::UUID uuid);
+    Q_INVOKABLE QmlSharedObject* objectWorkerQml(QObject* parent, VRNObject::UUID uuid);
+    Q_INVOKABLE QmlSharedObject* createObjectQml(QObject* parent, VRNObject::Type type, VRN::Addr nodeID, bool select);
+    Q_INVOKABLE bool destroyObjectQml(VRNObject::UUID uuid);
+    Q_INVOKABLE bool alreadyListed(VRN::Addr addr);
+
+Q_SIGNALS:
+    void objectCreated(QSharedPointer<VRNObject> object, bool selected);
+    void objectChanged(VRNObject::UUID uuid);
+    void beginObjectDestroy(VRNObject::UUID uuid);
+    void objectDestroyed(VRNObject::UUID uuid, VRN::Addr nodeID);
+
+protected:
+    ObjectFactory();
+
+private:
+    Q_DECLARE_PRIVATE(ObjectFactory)
+    QScopedPointer<ObjectFactoryPrivate> d_ptr;
+};
+
+#endif // OBJECTFACTORY_H

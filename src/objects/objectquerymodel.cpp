@@ -1,0 +1,332 @@
+#include "objectquerymodel.h"
+#include "objectquerymodel_p.h"
+#include "objectselectionmodel.h"
+
+#include <QDebug>
+#include <QSqlError>
+#include <QSqlRecord>
+
+namespace {
+const QHash<int, QByteArray>& roles()
+{
+    static const QHash<int, QByteArray> names{
+        {ObjectQueryModel::UuidRole, "uuid"},
+        {ObjectQueryModel::NodeIDRole, "nodeID"},
+        {ObjectQueryModel::TypeRole, "type"},
+        {ObjectQueryModel::LabelRole, "label"},
+        {ObjectQueryModel::SerialNumberRole, "serialNumber"},
+        {ObjectQueryModel::NbOccurRole, "nbOccur"},
+    };
+    return names;
+}
+} // namespace
+
+ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db)
+{
+}
+
+QString ObjectQueryModelPrivate::sortColumnName() const
+{
+    return ObjectFactory::columnName(sortColumn);
+}
+
+void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
+{
+    if (rebuild) {
+        if (viewName.isEmpty())
+            viewName = QStringLiteral("ObjectQueryModel_%1").arg(quintptr(this), 0, 16);
+        QSqlQuery query(db);
+        // Dropped even on the first build: a model that lived at this address
+        // before may have left its view behind.
+        query.exec(QStringLiteral("DROP VIEW IF EXISTS %1").arg(viewName));
+        QString sortExpr = sortColumnName();
+        if (sortColumn == ObjectFactory::LabelColumn)
+            sortExpr = QStringLiteral("lower(") + sortExpr + QLatin1Char(')');
+        const QString create = QStringLiteral("CREATE TEMP VIEW ") + viewName
+            + QStringLiteral(" AS SELECT uuid, nodeID, type, label, serialNumber,"
+                             "(SELECT count(*) FROM Devices where nodeID = c.nodeID) AS nbOccur"
+                             " FROM  Devices c  ORDER BY ")
+            + sortExpr + QStringLiteral(" ASC, uuid ASC");
+        if (!query.exec(create))
+            qWarning() << "[ObjectQueryModel]: failed to create SQL view:" << query.lastError().text();
+        updateRowCount();
+    }
+    page.setQuery(QStringLiteral("SELECT * FROM %1  LIMIT 100 OFFSET %2").arg(viewName).arg(newOffset), db);
+    offset = newOffset;
+}
+
+void ObjectQueryModelPrivate::updateRowCount()
+{
+    QSqlQuery query(db);
+    // The view lists every row of Devices: counting the table spares
+    // computing each row's duplicate count.
+    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM Devices")) && query.next()) {
+        rowCount = query.value(0).toInt();
+        return;
+    }
+    qWarning() << "[ObjectQueryModel]: failed to retrieve row count:" << query.lastError().text();
+    rowCount = 0;
+}
+
+void ObjectQueryModelPrivate::ensurePage(int viewRow)
+{
+    if (!inPage(viewRow))
+        select(qMax(0, viewRow - int(PageMargin)), false);
+}
+
+int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
+{
+    // The rows of Devices before the device in (raw value, uuid) order, NULL
+    // values counted only among themselves. Each count walks an index range
+    // of the sort column instead of evaluating every row.
+    const QString c = sortColumnName();
+    const QString statement = QStringLiteral(
+        "SELECT CASE WHEN item.orderVal ISNULL"
+        " THEN (SELECT COUNT(*) FROM Devices WHERE %1 ISNULL AND uuid <= ?)"
+        " ELSE (SELECT COUNT(*) FROM Devices WHERE %1 < item.orderVal)"
+        " + (SELECT COUNT(*) FROM Devices WHERE %1 = item.orderVal AND uuid <= ?) END"
+        " FROM (SELECT %1 AS orderVal FROM Devices WHERE uuid = ?) AS item").arg(c);
+    if (indexStatement != statement) {
+        indexQuery.prepare(statement);
+        indexStatement = statement;
+    }
+    for (int i = 0; i < 3; ++i)
+        indexQuery.bindValue(i, uuid);
+    if (!indexQuery.exec()) {
+        qWarning() << "[ObjectQueryModel]: unexpected sql failure (indexOf):" << indexQuery.lastError().text();
+        indexStatement.clear();
+        return -1;
+    }
+    const int count = indexQuery.next() ? indexQuery.value(0).toInt() : 0;
+    indexQuery.finish();
+    return count > 0 ? count - 1 : -1;
+}
+
+void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow)
+{
+    Q_Q(ObjectQueryModel);
+    if (!firstOfNode.exec(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID=%1;").arg(address))) {
+        qWarning() << "[ObjectQueryModel]: unexpected sql failure"
+                   << "(refreshDoublonInfo):" << firstOfNode.lastError().text();
+        return;
+    }
+    if (!firstOfNode.next())
+        return;
+    bool ok = false;
+    const VRNObject::UUID first = firstOfNode.value(0).toUInt(&ok);
+    firstOfNode.finish();
+    if (!ok)
+        return;
+    const int v = knownRow >= 0 && first == known ? knownRow : indexOf(first);
+    if (v < 0)
+        return;
+    if (inPage(v))
+        select(offset, false);
+    const QModelIndex index = q->index(mapRow(v), 0);
+    emit q->dataChanged(index, index, {ObjectQueryModel::NbOccurRole});
+}
+
+ObjectQueryModel::ObjectQueryModel(const QSqlDatabase& db, QObject* parent)
+    : QAbstractTableModel(parent), d_ptr(new ObjectQueryModelPrivate(this, db))
+{
+    qRegisterMetaType<ObjectQueryModel::Role>();
+    qRegisterMetaType<Qt::SortOrder>();
+    d_ptr->select(0, true);
+}
+
+ObjectQueryModel::~ObjectQueryModel() = default;
+
+int ObjectQueryModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : d_func()->rowCount;
+}
+
+int ObjectQueryModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : 5;
+}
+
+QVariant ObjectQueryModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid())
+        return QVariant();
+    auto d = const_cast<ObjectQueryModelPrivate*>(d_func());
+    const int v = d->mapRow(index.row());
+    d->ensurePage(v);
+    if (role >= Qt::UserRole)
+        return d->page.data(d->page.index(v - d->offset, role - Qt::UserRole));
+    return d->page.data(d->page.index(v - d->offset, index.column()), role);
+}
+
+bool ObjectQueryModel::setData(const QModelIndex&, const QVariant&, int)
+{
+    return false;
+}
+
+QHash<int, QByteArray> ObjectQueryModel::roleNames() const
+{
+    return roles();
+}
+
+void ObjectQueryModel::fetch(int viewRow) const
+{
+    const_cast<ObjectQueryModelPrivate*>(d_func())->ensurePage(viewRow);
+}
+
+int ObjectQueryModel::pageOffset() const
+{
+    return d_func()->offset;
+}
+
+QString ObjectQueryModel::viewName() const
+{
+    return d_func()->viewName;
+}
+
+QVariantMap ObjectQueryModel::get(int row) const
+{
+    QVariantMap map;
+    const QModelIndex idx = index(row, 0);
+    const auto& names = roles();
+    for (auto it = names.cbegin(); it != names.cend(); ++it)
+        map.insert(QString::fromLatin1(it.value()), data(idx, it.key()));
+    return map;
+}
+
+QList<VRNObject::UUID> ObjectQueryModel::toList() const
+{
+    Q_D(const ObjectQueryModel);
+    QList<VRNObject::UUID> uuids;
+    QSqlQuery query(d->db);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->viewName)) {
+        qWarning() << "[ObjectQueryModel]: failed to execute select query:" << query.lastError().text();
+        return uuids;
+    }
+    while (query.next())
+        uuids.append(query.value(0).toUInt());
+    return uuids;
+}
+
+int ObjectQueryModel::indexOf(VRNObject::UUID uuid) const
+{
+    return const_cast<ObjectQueryModelPrivate*>(d_func())->indexOf(uuid);
+}
+
+ObjectSelectionModel* ObjectQueryModel::selectionModel()
+{
+    Q_D(ObjectQueryModel);
+    if (!d->selection) {
+        d->selection = new ObjectSelectionModel(d->db, this);
+        d->selection->setDeviceTable(d->viewName);
+        connect(d->selection, &ObjectSelectionModel::rowCountChanged, this, &ObjectQueryModel::selectionChanged);
+    }
+    return d->selection;
+}
+
+ObjectQueryModel::Role ObjectQueryModel::sortBy() const
+{
+    return Role(d_func()->sortColumn + Qt::UserRole);
+}
+
+void ObjectQueryModel::setSortBy(Role role)
+{
+    setSort(role, sortOrder());
+}
+
+Qt::SortOrder ObjectQueryModel::sortOrder() const
+{
+    return d_func()->sortOrder;
+}
+
+void ObjectQueryModel::setSortOrder(Qt::SortOrder order)
+{
+    setSort(sortBy(), order);
+}
+
+void ObjectQueryModel::setSort(Role role, Qt::SortOrder order)
+{
+    Q_D(ObjectQueryModel);
+    const auto column = ObjectFactory::DevicesTableColumn(role - Qt::UserRole);
+    const bool columnChanged = column != d->sortColumn;
+    const bool orderChanged = order != d->sortOrder;
+    if (!columnChanged && !orderChanged)
+        return;
+    beginResetModel();
+    d->sortColumn = column;
+    d->sortOrder = order;
+    if (columnChanged)
+        emit sortByChanged(role);
+    if (orderChanged)
+        emit sortOrderChanged(order);
+    if (columnChanged)
+        d->select(d->offset, true);
+    endResetModel();
+}
+
+void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool selected)
+{
+    Q_D(ObjectQueryModel);
+    if (!object)
+        return;
+    const int v = d->indexOf(object->uuid());
+    if (v >= 0) {
+        // Qt wants the new count only between begin and end: map with it.
+        const int row = d->sortOrder == Qt::AscendingOrder ? v : d->rowCount - v;
+        beginInsertRows(QModelIndex(), row, row);
+        ++d->rowCount;
+        if (v < d->offset)
+            ++d->offset;
+        else if (v < d->offset + ObjectQueryModelPrivate::PageSize)
+            d->select(d->offset, false);
+        endInsertRows();
+    }
+    d->refreshDoublonInfo(object->address(), object->uuid(), v);
+    if (selected) {
+        ObjectSelectionModel* selection = selectionModel();
+        selection->clear();
+        selection->addItems(ObjectFactory::NodeIDColumn, object->address());
+    }
+}
+
+void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
+{
+    Q_D(ObjectQueryModel);
+    const int v = d->indexOf(uuid);
+    if (v < 0)
+        return;
+    if (d->inPage(v))
+        d->select(d->offset, false);
+    const QModelIndex idx = index(d->mapRow(v), 0);
+    emit dataChanged(idx, idx, {LabelRole});
+}
+
+void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
+{
+    Q_D(ObjectQueryModel);
+    const int v = d->indexOf(uuid);
+    if (v < 0)
+        return;
+    d->pendingRemoval = v;
+    const int row = d->mapRow(v);
+    beginRemoveRows(QModelIndex(), row, row);
+}
+
+void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID, VRN::Addr address)
+{
+    Q_D(ObjectQueryModel);
+    if (d->pendingRemoval < 0) {
+        qWarning() << "[ObjectQueryModel]: internal error, endObjectDestroyed" << "called without index";
+        return;
+    }
+    const int v = d->pendingRemoval;
+    d->pendingRemoval = -1;
+    if (v < d->offset)
+        --d->offset;
+    else if (v < d->offset + ObjectQueryModelPrivate::PageSize)
+        d->select(d->offset, false);
+    --d->rowCount;
+    endRemoveRows();
+    d->refreshDoublonInfo(address, 0, -1);
+}

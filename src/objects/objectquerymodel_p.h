@@ -1,0 +1,45 @@
+// Not part of the library's API: private part of ObjectQueryModel.
+#ifndef OBJECTQUERYMODEL_P_H
+#define OBJECTQUERYMODEL_P_H
+
+#include "objectfactory.h"
+#include "objectquerymodel.h"
+
+#include <QSqlQuery>
+#include <QSqlQueryModel>
+
+class ObjectQueryModelPrivate
+{
+    Q_DECLARE_PUBLIC(ObjectQueryModel)
+public:
+    enum { PageSize = 100, PageMargin = 50 };
+
+    ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db);
+
+    void select(int offset, bool rebuild);
+    void updateRowCount();
+    /// Re-reads the page when `viewRow` lies outside it, centred on the row.
+    void ensurePage(int viewRow);
+    bool inPage(int viewRow) const { return viewRow >= offset && viewRow < offset + PageSize; }
+    /// Model row of a view row and back: the same mirror both ways.
+    int mapRow(int row) const { return sortOrder == Qt::AscendingOrder ? row : rowCount - row - 1; }
+    int indexOf(VRNObject::UUID uuid);
+    void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow);
+    QString sortColumnName() const;
+
+    ObjectQueryModel* q_ptr;
+    QSqlDatabase db;
+    QSqlQueryModel page;
+    int offset = 0;
+    int rowCount = 0;
+    ObjectSelectionModel* selection = nullptr;
+    ObjectFactory::DevicesTableColumn sortColumn = ObjectFactory::NodeIDColumn;
+    Qt::SortOrder sortOrder = Qt::AscendingOrder;
+    QString viewName;
+    int pendingRemoval = -1;
+    QSqlQuery indexQuery;
+    QString indexStatement;
+    QSqlQuery firstOfNode;
+};
+
+#endif // OBJECTQUERYMODEL_P_H

@@ -1,0 +1,313 @@
+#include "objectselectionmodel.h"
+#include "objectselectionmodel_p.h"
+
+#include "vrnmotorobject.h"
+
+#include <QAtomicInt>
+#include <QDebug>
+#include <QSqlError>
+
+namespace {
+QAtomicInt tableCounter;
+}
+
+ObjectSelectionModelPrivate::ObjectSelectionModelPrivate(ObjectSelectionModel* q, const QSqlDatabase& db)
+    : q_ptr(q),
+      db(db),
+      table(QStringLiteral("ObjectSelectionModel_%1").arg(tableCounter.fetchAndAddRelaxed(1))),
+      membership(db)
+{
+    QSqlQuery query(db);
+    query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + table
+               + QStringLiteral("(uuid INTEGER PRIMARY KEY NOT NULL)"));
+    membership.prepare(QStringLiteral("SELECT COUNT(*) FROM ") + table + QStringLiteral(" WHERE uuid=?"));
+}
+
+bool ObjectSelectionModelPrivate::run(QSqlQuery& query, const QString& statement, const QVariant& criteria,
+                                      const char* failure)
+{
+    bool ok = query.prepare(statement);
+    if (ok) {
+        if (criteria.isValid())
+            query.addBindValue(criteria);
+        ok = query.exec();
+    }
+    if (!ok)
+        qWarning() << "[ObjectSelectionModel]:" << failure << query.lastError().text();
+    return ok;
+}
+
+bool ObjectSelectionModelPrivate::clearTable()
+{
+    QSqlQuery query(db);
+    return run(query, QStringLiteral("DELETE FROM ") + table, QVariant(), "failed to execute clear query");
+}
+
+void ObjectSelectionModelPrivate::insertMatching(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    QSqlQuery query(db);
+    run(query,
+        QStringLiteral("INSERT OR IGNORE INTO ") + table + QStringLiteral(" (uuid) SELECT uuid FROM ") + deviceTable
+            + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?"),
+        criteria, "failed to execute insert query:");
+}
+
+void ObjectSelectionModelPrivate::changed()
+{
+    updateSelectedType();
+    updateRowCount();
+    updateSelectedNodeId();
+}
+
+void ObjectSelectionModelPrivate::updateRowCount()
+{
+    Q_Q(ObjectSelectionModel);
+    QSqlQuery query(db);
+    if (!run(query, QStringLiteral("SELECT COUNT(*) FROM ") + table, QVariant(), "failed to update row count:")
+        || !query.next())
+        return;
+    const unsigned count = query.value(0).toUInt();
+    if (count == rowCount)
+        return;
+    rowCount = count;
+    emit q->rowCountChanged(rowCount);
+}
+
+void ObjectSelectionModelPrivate::updateSelectedType()
+{
+    QSqlQuery query(db);
+    if (!run(query,
+             QStringLiteral("SELECT DISTINCT (type) FROM ") + deviceTable + QStringLiteral(" WHERE (uuid) IN (SELECT (uuid) FROM ")
+                 + table + QLatin1Char(')'),
+             QVariant(), "failed to update selected type:"))
+        return;
+    if (!query.next()) {
+        selectedType = VRNObject::Type(0);
+        return;
+    }
+    const int first = query.value(0).toInt();
+    const QMetaObject* common = VRNObject::typeToMetaObject(VRNObject::Type(first));
+    if (!common) {
+        qWarning() << "[ObjectSelectionModel]: invalid object type 1: " << first;
+        selectedType = VRNObject::Type(0);
+        return;
+    }
+    bool several = false;
+    while (query.next()) {
+        const int type = query.value(0).toInt();
+        const QMetaObject* other = VRNObject::typeToMetaObject(VRNObject::Type(type));
+        if (!other) {
+            qWarning() << "[ObjectSelectionModel]: invalid object type 2: " << type;
+            selectedType = VRNObject::Type(0);
+            return;
+        }
+        several = true;
+        while (common && common != other && !VRNObject::isAncestor(*common, *other))
+            common = common->superClass();
+    }
+    if (!several)
+        selectedType = VRNObject::Type(first);
+    else
+        selectedType = common ? VRNObject::metaObjectToType(common) : VRNObject::Type(0);
+}
+
+void ObjectSelectionModelPrivate::updateSelectedNodeId()
+{
+    selectedNodeId = 0;
+    // Only a single selected device has a node id to show: skip the query
+    // (and its complaint) for empty and wider selections.
+    if (rowCount != 1)
+        return;
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    if (!run(query,
+             QStringLiteral("SELECT uuid, nodeID FROM ") + deviceTable + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ")
+                 + table + QLatin1Char(')'),
+             QVariant(), "failed to update  selected nodeId:"))
+        return;
+    if (!query.next()) {
+        qWarning() << "[ObjectSelectionModel]: query is empty, invalid, or" << "it concerns multiple devices";
+        return;
+    }
+    selectedNodeId = query.value(1).toUInt();
+    while (query.next())
+        qDebug() << "[ObjectSelectionModel]: next";
+    qDebug() << "[ObjectSelectionModel]: m_selectedNodeId" << selectedNodeId;
+}
+
+ObjectSelectionModel::ObjectSelectionModel(const QSqlDatabase& db, QObject* parent)
+    : QAbstractListModel(parent), d_ptr(new ObjectSelectionModelPrivate(this, db))
+{
+}
+
+ObjectSelectionModel::~ObjectSelectionModel()
+{
+    Q_D(ObjectSelectionModel);
+    d->membership.clear();
+    QSqlQuery query(d->db);
+    if (!query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->table))
+        qWarning() << "[ObjectSelectionModel]: failed to drop table";
+}
+
+int ObjectSelectionModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(d_func()->rowCount);
+}
+
+QVariant ObjectSelectionModel::data(const QModelIndex& index, int) const
+{
+    return index.isValid() ? data(index.row()) : QVariant();
+}
+
+QVariant ObjectSelectionModel::data(int index) const
+{
+    Q_D(const ObjectSelectionModel);
+    QSqlQuery query(d->db);
+    if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->table + QStringLiteral(" LIMIT 1 OFFSET %1").arg(index))) {
+        qWarning() << "[ObjectSelectionModel]: failed to get data:" << query.lastError().text();
+        return QVariant();
+    }
+    return query.next() ? QVariant::fromValue<VRNObject::UUID>(query.value(0).toUInt()) : QVariant();
+}
+
+bool ObjectSelectionModel::contains(VRNObject::UUID uuid) const
+{
+    Q_D(const ObjectSelectionModel);
+    d->membership.addBindValue(uuid);
+    if (!d->membership.exec() || !d->membership.next()) {
+        qWarning() << "[ObjectSelectionModel]: failed to execute select query";
+        return false;
+    }
+    const bool found = d->membership.value(0).toInt() != 0;
+    d->membership.finish();
+    return found;
+}
+
+void ObjectSelectionModel::addItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    Q_D(ObjectSelectionModel);
+    beginResetModel();
+    d->insertMatching(column, criteria);
+    endResetModel();
+    d->changed();
+}
+
+void ObjectSelectionModel::removeItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    Q_D(ObjectSelectionModel);
+    QSqlQuery query(d->db);
+    beginResetModel();
+    d->run(query,
+           QStringLiteral("DELETE FROM ") + d->table + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ") + d->deviceTable
+               + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?)"),
+           criteria, "failed to execute delete query");
+    endResetModel();
+    d->changed();
+}
+
+void ObjectSelectionModel::setItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    Q_D(ObjectSelectionModel);
+    beginResetModel();
+    d->clearTable();
+    d->insertMatching(column, criteria);
+    endResetModel();
+    d->changed();
+}
+
+void ObjectSelectionModel::toggleItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    Q_D(ObjectSelectionModel);
+    QSqlQuery query(d->db);
+    if (!d->run(query,
+                QStringLiteral("SELECT COUNT(CASE WHEN uuid NOT IN (SELECT uuid FROM ") + d->table
+                    + QStringLiteral(") THEN 1 ELSE NULL END),COUNT(*) FROM ") + d->deviceTable + QStringLiteral(" WHERE ")
+                    + ObjectFactory::columnName(column) + QStringLiteral(" = ?"),
+                criteria, "failed to get selection matching count:")
+        || !query.next())
+        return;
+    const unsigned unselected = query.value(0).toUInt();
+    const unsigned matching = query.value(1).toUInt();
+    query.finish();
+    if (unselected == 0 && matching == d->rowCount)
+        clear();
+    else
+        setItems(column, criteria);
+}
+
+void ObjectSelectionModel::clear()
+{
+    Q_D(ObjectSelectionModel);
+    beginResetModel();
+    d->clearTable();
+    d->rowCount = 0;
+    endResetModel();
+    d->updateSelectedType();
+    d->updateSelectedNodeId();
+    emit rowCountChanged(0);
+}
+
+void ObjectSelectionModel::destroyObjectsQml()
+{
+    const QList<VRNObject::UUID> uuids = toList();
+    clear();
+    ObjectFactory* factory = ObjectFactory::instance();
+    for (VRNObject::UUID uuid : uuids)
+        factory->destroyObjectQml(uuid);
+}
+
+QList<VRNObject::UUID> ObjectSelectionModel::toList() const
+{
+    Q_D(const ObjectSelectionModel);
+    QList<VRNObject::UUID> uuids;
+    QSqlQuery query(d->db);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->table)) {
+        qWarning() << "[ObjectSelectionModel]: failed to execute select query:" << query.lastError().text();
+        return uuids;
+    }
+    while (query.next())
+        uuids.append(query.value(0).toUInt());
+    return uuids;
+}
+
+QString ObjectSelectionModel::tableName() const
+{
+    return d_func()->table;
+}
+
+QString ObjectSelectionModel::deviceTable() const
+{
+    return d_func()->deviceTable;
+}
+
+void ObjectSelectionModel::setDeviceTable(const QString& table)
+{
+    Q_D(ObjectSelectionModel);
+    if (table == d->deviceTable)
+        return;
+    d->deviceTable = table;
+    emit deviceTableChanged(table);
+}
+
+unsigned ObjectSelectionModel::count() const
+{
+    return d_func()->rowCount;
+}
+
+VRNObject::Type ObjectSelectionModel::selectedType() const
+{
+    return d_func()->selectedType;
+}
+
+bool ObjectSelectionModel::isMotor() const
+{
+    const QMetaObject* meta = VRNObject::typeToMetaObject(d_func()->selectedType);
+    const QMetaObject& motor = VRNMotorObject::staticMetaObject;
+    return meta && (meta == &motor || VRNObject::isAncestor(motor, *meta));
+}
+
+VRN::Addr ObjectSelectionModel::selectedNodeId() const
+{
+    return d_func()->selectedNodeId;
+}
