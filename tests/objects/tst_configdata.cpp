@@ -1,0 +1,405 @@
+#include "dcmotorconfigdata.h"
+#include "runtimedata.h"
+
+#include <QTest>
+
+using MotorIp = MotorConfigDataData::MotorIp;
+Q_DECLARE_METATYPE(MotorIp)
+
+namespace {
+
+DTSStdProxy::AppVersion version(quint8 major, quint8 minor)
+{
+    DTSStdProxy::AppVersion v;
+    v.major = major;
+    v.minor = minor;
+    return v;
+}
+
+void fillStd(StdConfigDataData& p, const QByteArray& label)
+{
+    p.label = label;
+    p.serialNumber = "SN-" + label;
+    p.groups = {0x10, 0};
+    p.appVersion = version(2, 1);
+    p.networkConfig.maxRetry = 3;
+}
+
+void fillMotor(MotorConfigDataData& p, quint16 limit)
+{
+    p.rotDirection = 1;
+    p.upEndLimit = limit;
+    p.downEndLimit = 10;
+    p.ips = {MotorIp{500, 50}};
+}
+
+MotorConfigData motor(const QByteArray& label, quint16 limit)
+{
+    MotorConfigData m;
+    fillStd(m.data(), label);
+    fillMotor(m.data(), limit);
+    return m;
+}
+
+StdConfigData standard(const QByteArray& label)
+{
+    StdConfigData s;
+    fillStd(s.data(), label);
+    return s;
+}
+
+// A standard payload that no field comparison finds equal to anything.
+class NeverEqualData : public StdConfigDataData
+{
+public:
+    NeverEqualData* clone() const override { return new NeverEqualData(*this); }
+    bool operator==(const ConfigDataData&) const override { return false; }
+};
+
+} // namespace
+
+class tst_ConfigData : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void defaultRecordsShareOnePayloadPerType();
+    void writeDetachesAndKeepsDynamicType();
+    void validityOfDefaults();
+    void standardValidity();
+    void motorIpsValidity_data();
+    void motorIpsValidity();
+    void dcValidityIgnoresStatusFlags();
+    void comparisonLooksAtSharedLevelsOnly();
+    void copiesCompareEqualWithoutFieldCompare();
+    void comparisonIncludesNetworkConfig();
+    void mergeCopiesDeepestSharedLevel();
+    void mergeOfEqualPayloadsReportsNoChange();
+    void mergeCopiesNotKnownValues();
+    void eraseResetsOneLevel();
+    void conversionAcrossLevels();
+    void assignmentFromShallowerKeepsOwnLevel();
+    void payloadConversion();
+    void runtimeRecord();
+};
+
+void tst_ConfigData::defaultRecordsShareOnePayloadPerType()
+{
+    const MotorConfigData a;
+    const MotorConfigData b;
+    const StdConfigData s;
+    QCOMPARE(&a.getConstData(), &b.getConstData());
+    QVERIFY(static_cast<const ConfigDataData*>(&a.getConstData()) != &s.getConstData());
+    QVERIFY(dynamic_cast<const DCMotorConfigDataData*>(&DCMotorConfigData().getConstData()));
+    QCOMPARE(&RuntimeData().getConstData(), &RuntimeData().getConstData());
+}
+
+void tst_ConfigData::writeDetachesAndKeepsDynamicType()
+{
+    const MotorConfigData original = motor("A", 100);
+    ConfigData copy = original;   // a motor payload behind a root record
+    QCOMPARE(&copy.getConstData(), static_cast<const ConfigDataData*>(&original.getConstData()));
+
+    StdConfigData asStd(copy);
+    asStd.data().label = "B";
+    QCOMPARE(original.getConstData().label, QByteArray("A"));
+    const auto* detached = dynamic_cast<const MotorConfigDataData*>(&asStd.getConstData());
+    QVERIFY(detached);
+    QCOMPARE(detached->upEndLimit, quint16(100));
+
+    copy.eraseData();   // a root-level write still detaches, through clone()
+    QVERIFY(dynamic_cast<const MotorConfigDataData*>(&copy.getConstData()));
+    QVERIFY(&copy.getConstData() != static_cast<const ConfigDataData*>(&original.getConstData()));
+
+    MotorConfigData defaults;
+    defaults.data().rotDirection = 0;
+    QCOMPARE(MotorConfigData().getConstData().rotDirection, MotorConfigDataData::UnknownDirection);
+}
+
+void tst_ConfigData::validityOfDefaults()
+{
+    QVERIFY(ConfigData().isValid());
+    const MotorConfigData m;
+    QVERIFY(!m.isDirectionValid());
+    QVERIFY(!m.isEndLimitsValid());
+    QVERIFY(!m.isMotorIpsValid());
+    QVERIFY(!m.isValid());
+    QVERIFY(!StdConfigData().isValid());
+    QVERIFY(!StdConfigData().isSerialValid());
+    const DCMotorConfigData dc;
+    QVERIFY(!dc.isSpeedValid());
+    QVERIFY(!dc.isRampValid());
+}
+
+void tst_ConfigData::standardValidity()
+{
+    StdConfigData s;
+    s.data().appVersion = version(1, 0);
+    s.data().groups = {0, 0};
+    QVERIFY(s.isGroupValid());
+    QVERIFY(!s.isValid());            // label still null
+    s.data().label = QByteArray("");  // empty but known
+    QVERIFY(s.isLabelValid());
+    QVERIFY(s.isValid());             // serial number takes no part
+    QVERIFY(!s.isSerialValid());
+    s.data().appVersion.clear();
+    QVERIFY(!s.isValid());
+
+    // Each level tests only its own fields.
+    MotorConfigData m = motor("x", 20);
+    m.data().appVersion.clear();
+    QVERIFY(m.isValid());
+    QVERIFY(!static_cast<const StdConfigData&>(m).StdConfigData::isValid());
+}
+
+void tst_ConfigData::motorIpsValidity_data()
+{
+    QTest::addColumn<QList<MotorIp>>("ips");
+    QTest::addColumn<bool>("valid");
+    QTest::newRow("empty") << QList<MotorIp>() << false;
+    QTest::newRow("one set") << QList<MotorIp>{{100, 10}} << true;
+    QTest::newRow("pulse unset") << QList<MotorIp>{{100, 10}, {0xFFFF, 20}} << false;
+    QTest::newRow("pct unset") << QList<MotorIp>{{100, 0xFF}} << false;
+    QTest::newRow("zeros are set") << QList<MotorIp>{{0, 0}} << true;
+}
+
+void tst_ConfigData::motorIpsValidity()
+{
+    QFETCH(QList<MotorIp>, ips);
+    QFETCH(bool, valid);
+    MotorConfigData m = motor("x", 20);
+    m.data().ips = ips;
+    QCOMPARE(m.isMotorIpsValid(), valid);
+    QCOMPARE(m.isValid(), valid);   // direction and limits are set
+}
+
+void tst_ConfigData::dcValidityIgnoresStatusFlags()
+{
+    DCMotorConfigData dc;
+    DCMotorConfigDataData& p = dc.data();
+    p.upRollingSpeed = p.downRollingSpeed = 10;
+    QVERIFY(!dc.isSpeedValid());
+    p.slowRollingSpeed = 6;
+    p.softStartValue = 20;
+    QVERIFY(!dc.isValid());
+    p.softStopValue = 0;
+    QVERIFY(dc.isValid());
+    p.softStartStatus = p.softStopStatus = 1;
+    QVERIFY(dc.isValid());
+}
+
+void tst_ConfigData::comparisonLooksAtSharedLevelsOnly()
+{
+    const StdConfigData s = standard("L");
+    MotorConfigData m = motor("L", 300);
+    QVERIFY(m != MotorConfigData());
+    QVERIFY(ConfigData(s) == ConfigData(m));
+    QVERIFY(ConfigData(m) == ConfigData(s));
+    QVERIFY(s == m);
+    QVERIFY(m == s);
+    m.data().label = "other";
+    QVERIFY(s != m);
+    QVERIFY(m != s);
+    QVERIFY(!m.compareStd(s));
+    QVERIFY(m.compareMotor(motor("x", 300)));   // standard fields not looked at
+    QVERIFY(ConfigData() == m);                  // the root level is always equal
+}
+
+void tst_ConfigData::copiesCompareEqualWithoutFieldCompare()
+{
+    const StdConfigData a(*new NeverEqualData);
+    const StdConfigData b = a;
+    QVERIFY(a == b);
+    QVERIFY(a != StdConfigData(*new NeverEqualData));
+}
+
+void tst_ConfigData::comparisonIncludesNetworkConfig()
+{
+    StdConfigData a = standard("n");
+    StdConfigData b = standard("n");
+    QVERIFY(a == b);
+    b.data().networkConfig.slotCount = 7;
+    QVERIFY(a != b);
+    // ... but a merge never copies it.
+    QVERIFY(a.merge(b));
+    QCOMPARE(a.getConstData().networkConfig.slotCount, quint8(0));
+}
+
+void tst_ConfigData::mergeCopiesDeepestSharedLevel()
+{
+    // Motor from motor: a label difference alone reports a change and
+    // copies nothing but the motor fields.
+    MotorConfigData target = motor("old", 100);
+    QVERIFY(target.merge(motor("new", 100)));
+    QCOMPARE(target.getConstData().label, QByteArray("old"));
+    QVERIFY(target.merge(motor("new", 200)));
+    QCOMPARE(target.getConstData().upEndLimit, quint16(200));
+    QCOMPARE(target.getConstData().label, QByteArray("old"));
+
+    // Motor from standard: the standard fields, motor fields untouched.
+    StdConfigData source = standard("std");
+    source.data().groups = {7};
+    source.data().appVersion = version(3, 3);
+    target.updateData(ConfigData(source));
+    QCOMPARE(target.getConstData().label, QByteArray("std"));
+    QCOMPARE(target.getConstData().serialNumber, QByteArray("SN-std"));
+    QCOMPARE(target.getConstData().groups, QList<VRN::Addr>{7});
+    QCOMPARE(target.getConstData().appVersion, version(3, 3));
+    QCOMPARE(target.getConstData().upEndLimit, quint16(200));
+
+    // Standard from motor, and DC from motor.
+    StdConfigData s = standard("s");
+    QVERIFY(s.merge(ConfigData(motor("m", 1))));
+    QCOMPARE(s.getConstData().label, QByteArray("m"));
+    DCMotorConfigData dc;
+    dc.data().upRollingSpeed = 12;
+    QVERIFY(dc.merge(ConfigData(motor("m", 5))));
+    QCOMPARE(dc.getConstData().upEndLimit, quint16(5));
+    QVERIFY(dc.getConstData().label.isNull());
+    QCOMPARE(dc.getConstData().upRollingSpeed, quint8(12));
+
+    // A typed merge on a deeper record stays at the typed level.
+    MotorConfigData m = motor("keep", 9);
+    QVERIFY(static_cast<StdConfigData&>(m).merge(static_cast<const StdConfigData&>(motor("typed", 1))));
+    QCOMPARE(m.getConstData().label, QByteArray("typed"));
+    QCOMPARE(m.getConstData().upEndLimit, quint16(9));
+
+    // The root level merges nothing.
+    ConfigData root;
+    QVERIFY(!root.merge(ConfigData(motor("m", 5))));
+}
+
+void tst_ConfigData::mergeOfEqualPayloadsReportsNoChange()
+{
+    MotorConfigData target = motor("same", 100);
+    QVERIFY(!target.merge(motor("same", 100)));
+    QVERIFY(!target.merge(ConfigData(standard("same"))));
+    QCOMPARE(target, motor("same", 100));
+    DCMotorConfigData dc;
+    QVERIFY(!dc.merge(DCMotorConfigData()));
+}
+
+void tst_ConfigData::mergeCopiesNotKnownValues()
+{
+    MotorConfigData target = motor("t", 100);
+    MotorConfigData source = motor("t", 100);
+    source.data().rotDirection = MotorConfigDataData::UnknownDirection;
+    source.data().ips.clear();
+    target.updateData(source);
+    QVERIFY(!target.isDirectionValid());
+    QVERIFY(target.getConstData().ips.isEmpty());
+}
+
+void tst_ConfigData::eraseResetsOneLevel()
+{
+    DCMotorConfigData dc;
+    fillStd(dc.data(), "dc");
+    fillMotor(dc.data(), 40);
+    dc.data().upRollingSpeed = 9;
+    dc.data().softStartValue = 3;
+    dc.data().softStopStatus = 1;
+    const DCMotorConfigData before = dc;
+
+    dc.eraseData();
+    QCOMPARE(dc.getConstData().upRollingSpeed, quint8(0));
+    QCOMPARE(dc.getConstData().softStartValue, quint8(0xFF));
+    QCOMPARE(dc.getConstData().softStopStatus, quint8(0));
+    QVERIFY(dc.compareMotor(before));
+    QVERIFY(dc.compareStd(before));
+    QCOMPARE(before.getConstData().upRollingSpeed, quint8(9));
+
+    static_cast<MotorConfigData&>(dc).eraseData();
+    QVERIFY(!dc.isEndLimitsValid());
+    QVERIFY(dc.getConstData().ips.isEmpty());
+    QCOMPARE(dc.getConstData().label, QByteArray("dc"));
+
+    static_cast<StdConfigData&>(dc).eraseData();
+    QVERIFY(dc.getConstData().label.isNull());
+    QVERIFY(dc.getConstData().groups.isEmpty());
+    QCOMPARE(dc.getConstData().networkConfig, DTSStdProxy::NetworkConfig());
+}
+
+void tst_ConfigData::conversionAcrossLevels()
+{
+    const MotorConfigData m = motor("m", 7);
+    // Deeper or same level: the payload is shared, also through a root copy.
+    const StdConfigData s(m);
+    QCOMPARE(static_cast<const ConfigDataData*>(&s.getConstData()),
+             static_cast<const ConfigDataData*>(&m.getConstData()));
+    const MotorConfigData back{ConfigData(s)};
+    QCOMPARE(&back.getConstData(), &m.getConstData());
+
+    // Shallower: not known, then the levels the source has.
+    const MotorConfigData fromStd{ConfigData(standard("s"))};
+    QCOMPARE(fromStd.getConstData().label, QByteArray("s"));
+    QCOMPARE(fromStd.getConstData().networkConfig.maxRetry, quint8(3));
+    QVERIFY(!fromStd.isDirectionValid());
+    QCOMPARE(dynamic_cast<const DCMotorConfigDataData*>(&fromStd.getConstData()), nullptr);
+    QVERIFY(!StdConfigData(ConfigData()).isLabelValid());
+}
+
+void tst_ConfigData::assignmentFromShallowerKeepsOwnLevel()
+{
+    MotorConfigData m = motor("m", 7);
+    const MotorConfigData before = m;
+    m = ConfigData(standard("s"));
+    QCOMPARE(m.getConstData().label, QByteArray("s"));
+    QCOMPARE(m.getConstData().upEndLimit, quint16(7));
+    QCOMPARE(before.getConstData().label, QByteArray("m"));
+
+    // Through the virtual root operator: the record keeps its own class rules.
+    ConfigData& asRoot = m;
+    asRoot = ConfigData(motor("deep", 1));
+    QCOMPARE(m.getConstData().upEndLimit, quint16(1));
+    StdConfigData s = standard("s");
+    static_cast<ConfigData&>(s) = ConfigData();
+    QVERIFY(StdConfigData::hasLevel(s));
+    QCOMPARE(s.getConstData().label, QByteArray("s"));
+}
+
+void tst_ConfigData::payloadConversion()
+{
+    StdConfigDataData std;
+    fillStd(std, "p");
+    const MotorConfigDataData fromStd(std);
+    QCOMPARE(fromStd.label, QByteArray("p"));
+    QCOMPARE(fromStd.networkConfig.maxRetry, quint8(3));
+    QCOMPARE(fromStd.upEndLimit, MotorConfigDataData::UnknownLimit);
+
+    MotorConfigDataData deep;
+    fillStd(deep, "d");
+    fillMotor(deep, 8);
+    const StdConfigDataData fromDeep(deep);
+    QCOMPARE(fromDeep.label, QByteArray("d"));
+
+    MotorConfigDataData target;
+    fillMotor(target, 99);
+    target = static_cast<const ConfigDataData&>(std);
+    QCOMPARE(target.label, QByteArray("p"));
+    QCOMPARE(target.upEndLimit, quint16(99));
+}
+
+void tst_ConfigData::runtimeRecord()
+{
+    RuntimeData a;
+    a.data().posPulse = 1200;
+    a.data().networkStat.frameSent = 5;
+    a.data().motorDiagnostic.totalMoveCount = 70000;
+    const RuntimeData copy = a;
+    QCOMPARE(copy, a);
+
+    RuntimeData b;
+    b.updateData(a);
+    QCOMPARE(b, a);
+    QVERIFY(&b.getConstData() != &a.getConstData());
+    b.data().posPCent = 40;
+    QVERIFY(b != a);
+    QCOMPARE(a.getConstData().posPCent, quint16(0));
+
+    b.eraseData();
+    QCOMPARE(b, RuntimeData());
+    QCOMPARE(copy.getConstData().motorDiagnostic.totalMoveCount, quint32(70000));
+}
+
+QTEST_GUILESS_MAIN(tst_ConfigData)
+#include "tst_configdata.moc"

@@ -1,0 +1,466 @@
+#include "dtsmotorproxy.h"
+#include "lru50object.h"
+#include "objectregistry.h"
+#include "settingtoolobject.h"
+#include "tx30object.h"
+#include "tx50dcobject.h"
+#include "vrnobjectworker.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+// Stands in for the object factory behind the registry hook.
+class FakeRegistry : public ObjectRegistry
+{
+public:
+    FakeRegistry() { setInstance(this); }
+    ~FakeRegistry() override { setInstance(nullptr); }
+    bool saveObject(VRNObject* object) override
+    {
+        saved.append(object->label());
+        return accept;
+    }
+    void objectWorkerDestroyed(VRNObjectWorker* worker) override { workerObjects.append(worker->vrnObject()); }
+
+    bool accept = true;
+    QList<QByteArray> saved;
+    QList<QSharedPointer<VRNObject>> workerObjects;
+};
+
+StdConfigData labelled(const QByteArray& label)
+{
+    StdConfigData s;
+    s.data().label = label;
+    return s;
+}
+
+MotorConfigData validMotor(quint16 limit)
+{
+    MotorConfigData m;
+    MotorConfigDataData& p = m.data();
+    p.rotDirection = 0;
+    p.upEndLimit = limit;
+    p.downEndLimit = 0;
+    p.ips = {{100, 10}};
+    return m;
+}
+
+// Spies on every change signal of an object.
+struct Spies
+{
+    explicit Spies(VRNObject* o)
+        : dirty(o, &VRNObject::dirtyChanged)
+        , sync(o, &VRNObject::syncChanged)
+        , local(o, &VRNObject::localConfigChanged)
+        , proxy(o, &VRNObject::proxyConfigChanged)
+    {
+    }
+    QSignalSpy dirty;
+    QSignalSpy sync;
+    QSignalSpy local;
+    QSignalSpy proxy;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(const QMetaObject*)
+
+class tst_VRNObject : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void typeRegistry_data();
+    void typeRegistry();
+    void reverseRegistry();
+    void isAncestor();
+    void typeConversion();
+    void objectsOfEachClass();
+    void localChangeMakesDirtyAndSignals();
+    void isInitSuppressesOnlyDirtiness();
+    void mergeChangeWithoutRecordChange();
+    void shallowerRecordErasesOwnLevel();
+    void proxyChangeFlipsSync();
+    void typedAccessorsMergeAtTheirLevel();
+    void synchronizeCopiesValidLevels();
+    void validityPerLevel();
+    void labelPrefersLocal();
+    void eraseAllLevels();
+    void runtimeSignalsOnDifference();
+    void save();
+    void autosaveOnDestruction();
+    void workerHoldsObject();
+};
+
+void tst_VRNObject::typeRegistry_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<const QMetaObject*>("meta");
+    QTest::newRow("VRNObj") << 0 << &VRNObject::staticMetaObject;
+    QTest::newRow("DtsStd") << 1 << &VRNStdObject::staticMetaObject;
+    QTest::newRow("DtsMotor") << 2 << &VRNMotorObject::staticMetaObject;
+    QTest::newRow("DtsDcMotor") << 3 << &VRNDCMotorObject::staticMetaObject;
+    QTest::newRow("LRU50 replaced") << 4 << &LRU50Object::staticMetaObject;
+    QTest::newRow("TX50DC") << 5 << &TX50DCObject::staticMetaObject;
+    QTest::newRow("TX30") << 6 << &TX30Object::staticMetaObject;
+    QTest::newRow("SettingTool replaced") << 7 << &SettingToolObject::staticMetaObject;
+    QTest::newRow("TypeMax") << int(VRNObject::TypeMax) << &SettingToolObject::staticMetaObject;
+    QTest::newRow("unknown") << 8 << static_cast<const QMetaObject*>(nullptr);
+}
+
+void tst_VRNObject::typeRegistry()
+{
+    QFETCH(int, type);
+    QFETCH(const QMetaObject*, meta);
+    QCOMPARE(VRNObject::typeToMetaObject(VRNObject::Type(type)), meta);
+}
+
+void tst_VRNObject::reverseRegistry()
+{
+    QCOMPARE(VRNObject::metaObjectToType(&VRNMotorObject::staticMetaObject), VRNObject::DtsMotor);
+    QCOMPARE(VRNObject::metaObjectToType(&LRU50Object::staticMetaObject), VRNObject::LRU50);
+    QCOMPARE(VRNObject::metaObjectToType(&SettingToolObject::staticMetaObject), VRNObject::SettingTool);
+    QCOMPARE(VRNObject::metaObjectToType(&TX30Object::staticMetaObject), VRNObject::TX30);
+    // VRNObject was registered for 0, then for 7: the later entry holds.
+    QCOMPARE(VRNObject::metaObjectToType(&VRNObject::staticMetaObject), VRNObject::SettingTool);
+    QCOMPARE(VRNObject::metaObjectToType(&QObject::staticMetaObject), VRNObject::VRNObj);
+}
+
+void tst_VRNObject::isAncestor()
+{
+    QVERIFY(VRNObject::isAncestor(VRNStdObject::staticMetaObject, TX30Object::staticMetaObject));
+    QVERIFY(VRNObject::isAncestor(VRNMotorObject::staticMetaObject, TX50DCObject::staticMetaObject));
+    QVERIFY(VRNObject::isAncestor(QObject::staticMetaObject, VRNObject::staticMetaObject));
+    QVERIFY(!VRNObject::isAncestor(VRNStdObject::staticMetaObject, SettingToolObject::staticMetaObject));
+    QVERIFY(!VRNObject::isAncestor(VRNStdObject::staticMetaObject, VRNStdObject::staticMetaObject));
+    QVERIFY(!VRNObject::isAncestor(TX30Object::staticMetaObject, VRNStdObject::staticMetaObject));
+    QVERIFY(!VRNObject::isAncestor(QObject::staticMetaObject, QObject::staticMetaObject));
+}
+
+void tst_VRNObject::typeConversion()
+{
+    QCOMPARE(VRNObject::typeToString(VRNObject::DtsDcMotor), QStringLiteral("DtsDcMotor"));
+    QCOMPARE(VRNObject::typeToString(VRNObject::TypeMax), QStringLiteral("SettingTool"));
+
+    QVariant stored = QVariant::fromValue(qlonglong(5));
+    QVERIFY(stored.convert(qMetaTypeId<VRNObject::Type>()));
+    QCOMPARE(stored.value<VRNObject::Type>(), VRNObject::TX50DC);
+
+    QTest::ignoreMessage(QtWarningMsg, "[VRNObject]: Type conversion failed for: 9");
+    QCOMPARE(VRNObject::intToType(9), VRNObject::VRNObj);
+    QTest::ignoreMessage(QtWarningMsg, "[VRNObject]: Type conversion failed for: -1");
+    QCOMPARE(VRNObject::intToType(-1), VRNObject::VRNObj);
+}
+
+void tst_VRNObject::objectsOfEachClass()
+{
+    const QList<QSharedPointer<VRNObject>> objects = {
+        QSharedPointer<VRNObject>(new VRNObject), QSharedPointer<VRNObject>(new VRNStdObject),
+        QSharedPointer<VRNObject>(new VRNMotorObject), QSharedPointer<VRNObject>(new VRNDCMotorObject),
+        QSharedPointer<VRNObject>(new LRU50Object), QSharedPointer<VRNObject>(new TX50DCObject),
+        QSharedPointer<VRNObject>(new TX30Object), QSharedPointer<VRNObject>(new SettingToolObject),
+    };
+    for (int t = VRNObject::VRNObj; t <= VRNObject::TypeMax; ++t) {
+        const VRNObject* obj = objects.at(t).data();
+        QCOMPARE(int(obj->type()), t);
+        QCOMPARE(obj->metaObject(), VRNObject::typeToMetaObject(VRNObject::Type(t)));
+        QVERIFY(obj->node());
+        QCOMPARE(obj->address(), VRN::Addr(0));
+        QVERIFY(!obj->node()->bus());
+        const bool motor = t >= VRNObject::DtsMotor && t <= VRNObject::TX30;
+        const bool standard = motor || t == VRNObject::DtsStd;
+        QCOMPARE(qobject_cast<DTSMotorProxy*>(obj->node()) != nullptr, motor);
+        QCOMPARE(qobject_cast<DTSStdProxy*>(obj->node()) != nullptr, standard);
+        QCOMPARE(StdConfigData::hasLevel(obj->localConfig()), standard);
+        QCOMPARE(MotorConfigData::hasLevel(obj->proxyConfig()), motor);
+        QCOMPARE(DCMotorConfigData::hasLevel(obj->localConfig()), t == VRNObject::DtsDcMotor || t == VRNObject::TX50DC || t == VRNObject::TX30);
+    }
+    objects.at(VRNObject::DtsMotor)->setNodeAddress(VRN::makeAddr(VRN::NodeMotor, 0x42));
+    QCOMPARE(objects.at(VRNObject::DtsMotor)->node()->address(), VRN::makeAddr(VRN::NodeMotor, 0x42));
+}
+
+void tst_VRNObject::localChangeMakesDirtyAndSignals()
+{
+    VRNStdObject obj;
+    Spies spies(&obj);
+    QSignalSpy typed(&obj, &VRNStdObject::localStdConfigChanged);
+    QVERIFY(!obj.isDirty());
+
+    obj.setLocalConfig(labelled("Hall"));
+    QVERIFY(obj.isDirty());
+    QCOMPARE(spies.dirty.count(), 1);
+    QCOMPARE(spies.dirty.at(0).at(0).toBool(), true);
+    QCOMPARE(typed.count(), 1);
+    QCOMPARE(typed.at(0).at(0).value<StdConfigData>().getConstData().label, QByteArray("Hall"));
+    QCOMPARE(spies.local.count(), 1);
+    QCOMPARE(spies.sync.count(), 1);   // both unknown before: synced, now not
+    QCOMPARE(spies.sync.at(0).at(0).toBool(), false);
+
+    obj.setLocalConfig(labelled("Kitchen"));
+    QCOMPARE(spies.dirty.count(), 1);   // already dirty
+    QCOMPARE(spies.local.count(), 2);
+    QCOMPARE(spies.sync.count(), 1);
+
+    obj.setLocalConfig(labelled("Kitchen"));   // equal: nothing at all
+    QCOMPARE(typed.count(), 2);
+    QCOMPARE(spies.local.count(), 2);
+}
+
+void tst_VRNObject::isInitSuppressesOnlyDirtiness()
+{
+    VRNMotorObject obj;
+    Spies spies(&obj);
+    QSignalSpy typed(&obj, &VRNMotorObject::localMotorConfigChanged);
+    obj.setLocalConfig(validMotor(300), true);
+    QVERIFY(!obj.isDirty());
+    QCOMPARE(spies.dirty.count(), 0);
+    QCOMPARE(typed.count(), 1);
+    QCOMPARE(spies.local.count(), 1);
+    QCOMPARE(obj.localMotorConfig().getConstData().upEndLimit, quint16(300));
+
+    obj.updateLocalStdConfig(labelled("init"), true);
+    QVERIFY(!obj.isDirty());
+    obj.updateLocalStdConfig(labelled("user"));
+    QVERIFY(obj.isDirty());
+}
+
+void tst_VRNObject::mergeChangeWithoutRecordChange()
+{
+    // A motor merge whose motor fields are equal but whose label differs
+    // reports a change: the object turns dirty although nothing was copied.
+    MotorConfigData initial = validMotor(10);
+    initial.data().label = "mine";
+    VRNMotorObject obj(initial);
+    Spies spies(&obj);
+    MotorConfigData other = validMotor(10);
+    other.data().label = "theirs";
+    obj.setLocalConfig(other);
+    QVERIFY(obj.isDirty());
+    QCOMPARE(obj.label(), QByteArray("mine"));
+    QCOMPARE(spies.local.count(), 0);
+}
+
+void tst_VRNObject::shallowerRecordErasesOwnLevel()
+{
+    VRNMotorObject obj(validMotor(50));
+    obj.updateLocalStdConfig(labelled("keep"), true);
+    QSignalSpy typed(&obj, &VRNMotorObject::localMotorConfigChanged);
+    obj.setLocalConfig(labelled("ignored"));
+    QCOMPARE(typed.count(), 1);
+    QVERIFY(!obj.isLocalEndLimitsValid());
+    QVERIFY(!obj.isLocalDirectionValid());
+    QCOMPARE(obj.label(), QByteArray("keep"));
+    QVERIFY(obj.isDirty());
+}
+
+void tst_VRNObject::proxyChangeFlipsSync()
+{
+    VRNStdObject obj;
+    Spies spies(&obj);
+    QVERIFY(obj.isSynced());
+    obj.setProxyConfig(labelled("dev"));
+    QVERIFY(!obj.isDirty());
+    QCOMPARE(spies.proxy.count(), 1);
+    QCOMPARE(spies.local.count(), 0);
+    QCOMPARE(spies.sync.count(), 1);
+    QVERIFY(!obj.isSynced());
+    QVERIFY(!obj.isLabelSynced());
+
+    obj.setLocalConfig(labelled("dev"));
+    QCOMPARE(spies.sync.count(), 2);
+    QCOMPARE(spies.sync.at(1).at(0).toBool(), true);
+    QVERIFY(obj.property("sync").toBool());
+}
+
+void tst_VRNObject::typedAccessorsMergeAtTheirLevel()
+{
+    VRNDCMotorObject obj;
+    QSignalSpy stdSignal(&obj, &VRNStdObject::localStdConfigChanged);
+    QSignalSpy dcSignal(&obj, &VRNDCMotorObject::localDCMotorConfigChanged);
+    DCMotorConfigData dc;
+    dc.data().label = "dc";
+    dc.data().upRollingSpeed = 20;
+    dc.data().upEndLimit = 77;
+
+    obj.updateLocalStdConfig(dc);   // standard fields only
+    QCOMPARE(stdSignal.count(), 1);
+    QCOMPARE(dcSignal.count(), 0);
+    QCOMPARE(obj.label(), QByteArray("dc"));
+    QCOMPARE(obj.localDCMotorConfig().getConstData().upRollingSpeed, quint8(0));
+    QCOMPARE(obj.localDCMotorConfig().getConstData().upEndLimit, MotorConfigDataData::UnknownLimit);
+
+    obj.setLocalConfig(dc);   // the object's level: DC fields only
+    QCOMPARE(dcSignal.count(), 1);
+    QCOMPARE(obj.localDCMotorConfig().getConstData().upRollingSpeed, quint8(20));
+    QCOMPARE(obj.localDCMotorConfig().getConstData().upEndLimit, MotorConfigDataData::UnknownLimit);
+
+    obj.updateProxyMotorConfig(dc);
+    QCOMPARE(obj.proxyMotorConfig().getConstData().upEndLimit, quint16(77));
+    QVERIFY(obj.proxyMotorConfig().getConstData().label.isNull());
+}
+
+void tst_VRNObject::synchronizeCopiesValidLevels()
+{
+    VRNMotorObject obj;
+    MotorConfigData proxy = validMotor(900);
+    proxy.data().label = "dev";   // version and groups unknown: standard level not valid
+    obj.setProxyConfig(proxy);
+    obj.updateProxyStdConfig(proxy);
+    QSignalSpy typed(&obj, &VRNMotorObject::localMotorConfigChanged);
+
+    obj.synchronize();
+    QCOMPARE(typed.count(), 1);
+    QCOMPARE(obj.localMotorConfig().getConstData().upEndLimit, quint16(900));
+    QVERIFY(obj.localMotorConfig().getConstData().label.isNull());
+    QVERIFY(!obj.isSynced());
+    QVERIFY(obj.isDirty());
+
+    StdConfigData std = labelled("dev");
+    std.data().groups = {1};
+    std.data().appVersion.major = 1;
+    obj.updateProxyStdConfig(std);
+    obj.synchronize();
+    QVERIFY(obj.isSynced());
+    QCOMPARE(obj.label(), QByteArray("dev"));
+    // The motor level merged again: its standard fields still differed.
+    QCOMPARE(typed.count(), 2);
+
+    obj.synchronize();   // synchronised: nothing more
+    QCOMPARE(typed.count(), 2);
+}
+
+void tst_VRNObject::validityPerLevel()
+{
+    StdConfigData std;
+    std.data().groups = {0};
+    std.data().appVersion.major = 2;
+    VRNDCMotorObject obj;
+    obj.updateLocalStdConfig(std);
+    obj.updateLocalMotorConfig(validMotor(5));
+    QVERIFY(!obj.isValid());   // DC level unknown
+    QVERIFY(obj.VRNMotorObject::isValid());
+    DCMotorConfigData dc;
+    dc.data().upRollingSpeed = dc.data().downRollingSpeed = dc.data().slowRollingSpeed = 10;
+    dc.data().softStartValue = dc.data().softStopValue = 5;
+    obj.updateLocalDCMotorConfig(dc);
+    QVERIFY(obj.isValid());
+    obj.updateLocalStdConfig(StdConfigData());
+    QVERIFY(!obj.isValid());   // a standard level without version or groups
+    QVERIFY(VRNObject().isValid());
+    QVERIFY(SettingToolObject().isValid());
+}
+
+void tst_VRNObject::labelPrefersLocal()
+{
+    VRNStdObject obj;
+    QVERIFY(obj.label().isNull());
+    obj.updateProxyStdConfig(labelled("device"));
+    QCOMPARE(obj.property("label").toByteArray(), QByteArray("device"));
+    // Comparison goes by length and bytes: an empty label equals a null one,
+    // so merging it over "not known" changes nothing.
+    obj.updateLocalStdConfig(labelled(""));
+    QCOMPARE(obj.label(), QByteArray("device"));
+    obj.updateLocalStdConfig(labelled("mine"));
+    QCOMPARE(obj.label(), QByteArray("mine"));
+    QVERIFY(SettingToolObject().label().isNull());
+}
+
+void tst_VRNObject::eraseAllLevels()
+{
+    MotorConfigData m = validMotor(3);
+    m.data().label = "x";
+    VRNMotorObject obj(m);
+    QSignalSpy local(&obj, &VRNObject::localConfigChanged);
+    obj.eraseLocalConfig();
+    QCOMPARE(local.count(), 1);
+    QCOMPARE(obj.localMotorConfig(), MotorConfigData());
+    QVERIFY(obj.localMotorConfig().getConstData().label.isNull());
+    obj.eraseLocalConfig();
+    QCOMPARE(local.count(), 1);
+}
+
+void tst_VRNObject::runtimeSignalsOnDifference()
+{
+    VRNMotorObject obj;
+    QSignalSpy spy(&obj, &VRNObject::proxyRuntimeChanged);
+    RuntimeData r;
+    r.data().posPulse = 10;
+    obj.setProxyRuntime(r);
+    obj.setProxyRuntime(r);
+    QCOMPARE(spy.count(), 1);
+    r.data().networkErrorStat.crcError = 2;
+    obj.updateProxyRuntime(r);
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(obj.proxyRuntime(), r);
+    QVERIFY(!obj.isDirty());
+}
+
+void tst_VRNObject::save()
+{
+    VRNStdObject obj;
+    QVERIFY(!obj.save());   // clean: nothing to write
+    obj.setLocalConfig(labelled("a"));
+
+    QTest::ignoreMessage(QtWarningMsg, "[VRNObject]: failed to retrieve ObjectFactory");
+    QVERIFY(!obj.save());
+    QVERIFY(obj.isDirty());
+
+    FakeRegistry registry;
+    registry.accept = false;
+    QVERIFY(!obj.save());
+    QVERIFY(obj.isDirty());
+
+    registry.accept = true;
+    QSignalSpy dirty(&obj, &VRNObject::dirtyChanged);
+    QVERIFY(obj.save());
+    QCOMPARE(dirty.count(), 1);
+    QCOMPARE(dirty.at(0).at(0).toBool(), false);
+    QCOMPARE(registry.saved, (QList<QByteArray>{"a", "a"}));
+}
+
+void tst_VRNObject::autosaveOnDestruction()
+{
+    FakeRegistry registry;
+    {
+        VRNStdObject obj;
+        obj.setLocalConfig(labelled("auto"));
+    }
+    QVERIFY(registry.saved.isEmpty());
+    {
+        VRNStdObject obj;
+        obj.setAutosave(true);
+        obj.setLocalConfig(labelled("auto"));
+    }
+    QCOMPARE(registry.saved, QList<QByteArray>{"auto"});
+}
+
+void tst_VRNObject::workerHoldsObject()
+{
+    FakeRegistry registry;
+    QSharedPointer<VRNObject> object(new VRNMotorObject);
+    QPointer<VRNObject> watch = object.data();
+    auto* worker = new VRNObjectWorker(object);
+    QCOMPARE(worker->object(), object.data());
+    QCOMPARE(worker->name(), QStringLiteral("VRNMotorObject"));
+    object.reset();
+    QVERIFY(watch);   // the worker keeps it alive
+
+    VRNStdObject other;
+    worker->setObject(&other);
+    QVERIFY(!watch);
+    QVERIFY(worker->vrnObject().isNull());
+
+    QSharedPointer<VRNObject> third(new VRNStdObject);
+    worker->setObject(third);
+    worker->ObjectWorker::setObject(nullptr);   // through the base class too
+    QVERIFY(worker->vrnObject().isNull());
+    worker->setObject(third);
+    delete worker;
+    QCOMPARE(registry.workerObjects.size(), 1);
+    QCOMPARE(registry.workerObjects.at(0), third);
+}
+
+QTEST_GUILESS_MAIN(tst_VRNObject)
+#include "tst_vrnobject.moc"
