@@ -1,6 +1,7 @@
 #include "objectquerymodel.h"
 #include "objectquerymodel_p.h"
 #include "objectselectionmodel.h"
+#include "registrysql_p.h"
 
 #include <QDebug>
 #include <QSqlError>
@@ -196,17 +197,7 @@ QVariantMap ObjectQueryModel::get(int row) const
 
 QList<VRNObject::UUID> ObjectQueryModel::toList() const
 {
-    Q_D(const ObjectQueryModel);
-    QList<VRNObject::UUID> uuids;
-    QSqlQuery query(d->db);
-    query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->viewName)) {
-        qWarning() << "[ObjectQueryModel]: failed to execute select query:" << query.lastError().text();
-        return uuids;
-    }
-    while (query.next())
-        uuids.append(query.value(0).toUInt());
-    return uuids;
+    return RegistrySql::uuids(d_func()->db, d_func()->viewName, "ObjectQueryModel");
 }
 
 int ObjectQueryModel::indexOf(VRNObject::UUID uuid) const

@@ -1,5 +1,6 @@
 #include "objectselectionmodel.h"
 #include "objectselectionmodel_p.h"
+#include "registrysql_p.h"
 
 #include "vrnmotorobject.h"
 
@@ -183,36 +184,38 @@ bool ObjectSelectionModel::contains(VRNObject::UUID uuid) const
     return found;
 }
 
-void ObjectSelectionModel::addItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+void ObjectSelectionModel::change(const std::function<void()>& statements)
 {
     Q_D(ObjectSelectionModel);
     beginResetModel();
-    d->insertMatching(column, criteria);
+    statements();
     endResetModel();
     d->changed();
+}
+
+void ObjectSelectionModel::addItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
+{
+    change([&] { d_func()->insertMatching(column, criteria); });
 }
 
 void ObjectSelectionModel::removeItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
 {
-    Q_D(ObjectSelectionModel);
-    QSqlQuery query(d->db);
-    beginResetModel();
-    d->run(query,
-           QStringLiteral("DELETE FROM ") + d->table + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ") + d->deviceTable
-               + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?)"),
-           criteria, "failed to execute delete query");
-    endResetModel();
-    d->changed();
+    change([&] {
+        Q_D(ObjectSelectionModel);
+        QSqlQuery query(d->db);
+        d->run(query,
+               QStringLiteral("DELETE FROM ") + d->table + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ")
+                   + d->deviceTable + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?)"),
+               criteria, "failed to execute delete query");
+    });
 }
 
 void ObjectSelectionModel::setItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
 {
-    Q_D(ObjectSelectionModel);
-    beginResetModel();
-    d->clearTable();
-    d->insertMatching(column, criteria);
-    endResetModel();
-    d->changed();
+    change([&] {
+        d_func()->clearTable();
+        d_func()->insertMatching(column, criteria);
+    });
 }
 
 void ObjectSelectionModel::toggleItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
@@ -258,17 +261,7 @@ void ObjectSelectionModel::destroyObjectsQml()
 
 QList<VRNObject::UUID> ObjectSelectionModel::toList() const
 {
-    Q_D(const ObjectSelectionModel);
-    QList<VRNObject::UUID> uuids;
-    QSqlQuery query(d->db);
-    query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->table)) {
-        qWarning() << "[ObjectSelectionModel]: failed to execute select query:" << query.lastError().text();
-        return uuids;
-    }
-    while (query.next())
-        uuids.append(query.value(0).toUInt());
-    return uuids;
+    return RegistrySql::uuids(d_func()->db, d_func()->table, "ObjectSelectionModel");
 }
 
 QString ObjectSelectionModel::tableName() const

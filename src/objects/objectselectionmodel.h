@@ -7,6 +7,8 @@
 #include <QScopedPointer>
 #include <QSqlDatabase>
 
+#include <functional>
+
 class ObjectSelectionModelPrivate;
 
 /// The devices selected in a device list, one uuid per row.
@@ -65,6 +67,10 @@ Q_SIGNALS:
     void rowCountChanged(unsigned rowCount);
 
 private:
+    /// Runs `statements` inside one model reset, then recomputes the
+    /// row count, selected type and node id.
+    void change(const std::function<void()>& statements);
+
     Q_DECLARE_PRIVATE(ObjectSelectionModel)
     QScopedPointer<ObjectSelectionModelPrivate> d_ptr;
 };
