@@ -1,0 +1,347 @@
+#include "objectfactory.h"
+#include "objectquerymodel.h"
+#include "objectselectionmodel.h"
+#include "registryfixture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace RegistryFixture;
+
+namespace {
+const char* PageQuery = "LIMIT 100 OFFSET";
+
+// The row position as the original counting statement gives it: the rows of
+// Devices before the device in (raw column value, uuid) order.
+int referenceIndexOf(const QString& column, VRNObject::UUID uuid)
+{
+    const QString c = column;
+    const QString u = QString::number(uuid);
+    const QString statement = QStringLiteral("SELECT COUNT(*) FROM Devices, ")
+        + QStringLiteral("(SELECT %1 AS orderVal FROM Devices WHERE uuid=%2)").arg(c, u)
+        + QStringLiteral(" AS item WHERE CASE WHEN item.orderVal ISNULL ")
+        + QStringLiteral("THEN %1 ISNULL AND uuid <= %2 ELSE %1 < item.orderVal OR (%1 = item.orderVal AND uuid <= %2) END")
+              .arg(c, u);
+    const int count = sqlValue(statement).toInt();
+    return count > 0 ? count - 1 : -1;
+}
+
+void insertDevices(int count, int firstNode = 1)
+{
+    QSqlDatabase db = QSqlDatabase::database();
+    db.transaction();
+    QSqlQuery insert(db);
+    insert.prepare(QStringLiteral("INSERT INTO Devices(nodeID, type) VALUES (?, 1)"));
+    for (int i = 0; i < count; ++i) {
+        insert.addBindValue(firstNode + i);
+        insert.exec();
+    }
+    db.commit();
+}
+} // namespace
+
+class tst_ObjectQueryModel : public QObject
+{
+    Q_OBJECT
+
+private:
+    ObjectFactory* factory = nullptr;
+    QScopedPointer<QObject> owner;
+    ObjectQueryModel* model = nullptr;
+
+    ObjectQueryModel* makeModel()
+    {
+        model = factory->createQueryModel(owner.data());
+        return model;
+    }
+
+    QVariant at(int row, ObjectQueryModel::Role role) const { return model->data(model->index(row, 0), role); }
+
+    QList<VRNObject::UUID> shownUuids() const
+    {
+        QList<VRNObject::UUID> uuids;
+        for (int row = 0; row < model->rowCount(); ++row)
+            uuids.append(at(row, ObjectQueryModel::UuidRole).toUInt());
+        return uuids;
+    }
+
+private slots:
+    void initTestCase() { RegistryFixture::initTestCase(); }
+
+    void init()
+    {
+        QVERIFY(openDatabase());
+        factory = ObjectFactory::instance();
+        owner.reset(new QObject);
+    }
+
+    void cleanup()
+    {
+        owner.reset();
+        closeAll();
+    }
+
+    void emptyTable()
+    {
+        makeModel();
+        QCOMPARE(model->rowCount(), 0);
+        QCOMPARE(model->columnCount(), 5);
+        QCOMPARE(model->rowCount(model->index(0, 0)), 0);
+        QVERIFY(!model->data(QModelIndex(), ObjectQueryModel::UuidRole).isValid());
+        QVERIFY(!model->setData(model->index(0, 0), 1));
+    }
+
+    void sortByLabelIsCaseBlindWithUuidTieBreak()
+    {
+        const QStringList labels{QStringLiteral("abd"), QStringLiteral("ABC"), QStringLiteral("abc"),
+                                 QStringLiteral("b"), QString()};
+        QList<VRNObject::UUID> uuids;
+        for (int i = 0; i < labels.size(); ++i) {
+            uuids.append(factory->createObject(VRNObject::DtsStd, unsigned(10 - i), false)->uuid());
+            sql(QStringLiteral("UPDATE Devices SET label = ? WHERE uuid = ?"), {labels.at(i), uuids.last()});
+        }
+        makeModel();
+        QSignalSpy sortBy(model, &ObjectQueryModel::sortByChanged);
+        QSignalSpy reset(model, &QAbstractItemModel::modelReset);
+
+        model->setSortBy(ObjectQueryModel::LabelRole);
+
+        QCOMPARE(sortBy.count(), 1);
+        QCOMPARE(reset.count(), 1);
+        // NULL first, then abc and ABC in uuid order, abd, b.
+        const QList<VRNObject::UUID> expected{uuids[4], uuids[1], uuids[2], uuids[0], uuids[3]};
+        QCOMPARE(model->toList(), expected);
+        QCOMPARE(shownUuids(), expected);
+        QCOMPARE(at(3, ObjectQueryModel::LabelRole).toString(), QStringLiteral("abd"));
+        QCOMPARE(model->get(1).value(QStringLiteral("label")).toString(), QStringLiteral("ABC"));
+        QCOMPARE(model->get(1).size(), 6);
+    }
+
+    void sortOrderMirrorsRowsWithoutSql()
+    {
+        insertDevices(5);
+        makeModel();
+        const QList<VRNObject::UUID> ascending = shownUuids();
+        StatementCounter statements(factory->database(), "");
+        QSignalSpy order(model, &ObjectQueryModel::sortOrderChanged);
+        QSignalSpy reset(model, &QAbstractItemModel::modelReset);
+
+        model->setSortOrder(Qt::DescendingOrder);
+
+        QCOMPARE(statements.count(), 0);
+        QCOMPARE(order.count(), 1);
+        QCOMPARE(reset.count(), 1);
+        QList<VRNObject::UUID> descending = shownUuids();
+        std::reverse(descending.begin(), descending.end());
+        QCOMPARE(descending, ascending);
+        model->setSort(ObjectQueryModel::NodeIDRole, Qt::DescendingOrder);
+        QCOMPARE(reset.count(), 1);
+    }
+
+    void pageFollowsTheWantedRow_data()
+    {
+        QTest::addColumn<Qt::SortOrder>("order");
+        QTest::addColumn<QList<int>>("reads");
+        QTest::addColumn<QList<int>>("offsets");
+        QTest::newRow("jump then back") << Qt::AscendingOrder << QList<int>{500, 449, 449, 520} << QList<int>{450, 399, 399, 470};
+        QTest::newRow("near the start") << Qt::AscendingOrder << QList<int>{99, 100, 149, 30} << QList<int>{0, 50, 50, 0};
+        QTest::newRow("descending") << Qt::DescendingOrder << QList<int>{0, 500} << QList<int>{949, 449};
+    }
+
+    void pageFollowsTheWantedRow()
+    {
+        QFETCH(Qt::SortOrder, order);
+        QFETCH(QList<int>, reads);
+        QFETCH(QList<int>, offsets);
+        insertDevices(1000);
+        makeModel();
+        model->setSortOrder(order);
+        for (int i = 0; i < reads.size(); ++i) {
+            const int row = reads.at(i);
+            const int viewRow = order == Qt::AscendingOrder ? row : 999 - row;
+            // Node ids were given in uuid order, so a row shows node id row + 1.
+            QCOMPARE(at(row, ObjectQueryModel::NodeIDRole).toInt(), viewRow + 1);
+            QCOMPARE(model->pageOffset(), offsets.at(i));
+        }
+    }
+
+    void creationsKeepRowsRight()
+    {
+        insertDevices(1000, 1000);
+        makeModel();
+        QCOMPARE(at(500, ObjectQueryModel::NodeIDRole).toInt(), 1500);
+        StatementCounter pages(factory->database(), PageQuery);
+        QSignalSpy inserted(model, &QAbstractItemModel::rowsInserted);
+
+        // Before the page: the held rows only move down by one.
+        auto before = factory->createObject(VRNObject::DtsStd, 5, false);
+        QCOMPARE(pages.count(), 0);
+        QCOMPARE(model->pageOffset(), 451);
+        QCOMPARE(model->rowCount(), 1001);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(inserted.first().at(1).toInt(), 0);
+        QCOMPARE(at(501, ObjectQueryModel::NodeIDRole).toInt(), 1500);
+        QCOMPARE(pages.count(), 0);
+
+        // Inside the page: re-read.
+        auto inside = factory->createObject(VRNObject::DtsMotor, 1500, false);
+        QVERIFY(pages.count() > 0);
+        QCOMPARE(inserted.last().at(1).toInt(), 502);
+        QCOMPARE(at(502, ObjectQueryModel::UuidRole).toUInt(), inside->uuid());
+
+        // After the page: nothing to read.
+        pages.reset();
+        factory->createObject(VRNObject::DtsStd, 99999, false);
+        QCOMPARE(pages.count(), 0);
+        QCOMPARE(inserted.last().at(1).toInt(), 1002);
+        QCOMPARE(model->rowCount(), 1003);
+        QCOMPARE(at(0, ObjectQueryModel::UuidRole).toUInt(), before->uuid());
+        QCOMPARE(model->toList(), shownUuids());
+    }
+
+    void creationInDescendingOrder()
+    {
+        insertDevices(3);
+        makeModel();
+        model->setSortOrder(Qt::DescendingOrder);
+        QSignalSpy inserted(model, &QAbstractItemModel::rowsInserted);
+        auto last = factory->createObject(VRNObject::DtsStd, 100, false);
+        QCOMPARE(inserted.first().at(1).toInt(), 0);
+        QCOMPARE(at(0, ObjectQueryModel::UuidRole).toUInt(), last->uuid());
+        QCOMPARE(at(3, ObjectQueryModel::NodeIDRole).toInt(), 1);
+    }
+
+    // A device's duplicates are looked up by its address; a plain VRNObj has
+    // node type 0, so its address is the node id stored in its row.
+    void duplicatesCountAndAnnounce()
+    {
+        makeModel();
+        auto first = factory->createObject(VRNObject::DtsStd, 0x42, false);
+        factory->createObject(VRNObject::DtsStd, 0x41, false);
+        QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+        auto second = factory->createObject(VRNObject::VRNObj, 0x42, false);
+        QVERIFY(second);
+        QCOMPARE(second->address(), VRN::Addr(0x42));
+
+        QCOMPARE(model->rowCount(), 3);
+        QCOMPARE(at(0, ObjectQueryModel::NbOccurRole).toInt(), 1);
+        QCOMPARE(at(1, ObjectQueryModel::NbOccurRole).toInt(), 2);
+        QCOMPARE(at(2, ObjectQueryModel::NbOccurRole).toInt(), 2);
+        // Only the first device of the node id is announced.
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().at(0).toModelIndex().row(), 1);
+        QCOMPARE(changed.first().at(2).value<QVector<int>>(), QVector<int>{ObjectQueryModel::NbOccurRole});
+
+        QVERIFY(factory->destroyObject(second->uuid()));
+        QCOMPARE(changed.count(), 2);
+        QCOMPARE(changed.last().at(0).toModelIndex().row(), 1);
+        QCOMPARE(at(1, ObjectQueryModel::UuidRole).toUInt(), first->uuid());
+        QCOMPARE(at(1, ObjectQueryModel::NbOccurRole).toInt(), 1);
+    }
+
+    void selectedCreationSelectsTheNodeId()
+    {
+        makeModel();
+        auto first = factory->createObject(VRNObject::DtsStd, 0x43, false);
+        factory->createObject(VRNObject::DtsStd, 7, false);
+        QSignalSpy selectionChanged(model, &ObjectQueryModel::selectionChanged);
+        auto second = factory->createObject(VRNObject::VRNObj, 0x43, true);
+        ObjectSelectionModel* selection = model->selectionModel();
+        QCOMPARE(selection->deviceTable(), model->viewName());
+        QCOMPARE(selection->toList(), (QList<VRNObject::UUID>{first->uuid(), second->uuid()}));
+        QCOMPARE(selectionChanged.count(), 2); // cleared, then filled
+    }
+
+    void changeAnnouncesTheLabel()
+    {
+        insertDevices(3);
+        // Node type 0: save writes back the same node id, the row stays put.
+        sql(QStringLiteral("UPDATE Devices SET type = 0"));
+        makeModel();
+        QCOMPARE(at(1, ObjectQueryModel::LabelRole).toString(), QString());
+        auto obj = factory->object(2);
+        QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+        sql(QStringLiteral("UPDATE Devices SET label = 'x' WHERE uuid = 2"));
+        QVERIFY(factory->save(obj.data()));
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().at(0).toModelIndex().row(), 1);
+        QCOMPARE(changed.first().at(2).value<QVector<int>>(), QVector<int>{ObjectQueryModel::LabelRole});
+        // The page was read again: it shows what save wrote over the 'x'.
+        QCOMPARE(at(1, ObjectQueryModel::LabelRole).toString(), QString::fromUtf8(obj->label()));
+        QVERIFY(!at(1, ObjectQueryModel::LabelRole).isNull());
+    }
+
+    void destructionsKeepRowsRight()
+    {
+        insertDevices(300);
+        makeModel();
+        QCOMPARE(at(200, ObjectQueryModel::NodeIDRole).toInt(), 201); // page at 150
+        QSignalSpy removed(model, &QAbstractItemModel::rowsRemoved);
+        StatementCounter pages(factory->database(), PageQuery);
+
+        QVERIFY(factory->destroyObject(1));
+        QCOMPARE(pages.count(), 0);
+        QCOMPARE(model->pageOffset(), 149);
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(removed.first().at(1).toInt(), 0);
+        QCOMPARE(model->rowCount(), 299);
+        QCOMPARE(at(199, ObjectQueryModel::NodeIDRole).toInt(), 201);
+
+        QVERIFY(factory->destroyObject(202));
+        QVERIFY(pages.count() > 0);
+        QCOMPARE(at(199, ObjectQueryModel::NodeIDRole).toInt(), 201);
+        QCOMPARE(at(200, ObjectQueryModel::NodeIDRole).toInt(), 203);
+        QCOMPARE(model->toList(), shownUuids());
+    }
+
+    void destructionOutOfOrderIsAnInternalError()
+    {
+        insertDevices(2);
+        makeModel();
+        QSignalSpy removed(model, &QAbstractItemModel::rowsRemoved);
+        QTest::ignoreMessage(QtWarningMsg, "[ObjectQueryModel]: internal error, endObjectDestroyed called without index");
+        QMetaObject::invokeMethod(model, "onEndObjectDestroyed", Q_ARG(VRNObject::UUID, 1), Q_ARG(VRN::Addr, 1));
+        QCOMPARE(removed.count(), 0);
+        QCOMPARE(model->rowCount(), 2);
+
+        // Deleting a device that has no row: the model sees no begin either.
+        QTest::ignoreMessage(QtWarningMsg, "[ObjectQueryModel]: internal error, endObjectDestroyed called without index");
+        QVERIFY(!factory->destroyObject(77));
+        QCOMPARE(model->rowCount(), 2);
+    }
+
+    void indexOfAgreesWithTheCountingStatement_data()
+    {
+        QTest::addColumn<int>("column");
+        for (int c = ObjectFactory::UuidColumn; c <= ObjectFactory::SerialNumberColumn; ++c)
+            QTest::newRow(qPrintable(ObjectFactory::columnName(ObjectFactory::DevicesTableColumn(c)))) << c;
+    }
+
+    void indexOfAgreesWithTheCountingStatement()
+    {
+        QFETCH(int, column);
+        // NULL node ids, labels and serial numbers, labels equal but for case,
+        // duplicated node ids and labels.
+        const QList<QVariantList> rows{
+            {QVariant(QVariant::Int), 1, QStringLiteral("Kitchen"), QByteArray("\x01")},
+            {5, 2, QStringLiteral("kitchen"), QVariant(QVariant::ByteArray)},
+            {5, 3, QVariant(QVariant::String), QByteArray("\x01")},
+            {QVariant(QVariant::Int), 2, QStringLiteral("KITCHEN"), QByteArray("\x00\x02", 2)},
+            {3, 1, QStringLiteral("attic"), QByteArray()},
+            {5, 1, QStringLiteral("kitchen"), QByteArray("\x01")},
+            {0, 7, QStringLiteral("Attic"), QVariant(QVariant::ByteArray)},
+        };
+        for (const QVariantList& row : rows)
+            sql(QStringLiteral("INSERT INTO Devices(nodeID, type, label, serialNumber) VALUES (?, ?, ?, ?)"), row);
+        makeModel();
+        const auto c = ObjectFactory::DevicesTableColumn(column);
+        model->setSortBy(ObjectQueryModel::Role(ObjectQueryModel::UuidRole + column));
+        for (VRNObject::UUID uuid = 1; uuid <= VRNObject::UUID(rows.size()) + 1; ++uuid)
+            QCOMPARE(model->indexOf(uuid), referenceIndexOf(ObjectFactory::columnName(c), uuid));
+        // The row count is read from the table, not from the view.
+        QCOMPARE(model->rowCount(), sqlValue(QStringLiteral("SELECT COUNT(*) FROM ") + model->viewName()).toInt());
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_ObjectQueryModel)
+#include "tst_objectquerymodel.moc"

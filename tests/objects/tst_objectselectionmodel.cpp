@@ -1,0 +1,213 @@
+#include "objectfactory.h"
+#include "objectselectionmodel.h"
+#include "registryfixture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace RegistryFixture;
+
+class tst_ObjectSelectionModel : public QObject
+{
+    Q_OBJECT
+
+private:
+    // Rows straight into the table: the selection only reads it.
+    VRNObject::UUID addDevice(int type, QVariant nodeID)
+    {
+        return sql(QStringLiteral("INSERT INTO Devices(nodeID, type) VALUES (?, ?)"), {nodeID, type})
+            .lastInsertId()
+            .toUInt();
+    }
+
+    QScopedPointer<ObjectSelectionModel> model;
+
+private slots:
+    void initTestCase() { RegistryFixture::initTestCase(); }
+
+    void init()
+    {
+        QVERIFY(openDatabase());
+        model.reset(new ObjectSelectionModel(ObjectFactory::instance()->database()));
+    }
+
+    void cleanup()
+    {
+        model.reset();
+        closeAll();
+    }
+
+    void addTwiceKeepsOneRowPerDevice()
+    {
+        const auto a = addDevice(VRNObject::DtsStd, 7);
+        const auto b = addDevice(VRNObject::DtsMotor, 7);
+        addDevice(VRNObject::DtsMotor, 8);
+        QSignalSpy counts(model.data(), &ObjectSelectionModel::rowCountChanged);
+
+        model->addItems(ObjectFactory::NodeIDColumn, 7);
+        model->addItems(ObjectFactory::NodeIDColumn, 7);
+
+        QCOMPARE(model->count(), 2u);
+        QCOMPARE(model->rowCount(), 2);
+        QCOMPARE(counts.count(), 1);
+        QCOMPARE(counts.first().first().toUInt(), 2u);
+        QVERIFY(model->contains(a));
+        QVERIFY(model->contains(b));
+        QVERIFY(!model->contains(b + 1));
+        QCOMPARE(model->data(0).toUInt(), a);
+        QCOMPARE(model->data(1).toUInt(), b);
+        QVERIFY(!model->data(2).isValid());
+    }
+
+    void removeAndSet()
+    {
+        const auto a = addDevice(VRNObject::DtsStd, 1);
+        const auto b = addDevice(VRNObject::DtsStd, 2);
+        const auto c = addDevice(VRNObject::DtsMotor, 2);
+        model->addItems(ObjectFactory::TypeColumn, int(VRNObject::DtsStd));
+        QCOMPARE(model->toList(), (QList<VRNObject::UUID>{a, b}));
+
+        model->removeItems(ObjectFactory::NodeIDColumn, 2);
+        QCOMPARE(model->toList(), QList<VRNObject::UUID>{a});
+
+        model->setItems(ObjectFactory::NodeIDColumn, 2);
+        QCOMPARE(model->toList(), (QList<VRNObject::UUID>{b, c}));
+
+        QSignalSpy counts(model.data(), &ObjectSelectionModel::rowCountChanged);
+        model->clear();
+        QCOMPARE(model->count(), 0u);
+        QCOMPARE(counts.count(), 1);
+        QVERIFY(model->toList().isEmpty());
+    }
+
+    void toggle_data()
+    {
+        QTest::addColumn<int>("alsoSelected");
+        QTest::addColumn<int>("expected");
+        // Selection exactly the matching devices: toggling empties it.
+        QTest::newRow("exact") << 0 << 0;
+        // Other devices selected too: the selection becomes the matching set.
+        QTest::newRow("wider") << 1 << 2;
+    }
+
+    void toggle()
+    {
+        QFETCH(int, alsoSelected);
+        QFETCH(int, expected);
+        const auto a = addDevice(VRNObject::DtsMotor, 5);
+        const auto b = addDevice(VRNObject::DtsStd, 5);
+        addDevice(VRNObject::DtsStd, 6);
+        model->setItems(ObjectFactory::NodeIDColumn, 5);
+        if (alsoSelected)
+            model->addItems(ObjectFactory::NodeIDColumn, 6);
+
+        model->toggleItems(ObjectFactory::NodeIDColumn, 5);
+
+        QCOMPARE(int(model->count()), expected);
+        if (expected)
+            QCOMPARE(model->toList(), (QList<VRNObject::UUID>{a, b}));
+    }
+
+    void toggleOfPartialSelectionSelectsAllMatching()
+    {
+        const auto a = addDevice(VRNObject::DtsMotor, 5);
+        const auto b = addDevice(VRNObject::DtsStd, 5);
+        model->addItems(ObjectFactory::UuidColumn, a);
+        model->toggleItems(ObjectFactory::NodeIDColumn, 5);
+        QCOMPARE(model->toList(), (QList<VRNObject::UUID>{a, b}));
+    }
+
+    void selectedType_data()
+    {
+        QTest::addColumn<QList<int>>("types");
+        QTest::addColumn<int>("expected");
+        QTest::addColumn<bool>("motor");
+        QTest::newRow("empty") << QList<int>{} << 0 << false;
+        QTest::newRow("one DC motor") << QList<int>{VRNObject::DtsDcMotor} << int(VRNObject::DtsDcMotor) << true;
+        QTest::newRow("motor and DC motor")
+            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsDcMotor} << int(VRNObject::DtsMotor) << true;
+        QTest::newRow("DC motor and motor")
+            << QList<int>{VRNObject::DtsDcMotor, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true;
+        QTest::newRow("LRU50 and motor")
+            << QList<int>{VRNObject::LRU50, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true;
+        QTest::newRow("TX30 and TX50DC")
+            << QList<int>{VRNObject::TX30, VRNObject::TX50DC} << int(VRNObject::DtsDcMotor) << true;
+        QTest::newRow("motor and standard")
+            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsStd} << int(VRNObject::DtsStd) << false;
+    }
+
+    void selectedType()
+    {
+        QFETCH(QList<int>, types);
+        QFETCH(int, expected);
+        QFETCH(bool, motor);
+        for (int type : types)
+            addDevice(type, 3);
+        addDevice(VRNObject::DtsStd, 4); // never selected
+        model->addItems(ObjectFactory::NodeIDColumn, 3);
+        QCOMPARE(int(model->selectedType()), expected);
+        QCOMPARE(model->isMotor(), motor);
+    }
+
+    void unknownTypeIsReported()
+    {
+        addDevice(42, 3);
+        QTest::ignoreMessage(QtWarningMsg, "[ObjectSelectionModel]: invalid object type 1:  42");
+        model->addItems(ObjectFactory::NodeIDColumn, 3);
+        QCOMPARE(int(model->selectedType()), 0);
+    }
+
+    void selectedNodeIdOfSingleDevice()
+    {
+        const auto a = addDevice(VRNObject::DtsMotor, 0x123);
+        addDevice(VRNObject::DtsMotor, 0x124);
+        model->addItems(ObjectFactory::UuidColumn, a);
+        QCOMPARE(model->selectedNodeId(), VRN::Addr(0x123));
+        model->addItems(ObjectFactory::NodeIDColumn, 0x124);
+        QCOMPARE(model->selectedNodeId(), VRN::Addr(0));
+        model->removeItems(ObjectFactory::NodeIDColumn, 0x124);
+        QCOMPARE(model->selectedNodeId(), VRN::Addr(0x123));
+    }
+
+    void badColumnIsReported()
+    {
+        // The plain table has no nbOccur column; only the list views do.
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("^\\[ObjectSelectionModel\\]: failed to execute insert query: .*NbOccur"));
+        model->addItems(ObjectFactory::NbOccurColumn, 1);
+        QCOMPARE(model->count(), 0u);
+    }
+
+    void tableLivesWithTheModel()
+    {
+        const QString table = model->tableName();
+        const QString exists = QStringLiteral("SELECT COUNT(*) FROM sqlite_temp_master WHERE name = ?");
+        QCOMPARE(sqlValue(exists, {table}).toInt(), 1);
+        ObjectSelectionModel other(ObjectFactory::instance()->database());
+        QVERIFY(other.tableName() != table);
+        model.reset();
+        QCOMPARE(sqlValue(exists, {table}).toInt(), 0);
+    }
+
+    void destroyObjectsDeletesRows()
+    {
+        ObjectFactory* factory = ObjectFactory::instance();
+        const auto a = factory->createObject(VRNObject::DtsStd, 9, false)->uuid();
+        const auto b = factory->createObject(VRNObject::DtsMotor, 9, false)->uuid();
+        const auto keep = factory->createObject(VRNObject::DtsMotor, 10, false)->uuid();
+        model->addItems(ObjectFactory::NodeIDColumn, 9);
+        QSignalSpy destroyed(factory, &ObjectFactory::objectDestroyed);
+
+        model->destroyObjectsQml();
+
+        QCOMPARE(destroyed.count(), 2);
+        QCOMPARE(destroyed.at(0).first().toUInt(), a);
+        QCOMPARE(destroyed.at(1).first().toUInt(), b);
+        QCOMPARE(model->count(), 0u);
+        QCOMPARE(factory->nodeAddrs().size(), 1);
+        QVERIFY(factory->object(keep));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_ObjectSelectionModel)
+#include "tst_objectselectionmodel.moc"
