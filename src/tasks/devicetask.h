@@ -1,0 +1,86 @@
+#ifndef DEVICETASK_H
+#define DEVICETASK_H
+
+#include "buspendingcall.h"
+#include "task.h"
+
+#include <QScopedPointer>
+
+class DeviceTaskPrivate;
+class VRNMessage;
+class VRNObject;
+class Worker;
+
+/// The running of one job on one device object: a request to the object's
+/// node, the reply checked, the object's records written, the job ended.
+///
+/// `run()` marks the task running, checks the object and its node, then
+/// calls `start()`, which sends the first request through `watch()`. When
+/// the call ends, `onCallFinished()` checks, in this order: the object and
+/// its node again (the device may have gone meanwhile), the call's error
+/// (2 "Timeout error", 4 "Bus not available", any other "<Class> failed"),
+/// the frame ("Invalid message(HEX)"), a negative acknowledgement
+/// ("Nack(TEXT)"); only a reply that passes all of them reaches `onReply()`.
+/// Every failure text is translated in the context of the concrete class.
+///
+/// Subclasses rarely derive from this class directly: `ReadTask` and
+/// `WriteTask` add the typed object, the record handling and the seeding rule,
+/// so that a task states only its request, its parser and its field.
+class DeviceTask : public Task
+{
+    Q_OBJECT
+
+public:
+    ~DeviceTask() override;
+
+    void run() override;
+    /// Cancels the outstanding request, then ends the run as aborted.
+    void abort() override;
+
+public Q_SLOTS:
+    void onCallFinished();
+
+protected:
+    /// Job-driven: `object` is the object of the worker that runs `job`.
+    DeviceTask(QObject* object, const Job& job, QObject* parent, DeviceTaskPrivate* dd = nullptr);
+    /// Direct: built by another task; `jobName` becomes the task's name.
+    DeviceTask(const QString& jobName, QObject* object, QObject* parent, DeviceTaskPrivate* dd = nullptr);
+
+    /// The object the task was built for, whatever its class; null once destroyed.
+    VRNObject* vrnObject() const;
+    /// The object is there and of the class the task works on.
+    virtual bool hasObject() const = 0;
+    /// The object has a node of the kind the task talks to.
+    virtual bool hasNode() const = 0;
+    /// Fails the task with "Internal error(no VRNObject)" or "Internal
+    /// error(VRNObject has no proxy)" and returns false when either is missing.
+    virtual bool checkObject();
+    /// Sends the first request (through `watch()`), or starts whatever the task does.
+    virtual void start() = 0;
+    /// A reply that passed every generic check. The default fails with
+    /// "Unexpected reply(%1)".
+    virtual void onReply(const VRNMessage& reply);
+    /// Command byte of the reply that the request expects; 0x7F (acknowledgement) by default.
+    virtual quint8 expectedReply() const;
+    /// Text for a call error other than timeout and bus failure: the class
+    /// name followed by " failed" unless a class says otherwise.
+    virtual QByteArray failedText() const;
+
+    /// Watches `call`: its end reaches `onCallFinished()`.
+    void watch(const BusPendingCall& call);
+    /// `Task::fail()` with `text` translated in this class's context, "%1" replaced by `arg` when given.
+    void failWith(const char* text, const QString& arg = QString());
+    /// "Unexpected reply(%1)": the whole frame in hexadecimal when `reply` is
+    /// of the expected kind but did not parse, else its command byte.
+    void failUnexpected(const VRNMessage& reply);
+    /// Ends the run successfully.
+    void finish();
+
+    QScopedPointer<DeviceTaskPrivate> d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(DeviceTask)
+    Q_DISABLE_COPY(DeviceTask)
+};
+
+#endif // DEVICETASK_H

@@ -1,0 +1,60 @@
+#include "getgroupstask.h"
+#include "getgroupstask_p.h"
+
+#include "dts.h"
+
+GetGroupsTask::GetGroupsTask(Worker&, QObject* object, const Job& job, QObject* parent)
+    : ReadTask(object, job, parent, new GetGroupsTaskPrivate)
+{
+}
+
+GetGroupsTask::GetGroupsTask(QObject* object, QObject* parent)
+    : ReadTask(QStringLiteral("GetGroupsJob"), object, parent, new GetGroupsTaskPrivate)
+{
+}
+
+GetGroupsTask::~GetGroupsTask() = default;
+
+BusPendingCall GetGroupsTask::request(DTSStdProxy& node)
+{
+    Q_D(GetGroupsTask);
+    d->index = 0;
+    return node.getGroupAddr(d->index);
+}
+
+bool GetGroupsTask::parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy)
+{
+    Q_D(GetGroupsTask);
+    unsigned char index = 0;
+    unsigned int addr = 0;
+    if (!node.getGroupAddrReply(reply, index, addr) || index != d->index)
+        return false;
+    if (index == 0)
+        proxy.data().groups.clear();
+    proxy.data().groups.append(addr);
+    return true;
+}
+
+bool GetGroupsTask::isKnown(const StdConfigData& record) const
+{
+    return record.isGroupValid();
+}
+
+void GetGroupsTask::seed(const StdConfigData& from, StdConfigData& to) const
+{
+    to.data().groups = from.getConstData().groups;
+}
+
+bool GetGroupsTask::requestNext()
+{
+    Q_D(GetGroupsTask);
+    if (++d->index >= DTSStdProxy::GroupSlotCount)
+        return false;
+    watch(node()->getGroupAddr(d->index));
+    return true;
+}
+
+quint8 GetGroupsTask::expectedReply() const
+{
+    return DTS::PostGroupAddr;
+}

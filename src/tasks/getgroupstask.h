@@ -1,0 +1,34 @@
+#ifndef GETGROUPSTASK_H
+#define GETGROUPSTASK_H
+
+#include "readtask.h"
+
+class GetGroupsTaskPrivate;
+
+/// Reads the node's 16 group slots, index 0 first, one request each. Every
+/// reply is stored in the proxy record at once (slot 0 starts a new list),
+/// so a failure part-way keeps the slots read before it; after the 16th the
+/// local group list is seeded.
+class GetGroupsTask : public ReadTask<StdConfigData>
+{
+    Q_OBJECT
+
+public:
+    GetGroupsTask(Worker& worker, QObject* object, const Job& job, QObject* parent = nullptr);
+    explicit GetGroupsTask(QObject* object, QObject* parent = nullptr);
+    ~GetGroupsTask() override;
+
+protected:
+    BusPendingCall request(DTSStdProxy& node) override;
+    /// A reply for another slot than the one asked for does not parse.
+    bool parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy) override;
+    bool isKnown(const StdConfigData& record) const override;
+    void seed(const StdConfigData& from, StdConfigData& to) const override;
+    bool requestNext() override;
+    quint8 expectedReply() const override;
+
+private:
+    Q_DECLARE_PRIVATE(GetGroupsTask)
+};
+
+#endif // GETGROUPSTASK_H

@@ -1,0 +1,31 @@
+#ifndef OBJECTTASK_H
+#define OBJECTTASK_H
+
+#include "devicetask.h"
+#include "recordtraits.h"
+
+/// A device task on the objects that hold `Record`: `object()` is the
+/// object cast to that class (null when it is gone or of another class) and
+/// `node()` its proxy.
+template <class Record>
+class ObjectTask : public DeviceTask
+{
+public:
+    using Traits = RecordTraits<Record>;
+    using Object = typename Traits::Object;
+    using Proxy = typename Traits::Proxy;
+
+protected:
+    using DeviceTask::DeviceTask;
+
+    Object* object() const { return qobject_cast<Object*>(vrnObject()); }
+    Proxy* node() const
+    {
+        Object* o = object();
+        return o ? qobject_cast<Proxy*>(o->node()) : nullptr;
+    }
+    bool hasObject() const override { return object(); }
+    bool hasNode() const override { return node(); }
+};
+
+#endif // OBJECTTASK_H

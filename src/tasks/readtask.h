@@ -1,0 +1,71 @@
+#ifndef READTASK_H
+#define READTASK_H
+
+#include "objecttask.h"
+#include "vrnmessage.h"
+
+/// A task that reads a value from the device into the object's proxy record.
+///
+/// A reply that `parse()` accepts is written into a copy of the proxy record,
+/// which is stored back; then `requestNext()` may send a further request (a
+/// list read slot by slot), and when it does not, the seeding rule applies
+/// and the task finishes. Seeding: when the proxy's field is now known and the
+/// local one is not, the local record receives the value, so the first read
+/// fills the editable copy and a later read never overwrites a pending edit.
+/// A reply that does not parse fails with "Unexpected reply(%1)".
+///
+///     BusPendingCall request(DTSStdProxy& n) override { return n.getNodeLabel(); }
+///     bool parse(const DTSStdProxy& n, const BusMessage& m, StdConfigData& c) override
+///     { return n.getNodeLabelReply(m, c.data().label); }
+///     bool isKnown(const StdConfigData& c) const override { return c.isLabelValid(); }
+///     void seed(const StdConfigData& from, StdConfigData& to) const override
+///     { to.data().label = from.getConstData().label; }
+template <class Record>
+class ReadTask : public ObjectTask<Record>
+{
+public:
+    using typename ObjectTask<Record>::Traits;
+    using typename ObjectTask<Record>::Proxy;
+
+protected:
+    using ObjectTask<Record>::ObjectTask;
+
+    /// The task's (first) request.
+    virtual BusPendingCall request(Proxy& node) = 0;
+    void start() override { this->watch(request(*this->node())); }
+
+    /// Reads `reply` into `proxy`, a copy of the proxy record; false when the
+    /// reply does not parse. A task that fails for a reason of its own calls
+    /// `failWith()` first; the generic failure is then not added.
+    virtual bool parse(const Proxy& node, const BusMessage& reply, Record& proxy) = 0;
+    /// Whether the task's field of `record` is known.
+    virtual bool isKnown(const Record& record) const = 0;
+    /// Copies the task's field from `from` into `to`.
+    virtual void seed(const Record& from, Record& to) const = 0;
+    /// Sends the next request of a multi-step read and returns true; false
+    /// (the default) when the read is complete.
+    virtual bool requestNext() { return false; }
+
+    void onReply(const VRNMessage& reply) override
+    {
+        auto& object = *this->object();
+        Record proxy = Traits::proxy(object);
+        if (!parse(*this->node(), reply, proxy)) {
+            if (this->isRunning())
+                this->failUnexpected(reply);
+            return;
+        }
+        Traits::setProxy(object, proxy);
+        if (requestNext())
+            return;
+        proxy = Traits::proxy(object);
+        Record local = Traits::local(object);
+        if (isKnown(proxy) && !isKnown(local)) {
+            seed(proxy, local);
+            Traits::setLocal(object, local);
+        }
+        this->finish();
+    }
+};
+
+#endif // READTASK_H

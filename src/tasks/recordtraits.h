@@ -1,0 +1,47 @@
+#ifndef RECORDTRAITS_H
+#define RECORDTRAITS_H
+
+#include "dtsmotorproxy.h"
+#include "vrndcmotorobject.h"
+
+/// How a device task reaches the configuration records of one level: the
+/// object class that holds them, the node proxy it talks to, and the typed
+/// accessors of both records. Writes go through the object's merge, so a
+/// task stores whole copies and never edits a record in place.
+template <class Record>
+struct RecordTraits;
+
+template <>
+struct RecordTraits<StdConfigData>
+{
+    using Object = VRNStdObject;
+    using Proxy = DTSStdProxy;
+    static StdConfigData proxy(const Object& o) { return o.proxyStdConfig(); }
+    static StdConfigData local(const Object& o) { return o.localStdConfig(); }
+    static void setProxy(Object& o, const StdConfigData& r) { o.updateProxyStdConfig(r); }
+    static void setLocal(Object& o, const StdConfigData& r) { o.updateLocalStdConfig(r, false); }
+};
+
+template <>
+struct RecordTraits<MotorConfigData>
+{
+    using Object = VRNMotorObject;
+    using Proxy = DTSMotorProxy;
+    static MotorConfigData proxy(const Object& o) { return o.proxyMotorConfig(); }
+    static MotorConfigData local(const Object& o) { return o.localMotorConfig(); }
+    static void setProxy(Object& o, const MotorConfigData& r) { o.updateProxyMotorConfig(r); }
+    static void setLocal(Object& o, const MotorConfigData& r) { o.updateLocalMotorConfig(r, false); }
+};
+
+template <>
+struct RecordTraits<DCMotorConfigData>
+{
+    using Object = VRNDCMotorObject;
+    using Proxy = DTSMotorProxy;
+    static DCMotorConfigData proxy(const Object& o) { return o.proxyDCMotorConfig(); }
+    static DCMotorConfigData local(const Object& o) { return o.localDCMotorConfig(); }
+    static void setProxy(Object& o, const DCMotorConfigData& r) { o.updateProxyDCMotorConfig(r); }
+    static void setLocal(Object& o, const DCMotorConfigData& r) { o.updateLocalDCMotorConfig(r, false); }
+};
+
+#endif // RECORDTRAITS_H

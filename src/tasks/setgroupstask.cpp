@@ -1,0 +1,85 @@
+#include "setgroupstask.h"
+#include "setgroupstask_p.h"
+
+#include "setgrouptask.h"
+
+#include <QDebug>
+
+QList<unsigned int> SetGroupsTask::groupsFromVariant(const QVariant& value)
+{
+    QList<unsigned int> groups;
+    if (!value.canConvert<QVariantList>()) {
+        qWarning() << "[SetGroupsTask]: groups cannot be converted from qml";
+        return groups;
+    }
+    const QVariantList items = value.value<QVariantList>();
+    for (const QVariant& item : items) {
+        bool ok = false;
+        const unsigned int addr = item.toUInt(&ok);
+        if (ok)
+            groups.append(addr);
+        else
+            qWarning() << "[SetGroupsTask]: this item cannot be converted from qml";
+    }
+    return groups;
+}
+
+SetGroupsTask::SetGroupsTask(Worker&, QObject* object, const Job& job, QObject* parent)
+    : ObjectTask(object, job, parent, new SetGroupsTaskPrivate(groupsFromVariant(job.property("groups"))))
+{
+    connect(&d_func()->job, &Job::stateChanged, this, &SetGroupsTask::onJobStateChanged);
+}
+
+SetGroupsTask::SetGroupsTask(const QList<unsigned int>& groups, QObject* object, QObject* parent)
+    : ObjectTask(QStringLiteral("SetGroupsJob"), object, parent, new SetGroupsTaskPrivate(groups))
+{
+    connect(&d_func()->job, &Job::stateChanged, this, &SetGroupsTask::onJobStateChanged);
+}
+
+SetGroupsTask::~SetGroupsTask()
+{
+    // The inner job's last task must not report into a half-destroyed task.
+    d_func()->job.disconnect(this);
+}
+
+void SetGroupsTask::abort()
+{
+    Q_D(SetGroupsTask);
+    d->job.disconnect(this);
+    d->job.detach();
+    DeviceTask::abort();
+}
+
+void SetGroupsTask::start()
+{
+    Q_D(SetGroupsTask);
+    d->index = 0;
+    if (d->groups.isEmpty())
+        finish();
+    else
+        writeSlot();
+}
+
+void SetGroupsTask::writeSlot()
+{
+    Q_D(SetGroupsTask);
+    d->job.attach(new SetGroupTask(d->index, d->groups.at(d->index), object()));
+    d->job.start();
+}
+
+void SetGroupsTask::onJobStateChanged(Job::State state)
+{
+    Q_D(SetGroupsTask);
+    if (state != Job::Finished || !isRunning())
+        return;
+    if (d->job.error() != Job::NoError) {
+        fail(d->job.errorString());
+        return;
+    }
+    if (!checkObject())
+        return;
+    if (++d->index >= d->groups.size())
+        finish();
+    else
+        writeSlot();
+}
