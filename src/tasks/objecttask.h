@@ -6,7 +6,8 @@
 
 /// A device task on the objects that hold `Record`: `object()` is the
 /// object cast to that class (null when it is gone or of another class) and
-/// `node()` its proxy.
+/// `node()` its proxy. `start()` sends `request()`, the task's (first)
+/// request; a task that does something else overrides `start()` instead.
 template <class Record>
 class ObjectTask : public DeviceTask
 {
@@ -26,6 +27,13 @@ protected:
     }
     bool hasObject() const override { return object(); }
     bool hasNode() const override { return node(); }
+
+    virtual BusPendingCall request(Proxy& node)
+    {
+        Q_UNUSED(node)
+        return BusPendingCall::fromError(BusPendingCall::OtherError);
+    }
+    void start() override { watch(request(*node())); }
 };
 
 #endif // OBJECTTASK_H

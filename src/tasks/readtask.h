@@ -30,10 +30,6 @@ public:
 protected:
     using ObjectTask<Record>::ObjectTask;
 
-    /// The task's (first) request.
-    virtual BusPendingCall request(Proxy& node) = 0;
-    void start() override { this->watch(request(*this->node())); }
-
     /// Reads `reply` into `proxy`, a copy of the proxy record; false when the
     /// reply does not parse. A task that fails for a reason of its own calls
     /// `failWith()` first; the generic failure is then not added.

@@ -13,14 +13,9 @@ class WriteTask : public ObjectTask<Record>
 {
 public:
     using typename ObjectTask<Record>::Traits;
-    using typename ObjectTask<Record>::Proxy;
 
 protected:
     using ObjectTask<Record>::ObjectTask;
-
-    /// The task's (first) request.
-    virtual BusPendingCall request(Proxy& node) = 0;
-    void start() override { this->watch(request(*this->node())); }
 
     /// Writes the task's parameters into `local`; false (the default) when
     /// the task leaves the records alone.

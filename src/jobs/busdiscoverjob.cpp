@@ -1,0 +1,8 @@
+#include "busdiscoverjob.h"
+
+BusDiscoverJob::BusDiscoverJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+BusDiscoverJob::~BusDiscoverJob() = default;

@@ -1,0 +1,8 @@
+#include "getfwversionjob.h"
+
+GetFwVersionJob::GetFwVersionJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetFwVersionJob::~GetFwVersionJob() = default;

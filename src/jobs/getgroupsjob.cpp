@@ -1,0 +1,8 @@
+#include "getgroupsjob.h"
+
+GetGroupsJob::GetGroupsJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetGroupsJob::~GetGroupsJob() = default;

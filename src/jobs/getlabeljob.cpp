@@ -1,0 +1,8 @@
+#include "getlabeljob.h"
+
+GetLabelJob::GetLabelJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetLabelJob::~GetLabelJob() = default;

@@ -1,0 +1,90 @@
+#ifndef TASKFIXTURE_H
+#define TASKFIXTURE_H
+
+// Shared set-up of the task tests: a loopback wire with simulated nodes,
+// short bus timings, a record of the requests sent, and a scripted peer for
+// replies no well-behaved node gives.
+
+#include "job.h"
+#include "simnetwork.h"
+#include "vrnloopbackbus.h"
+#include "vrnmessage.h"
+
+#include <QList>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+
+namespace TaskFixture {
+
+/// A loopback bus that can hand any frame to the waiting call, as a bus of
+/// another make might: lets a task meet a reply that is no valid message.
+class TestBus : public VRNLoopbackBus
+{
+public:
+    bool acceptAnyFrame = false;
+
+protected:
+    bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override
+    {
+        return acceptAnyFrame || VRNLoopbackBus::isReplyTo(request, frame);
+    }
+};
+
+/// A frame node `src` sends to the tool.
+inline QByteArray nodeFrame(quint8 cmd, VRN::Addr src, const QByteArray& payload = QByteArray())
+{
+    VRNMessage m(cmd, src, VRN::getNumber(VRN::ToolAddr), VRN::AddrNode, payload);
+    m.prepare();
+    return m.data();
+}
+
+/// The wire and what travels on it.
+struct Wire
+{
+    /// Owned by the wire unless someone takes it over (the bus factory).
+    QPointer<TestBus> bus = new TestBus;
+    SimNetwork net{11};
+    /// Requests written, in order.
+    QList<VRNMessage> sent;
+    /// Answers injected, one per request, instead of (or before) the nodes'.
+    QList<QByteArray> script;
+
+    Wire()
+    {
+        bus->setTimeout(40);
+        bus->setBroadcastWindow(20);
+        net.setReplyWindow(8);
+        net.attach(bus);
+        bus->open();
+        QObject::connect(bus, &Bus::messageSent, [this](const BusMessage& m) { sent.append(VRNMessage(m)); });
+        QObject::connect(bus, &VRNLoopbackBus::transmitted, [this](const QByteArray&) {
+            if (script.isEmpty())
+                return;
+            const QByteArray reply = script.takeFirst();
+            QTimer::singleShot(0, bus, [this, reply] { bus->inject(reply); });
+        });
+    }
+    ~Wire() { delete bus.data(); }
+
+    /// Requests of code `cmd` sent so far.
+    QList<VRNMessage> sentOf(quint8 cmd) const
+    {
+        QList<VRNMessage> out;
+        for (const VRNMessage& m : sent) {
+            if (m.cmd() == cmd)
+                out.append(m);
+        }
+        return out;
+    }
+};
+
+/// Waits for the end of `job`'s run; false when it does not end.
+inline bool waitEnd(const Job& job, int ms = 3000)
+{
+    return QTest::qWaitFor([&] { return job.state() == Job::Finished || job.state() == Job::Idle; }, ms);
+}
+
+} // namespace TaskFixture
+
+#endif // TASKFIXTURE_H
