@@ -211,6 +211,7 @@ void BusDiscoverTask::nodeSetDiscover()
         qWarning() << "[BusDiscoverTask]: " << "failed to retrieve objectWorker";
     }
     d->idleRounds = d->newNodeFound ? 0 : d->idleRounds + 1;
+    Q_EMIT roundFinished(++d->rounds, d->discovered.size());
     Q_EMIT stateNext();
 }
 

@@ -48,6 +48,9 @@ public:
 Q_SIGNALS:
     void stateNext();
     void resultChanged();
+    /// After each round of address collection and marking: the rounds run
+    /// so far and the nodes found so far (for a progress display).
+    void roundFinished(int round, int nodesFound);
 
 private Q_SLOTS:
     void setDeafMode();

@@ -43,6 +43,7 @@ public:
     QMap<unsigned int, unsigned int> discovered;
     bool newNodeFound = false;
     int idleRounds = 0;
+    int rounds = 0;
     /// The factory holds workers weakly: the worker running `nodeJob` is
     /// kept alive here until the next node's worker replaces it.
     QSharedPointer<VRNObjectWorker> nodeWorker;

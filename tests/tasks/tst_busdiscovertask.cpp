@@ -53,6 +53,8 @@ private slots:
 private:
     /// Runs a discovery on the bus worker; the result, or nothing when it failed.
     UuidList discover(QString* error = nullptr);
+    /// (round, nodes found) of every round of the last discovery.
+    QList<QPair<int, int>> m_rounds;
     int rows() const;
     /// Device type and node id of the row of `uuid`.
     QPair<int, unsigned int> row(unsigned int uuid) const;
@@ -91,6 +93,11 @@ void tst_BusDiscoverTask::cleanup()
 UuidList tst_BusDiscoverTask::discover(QString* error)
 {
     BusDiscoverJob job;
+    m_rounds.clear();
+    connect(&job, &Job::started, this, [this, &job] {
+        connect(qobject_cast<BusDiscoverTask*>(job.task()), &BusDiscoverTask::roundFinished, this,
+                [this](int round, int found) { m_rounds.append({round, found}); });
+    });
     if (!BusFactory::instance()->busWorker()->queue()->enqueue(job, 0) || !waitEnd(job, 20000))
         return {};
     if (error)
@@ -153,6 +160,7 @@ void tst_BusDiscoverTask::nodesOverSeveralRounds()
     QCOMPARE(rows(), 4);
     // A new node in round 2 restarts the count: four quiet rounds after it.
     QCOMPARE(m_wire->sentOf(DTS::GetNodeAddr).size(), 6);
+    QCOMPARE(m_rounds, (QList<QPair<int, int>>{{1, 3}, {2, 4}, {3, 4}, {4, 4}, {5, 4}, {6, 4}}));
     // In address order: motor (type 1), TX30 (2), keypad (3), LRU50 (7).
     QCOMPARE(row(found.at(0)), qMakePair(int(VRNObject::DtsMotor), 0x000101u));
     QCOMPARE(row(found.at(1)), qMakePair(int(VRNObject::TX30), 0x000104u));
