@@ -72,8 +72,39 @@ void ObjectQueryModelPrivate::updateRowCount()
 
 void ObjectQueryModelPrivate::ensurePage(int viewRow)
 {
-    if (!inPage(viewRow))
-        select(qMax(0, viewRow - int(PageMargin)), false);
+    if (inPage(viewRow))
+        return;
+    const int target = qMax(0, viewRow - int(PageMargin));
+    if (!inPage(target) || !seekPage(target))
+        select(target, false);
+}
+
+bool ObjectQueryModelPrivate::seekPage(int target)
+{
+    // Scrolling on from the page: its row `target` starts the next page.
+    // Looking that row up by its sort key reads the same 100 rows as an
+    // OFFSET, without stepping over every row before them. NULL keys and
+    // the computed duplicate count have no index to look up: OFFSET then.
+    if (sortColumn == ObjectFactory::NbOccurColumn)
+        return false;
+    const QSqlRecord first = page.record(target - offset);
+    const QVariant key = first.value(int(sortColumn));
+    if (key.isNull())
+        return false;
+    const bool label = sortColumn == ObjectFactory::LabelColumn;
+    const QString s = label ? QStringLiteral("lower(label)") : sortColumnName();
+    const QString k = label ? QStringLiteral("lower(?)") : QStringLiteral("?");
+    QSqlQuery query(db);
+    query.prepare(QStringLiteral("SELECT * FROM %1 WHERE %2 >= %3 AND (%2 > %3 OR uuid >= ?) LIMIT 100")
+                      .arg(viewName, s, k));
+    query.addBindValue(key);
+    query.addBindValue(key);
+    query.addBindValue(first.value(int(ObjectFactory::UuidColumn)));
+    if (!query.exec())
+        return false;
+    page.setQuery(query);
+    offset = target;
+    return true;
 }
 
 int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)

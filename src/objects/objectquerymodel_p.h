@@ -20,6 +20,9 @@ public:
     void updateRowCount();
     /// Re-reads the page when `viewRow` lies outside it, centred on the row.
     void ensurePage(int viewRow);
+    /// Reads the page starting at view row `target`, which the current page
+    /// holds, by the row's sort key; false when it cannot.
+    bool seekPage(int target);
     bool inPage(int viewRow) const { return viewRow >= offset && viewRow < offset + PageSize; }
     /// Model row of a view row and back: the same mirror both ways.
     int mapRow(int row) const { return sortOrder == Qt::AscendingOrder ? row : rowCount - row - 1; }
