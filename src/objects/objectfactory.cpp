@@ -306,7 +306,11 @@ bool ObjectFactory::save(VRNObject* object)
         return false;
     }
     query.prepare(QStringLiteral("UPDATE Devices SET nodeID = ?, type = ?, label = ? WHERE uuid = ?"));
-    query.addBindValue(object->address());
+    // The row keeps the node number; the address's top byte is the class's
+    // node type, which the row's type column already says. Number 0 stays
+    // NULL, as at creation.
+    const quint32 nodeNumber = VRN::getNumber(object->address());
+    query.addBindValue(nodeNumber ? QVariant(nodeNumber) : QVariant(QVariant::UInt));
     query.addBindValue(int(object->type()));
     // An unknown label is written as an empty text, never as NULL.
     query.addBindValue(label.isNull() ? QStringLiteral("") : label);

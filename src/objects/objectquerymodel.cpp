@@ -138,7 +138,8 @@ int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
 void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow)
 {
     Q_Q(ObjectQueryModel);
-    if (!firstOfNode.exec(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID=%1;").arg(address))) {
+    // Rows hold node numbers: the type byte of the address plays no part.
+    if (!firstOfNode.exec(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID=%1;").arg(VRN::getNumber(address)))) {
         qWarning() << "[ObjectQueryModel]: unexpected sql failure"
                    << "(refreshDoublonInfo):" << firstOfNode.lastError().text();
         return;
@@ -308,7 +309,7 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     if (selected) {
         ObjectSelectionModel* selection = selectionModel();
         selection->clear();
-        selection->addItems(ObjectFactory::NodeIDColumn, object->address());
+        selection->addItems(ObjectFactory::NodeIDColumn, VRN::getNumber(object->address()));
     }
 }
 

@@ -224,7 +224,7 @@ private slots:
         QCOMPARE(changed.count(), 1);
         QSqlQuery row = sql(QStringLiteral("SELECT nodeID, type, label, serialNumber FROM Devices WHERE uuid = ?"), {obj->uuid()});
         QVERIFY(row.next());
-        QCOMPARE(row.value(0).toUInt(), obj->address());
+        QCOMPARE(row.value(0).toUInt(), 8u); // the node number, not the typed address
         QCOMPARE(row.value(1).toInt(), int(VRNObject::DtsStd));
         QVERIFY(!row.value(2).isNull()); // an unknown label is stored as empty text
         QCOMPARE(row.value(2).toString(), QString());

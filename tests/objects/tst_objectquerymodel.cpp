@@ -218,17 +218,16 @@ private slots:
         QCOMPARE(at(3, ObjectQueryModel::NodeIDRole).toInt(), 1);
     }
 
-    // A device's duplicates are looked up by its address; a plain VRNObj has
-    // node type 0, so its address is the node id stored in its row.
+    // Duplicates are counted by node number, whatever the device's type.
     void duplicatesCountAndAnnounce()
     {
         makeModel();
         auto first = factory->createObject(VRNObject::DtsStd, 0x42, false);
         factory->createObject(VRNObject::DtsStd, 0x41, false);
         QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
-        auto second = factory->createObject(VRNObject::VRNObj, 0x42, false);
+        auto second = factory->createObject(VRNObject::DtsMotor, 0x42, false);
         QVERIFY(second);
-        QCOMPARE(second->address(), VRN::Addr(0x42));
+        QCOMPARE(VRN::getNumber(second->address()), 0x42u);
 
         QCOMPARE(model->rowCount(), 3);
         QCOMPARE(at(0, ObjectQueryModel::NbOccurRole).toInt(), 1);
@@ -252,7 +251,7 @@ private slots:
         auto first = factory->createObject(VRNObject::DtsStd, 0x43, false);
         factory->createObject(VRNObject::DtsStd, 7, false);
         QSignalSpy selectionChanged(model, &ObjectQueryModel::selectionChanged);
-        auto second = factory->createObject(VRNObject::VRNObj, 0x43, true);
+        auto second = factory->createObject(VRNObject::LRU50, 0x43, true);
         ObjectSelectionModel* selection = model->selectionModel();
         QCOMPARE(selection->deviceTable(), model->viewName());
         QCOMPARE(selection->toList(), (QList<VRNObject::UUID>{first->uuid(), second->uuid()}));
@@ -262,8 +261,6 @@ private slots:
     void changeAnnouncesTheLabel()
     {
         insertDevices(3);
-        // Node type 0: save writes back the same node id, the row stays put.
-        sql(QStringLiteral("UPDATE Devices SET type = 0"));
         makeModel();
         QCOMPARE(at(1, ObjectQueryModel::LabelRole).toString(), QString());
         auto obj = factory->object(2);
