@@ -115,7 +115,7 @@ void ObjectFactoryPrivate::init()
         warnSql("failed to create DevicesGroups database", query);
     // The list views sort on these columns and find a row's position by
     // counting over them; labels sort without regard to case.
-    for (const char* index : {"devicesNodeIDIndex ON Devices(nodeID)", "devicesTypeIndex ON Devices(type)",
+    for (const char* index : {"devicesNodeIDIndex ON Devices(nodeID)", "devicesNodeTypeIndex ON Devices(nodeID, type)", "devicesTypeIndex ON Devices(type)",
                               "devicesLabelIndex ON Devices(label)", "devicesLowerLabelIndex ON Devices(lower(label))",
                               "devicesSerialNumberIndex ON Devices(serialNumber)"}) {
         if (!query.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ") + QLatin1String(index)))

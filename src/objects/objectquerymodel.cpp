@@ -135,7 +135,7 @@ int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
     return count > 0 ? count - 1 : -1;
 }
 
-void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow)
+void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh)
 {
     Q_Q(ObjectQueryModel);
     // Rows hold node numbers: the type byte of the address plays no part.
@@ -154,7 +154,8 @@ void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::U
     const int v = knownRow >= 0 && first == known ? knownRow : indexOf(first);
     if (v < 0)
         return;
-    if (inPage(v))
+    // A page read by the caller a moment ago already shows the new count.
+    if (inPage(v) && !pageFresh)
         select(offset, false);
     const QModelIndex index = q->index(mapRow(v), 0);
     emit q->dataChanged(index, index, {ObjectQueryModel::NbOccurRole});
@@ -294,18 +295,21 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     if (!object)
         return;
     const int v = d->indexOf(object->uuid());
+    bool pageFresh = false;
     if (v >= 0) {
         // Qt wants the new count only between begin and end: map with it.
         const int row = d->sortOrder == Qt::AscendingOrder ? v : d->rowCount - v;
         beginInsertRows(QModelIndex(), row, row);
         ++d->rowCount;
-        if (v < d->offset)
+        if (v < d->offset) {
             ++d->offset;
-        else if (v < d->offset + ObjectQueryModelPrivate::PageSize)
+        } else if (v < d->offset + ObjectQueryModelPrivate::PageSize) {
             d->select(d->offset, false);
+            pageFresh = true;
+        }
         endInsertRows();
     }
-    d->refreshDoublonInfo(object->address(), object->uuid(), v);
+    d->refreshDoublonInfo(object->address(), object->uuid(), v, pageFresh);
     if (selected) {
         ObjectSelectionModel* selection = selectionModel();
         selection->clear();

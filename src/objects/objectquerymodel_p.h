@@ -27,7 +27,7 @@ public:
     /// Model row of a view row and back: the same mirror both ways.
     int mapRow(int row) const { return sortOrder == Qt::AscendingOrder ? row : rowCount - row - 1; }
     int indexOf(VRNObject::UUID uuid);
-    void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow);
+    void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh = false);
     QString sortColumnName() const;
 
     ObjectQueryModel* q_ptr;
