@@ -1,0 +1,26 @@
+#include "busfactory.h"
+#include "objectfactory.h"
+#include "settings.h"
+#include "vrnconfigcli.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    // The library's traces are for developers; VRNCONFIG_DEBUG=1 shows them.
+    if (qEnvironmentVariableIsEmpty("VRNCONFIG_DEBUG"))
+        QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Velmo"));
+    QCoreApplication::setApplicationName(QStringLiteral("vrnconfig"));
+    VrnConfigCli cli;
+    QObject::connect(&cli, &VrnConfigCli::done, &app, &QCoreApplication::exit, Qt::QueuedConnection);
+    const int code = cli.start(app.arguments()) ? app.exec() : cli.exitCode();
+    // Closing in this order ends the bus's calls, stores the registry and
+    // writes the settings to disk.
+    ObjectFactory::destroy();
+    BusFactory::destroy();
+    Settings::destroy();
+    return code;
+}
