@@ -1,0 +1,195 @@
+// vrnconfig end to end: the simulator on its own multicast group, the tool
+// run as a user would, settings and registry in a temporary folder.
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TstVrnConfig : public QObject
+{
+    Q_OBJECT
+
+    struct Result
+    {
+        int code = -1;
+        QByteArray out;
+        QByteArray err;
+    };
+
+    QTemporaryDir m_home;
+    QProcess m_sim;
+    QString m_bus;
+
+    Result run(const QStringList& args)
+    {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
+        p.setProcessEnvironment(env);
+        p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QStringLiteral("200")} + args);
+        if (!p.waitForFinished(30000))
+            p.kill();
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
+                p.readAllStandardError()};
+    }
+
+    QJsonArray jsonArray(const QByteArray& out) { return QJsonDocument::fromJson(out).array(); }
+    QJsonObject jsonLine(const QByteArray& out, int line = 0)
+    {
+        return QJsonDocument::fromJson(out.split('\n').value(line)).object();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_home.isValid());
+        m_sim.start(qEnvironmentVariable("VRNSIM"),
+                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.3:47703"), QStringLiteral("--bind"),
+                     QStringLiteral("127.0.0.1"), QStringLiteral("--devices"), QStringLiteral("std:3,motor:2,tx30:1"),
+                     QStringLiteral("--duplicates"), QStringLiteral("1"), QStringLiteral("--seed"), QStringLiteral("5")});
+        QVERIFY(m_sim.waitForStarted(5000));
+        QVERIFY(m_sim.waitForReadyRead(5000));
+        m_bus = QString::fromLatin1(m_sim.readLine()).trimmed();
+        QVERIFY(m_bus.startsWith(QLatin1String("mcast:")));
+    }
+
+    void cleanupTestCase()
+    {
+        m_sim.terminate();
+        m_sim.waitForFinished(5000);
+    }
+
+    // Runs in declaration order: each step works on what the previous left.
+    void withoutBusEveryDeviceCommandFailsCleanly()
+    {
+        const Result r = run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        QVERIFY(r.err.startsWith("vrnconfig: no bus"));
+    }
+
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::newRow("no command") << QStringList();
+        QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")};
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("--frob"), QStringLiteral("list")};
+        QTest::newRow("bad sort") << QStringList{QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("colour")};
+        QTest::newRow("bad node number") << QStringList{QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("node:0xZZ")};
+        QTest::newRow("node number too big") << QStringList{QStringLiteral("forget"), QStringLiteral("node:0x1000000")};
+        QTest::newRow("unknown device") << QStringList{QStringLiteral("forget"), QStringLiteral("4242")};
+        QTest::newRow("label too long") << QStringList{QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("1"),
+                                                       QStringLiteral("seventeen bytes!!")};
+        QTest::newRow("bad group") << QStringList{QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
+                                                  QStringLiteral("0x1000000")};
+        QTest::newRow("not a bus") << QStringList{QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")};
+    }
+    void usageErrors()
+    {
+        QFETCH(QStringList, args);
+        const Result r = run(args);
+        QCOMPARE(r.code, 2);
+        QVERIFY2(r.err.startsWith("vrnconfig: ") && r.err.count('\n') == 1, r.err.constData());
+    }
+
+    void openDiscoverList()
+    {
+        Result r = run({QStringLiteral("open"), m_bus});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(QString::fromLatin1(r.out).trimmed(), m_bus);
+
+        r = run({QStringLiteral("--json"), QStringLiteral("discover")});
+        QCOMPARE(r.code, 0);
+        const QJsonArray found = jsonArray(r.out);
+        // Six nodes, one more answering with a number already present: one row.
+        QCOMPARE(found.size(), 6);
+
+        r = run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("nodeid")});
+        QCOMPARE(r.code, 0);
+        const QJsonArray rows = jsonArray(r.out);
+        QCOMPARE(rows.size(), 6);
+        int previous = -1;
+        for (const QJsonValue& row : rows) {
+            const QJsonObject o = row.toObject();
+            for (const char* key : {"uuid", "nodeID", "type", "typeName", "label", "serialNumber", "nbOccur"})
+                QVERIFY2(o.contains(QLatin1String(key)), key);
+            QVERIFY(o.value(QStringLiteral("nodeID")).toInt() > previous);
+            previous = o.value(QStringLiteral("nodeID")).toInt();
+        }
+
+        // A second discovery of the same network registers nothing new.
+        r = run({QStringLiteral("--json"), QStringLiteral("discover")});
+        QCOMPARE(r.code, 0);
+        r = run({QStringLiteral("--json"), QStringLiteral("list")});
+        QCOMPARE(jsonArray(r.out).size(), 6);
+    }
+
+    void getAndSetLabel()
+    {
+        const QJsonObject first = jsonArray(run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"),
+                                                 QStringLiteral("nodeid")}).out).first().toObject();
+        const QString uuid = QString::number(first.value(QStringLiteral("uuid")).toInt());
+        const QString node = QStringLiteral("node:0x%1").arg(first.value(QStringLiteral("nodeID")).toInt(), 0, 16);
+
+        Result r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), uuid});
+        QCOMPARE(r.code, 0);
+        QJsonObject o = jsonLine(r.out);
+        QCOMPARE(o.value(QStringLiteral("ok")).toBool(), true);
+        const QString before = o.value(QStringLiteral("label")).toString();
+        QVERIFY(!before.isEmpty());
+
+        r = run({QStringLiteral("set"), QStringLiteral("label"), node, QStringLiteral("Hall 2")});
+        QCOMPARE(r.code, 0);
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), node});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(jsonLine(r.out).value(QStringLiteral("label")).toString(), QStringLiteral("Hall 2"));
+
+        // The registry keeps what was read.
+        r = run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("label")});
+        bool listed = false;
+        for (const QJsonValue& row : jsonArray(r.out))
+            listed |= row.toObject().value(QStringLiteral("label")).toString() == QLatin1String("Hall 2");
+        QVERIFY(listed);
+    }
+
+    void groupsRoundTrip()
+    {
+        Result r = run({QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"), QStringLiteral("0x0F0001"),
+                        QStringLiteral("7")});
+        QCOMPARE(r.code, 0);
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("1")});
+        QCOMPARE(r.code, 0);
+        const QJsonArray groups = jsonLine(r.out).value(QStringLiteral("groups")).toArray();
+        QCOMPARE(groups.size(), 16);
+        QCOMPARE(groups.at(0).toInt(), 0x0F0001);
+        QCOMPARE(groups.at(1).toInt(), 7);
+    }
+
+    // One device that no longer answers fails; the others are still read.
+    void failingDeviceGivesExitOne()
+    {
+        Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), QStringLiteral("mcast:239.255.77.4:47704:127.0.0.1"),
+                        QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1"), QStringLiteral("2")});
+        QCOMPARE(r.code, 1);
+        QCOMPARE(jsonLine(r.out, 0).value(QStringLiteral("error")).toString(), QStringLiteral("Timeout error"));
+        QCOMPARE(jsonLine(r.out, 1).value(QStringLiteral("ok")).toBool(), false);
+        // --bus served that run only: the remembered bus still answers.
+        r = run({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1")});
+        QCOMPARE(r.code, 0);
+    }
+
+    void forgetRemovesRows()
+    {
+        Result r = run({QStringLiteral("forget"), QStringLiteral("1")});
+        QCOMPARE(r.code, 0);
+        r = run({QStringLiteral("--json"), QStringLiteral("list")});
+        QCOMPARE(jsonArray(r.out).size(), 5);
+        QCOMPARE(run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("1")}).code, 2);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstVrnConfig)
+#include "tst_vrnconfig.moc"
