@@ -29,7 +29,8 @@ void BusPrivate::pump()
         }
         current = call;
         call->broadcast = q->isBroadcast(call->request);
-        timer->start(call->broadcast ? broadcastWindow : timeout);
+        windowClock.start();
+        timer->start(call->broadcast ? broadcastSpan() : timeout);
         emit q->messageSent(call->request);
         if (current == call && !q->writeFrame(call->request))
             finishCurrent(BusPendingCall::WriteError);
@@ -48,6 +49,14 @@ void BusPrivate::frameReceived(const BusMessage& frame)
     current->replies.append(frame);
     if (!current->broadcast)
         finishCurrent(BusPendingCall::NoError);
+    else if (broadcastQuietTime > 0)
+        timer->start(broadcastSpan());
+}
+
+int BusPrivate::broadcastSpan() const
+{
+    const int rest = qMax(0, broadcastWindow - int(windowClock.elapsed()));
+    return broadcastQuietTime > 0 ? qMin(broadcastQuietTime, rest) : rest;
 }
 
 void BusPrivate::onTimer()
@@ -141,6 +150,8 @@ int Bus::timeout() const { return d_func()->timeout; }
 void Bus::setTimeout(int ms) { d_func()->timeout = qMax(0, ms); }
 int Bus::broadcastWindow() const { return d_func()->broadcastWindow; }
 void Bus::setBroadcastWindow(int ms) { d_func()->broadcastWindow = qMax(0, ms); }
+int Bus::broadcastQuietTime() const { return d_func()->broadcastQuietTime; }
+void Bus::setBroadcastQuietTime(int ms) { d_func()->broadcastQuietTime = qMax(0, ms); }
 
 int Bus::pendingCount() const
 {

@@ -26,6 +26,7 @@ class Bus : public QObject
     Q_OBJECT
     Q_PROPERTY(int timeout READ timeout WRITE setTimeout)
     Q_PROPERTY(int broadcastWindow READ broadcastWindow WRITE setBroadcastWindow)
+    Q_PROPERTY(int broadcastQuietTime READ broadcastQuietTime WRITE setBroadcastQuietTime)
 public:
     explicit Bus(QObject* parent = nullptr);
     ~Bus() override;
@@ -47,6 +48,12 @@ public:
     /// Time a broadcast call collects replies, in milliseconds (1000 by default).
     int broadcastWindow() const;
     void setBroadcastWindow(int ms);
+    /// When not 0, a broadcast also ends once the line has been quiet this
+    /// long, counted from the request and then from each reply: devices that
+    /// answer within a known time let a round end as soon as they are done.
+    /// 0 (default): a broadcast always takes its whole window.
+    int broadcastQuietTime() const;
+    void setBroadcastQuietTime(int ms);
     /// Calls queued or on the wire.
     int pendingCount() const;
 

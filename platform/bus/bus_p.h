@@ -5,6 +5,7 @@
 #include "bus.h"
 #include "buspendingcall_p.h"
 
+#include <QElapsedTimer>
 #include <QQueue>
 
 class QTimer;
@@ -29,6 +30,9 @@ public:
     /// Ends every call, on the wire and waiting, with `code`.
     void finishAll(BusPendingCall::Error code);
     bool cancel(const CallPtr& call);
+    /// Time left for the broadcast on the wire: the rest of its window, or
+    /// less when the line has to stay quiet only `broadcastQuietTime`.
+    int broadcastSpan() const;
     /// "[ClassName]:" of the concrete bus, for log lines.
     QString logPrefix() const;
 
@@ -39,6 +43,8 @@ public:
     QString errorString;
     int timeout = 500;
     int broadcastWindow = 1000;
+    int broadcastQuietTime = 0;
+    QElapsedTimer windowClock;
     bool open = false;
     bool pumpScheduled = false;
 };

@@ -46,6 +46,7 @@ private slots:
     void unicastTimesOut();
     void broadcastCollectsEveryReplyInWindow_data();
     void broadcastCollectsEveryReplyInWindow();
+    void broadcastEndsWhenTheLineStaysQuiet();
     void callsGoOutOneAtATimeInSubmissionOrder();
     void waitingCallsEndOnceWhenBusGoes_data();
     void waitingCallsEndOnceWhenBusGoes();
@@ -172,6 +173,26 @@ void tst_Bus::broadcastCollectsEveryReplyInWindow()
     request.prepare();
     Watched& w = watch(bus->call(request));
 
+    QTRY_COMPARE(w.spy.count(), 1);
+    QCOMPARE(w.watcher.error(), BusPendingCall::NoError);
+    QCOMPARE(w.watcher.replies(), sent);
+}
+
+// A window far longer than the test may wait: only the quiet gap ends it, and
+// replies spaced by less than the gap all count.
+void tst_Bus::broadcastEndsWhenTheLineStaysQuiet()
+{
+    bus->setBroadcastWindow(60000);
+    bus->setBroadcastQuietTime(80);
+    QList<BusMessage> sent;
+    answerEach([&](const VRNMessage&) {
+        for (int n = 1; n <= 4; ++n) {
+            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            sent.append(BusMessage(frame));
+            QTimer::singleShot(n * 30, bus, [this, frame] { bus->inject(frame); });
+        }
+    });
+    Watched& w = watch(bus->call(broadcast()));
     QTRY_COMPARE(w.spy.count(), 1);
     QCOMPARE(w.watcher.error(), BusPendingCall::NoError);
     QCOMPARE(w.watcher.replies(), sent);

@@ -498,6 +498,9 @@ bool VrnConfigCli::openBus()
         Settings::instance()->setValue(QStringLiteral("lastBusUUID"), remembered);
     if (m_timeout > 0)
         buses->bus()->setTimeout(m_timeout);
+    // Nodes answer a broadcast within a short spread: a round ends once the
+    // line has been quiet a little longer than that, not after a fixed window.
+    buses->bus()->setBroadcastQuietTime(300);
     return true;
 }
 
