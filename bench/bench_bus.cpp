@@ -10,13 +10,14 @@
 #include "vrnmcastbus.h"
 #include "vrnmessage.h"
 
+#include "benchclock.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QHostAddress>
 #include <QProcess>
 #include <QTimer>
 
-#include <sys/resource.h>
 
 #include <cstdio>
 #include <functional>
@@ -24,14 +25,6 @@
 #include <vector>
 
 namespace {
-
-double cpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    auto seconds = [](const timeval& t) { return double(t.tv_sec) + double(t.tv_usec) / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
 
 struct Measure
 {

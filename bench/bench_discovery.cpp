@@ -16,6 +16,8 @@
 #include "vrnobjectworker.h"
 #include "workqueue.h"
 
+#include "benchclock.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLoggingCategory>
@@ -24,20 +26,11 @@
 #include <QSqlDatabase>
 #include <QStandardPaths>
 
-#include <sys/resource.h>
 
 #include <cstdio>
 #include <memory>
 
 namespace {
-
-double cpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    auto seconds = [](const timeval& t) { return double(t.tv_sec) + double(t.tv_usec) / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
 
 void spin(const bool& done)
 {
