@@ -504,37 +504,37 @@ bool VrnConfigCli::openBus()
     return true;
 }
 
-bool VrnConfigCli::resolveDevices(const QStringList& specs, QList<VRNObject::UUID>& uuids)
+bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids)
 {
     ObjectFactory* factory = ObjectFactory::instance();
-    for (const QString& spec : specs) {
+    for (const QString& word : words) {
         QList<VRNObject::UUID> found;
-        if (spec == QLatin1String("all")) {
+        if (word == QLatin1String("all")) {
             ObjectQueryModel* model = factory->createQueryModel(this);
             model->setSort(ObjectQueryModel::UuidRole, Qt::AscendingOrder);
             found = model->toList();
             delete model;
-        } else if (spec.startsWith(QLatin1String("node:"))) {
+        } else if (word.startsWith(QLatin1String("node:"))) {
             quint32 node = 0;
-            if (!parseNumber(spec.mid(5), 0xFFFFFF, node)) {
-                fail(Usage, tr("bad node number: %1").arg(spec));
+            if (!parseNumber(word.mid(5), 0xFFFFFF, node)) {
+                fail(Usage, tr("bad node number: %1").arg(word));
                 return false;
             }
             ObjectSelectionModel selection(factory->database());
             selection.addItems(ObjectFactory::NodeIDColumn, node);
             found = selection.toList();
             if (found.isEmpty()) {
-                fail(Usage, tr("unknown device: %1").arg(spec));
+                fail(Usage, tr("unknown device: %1").arg(word));
                 return false;
             }
         } else {
             quint32 uuid = 0;
-            if (!parseNumber(spec, 0xFFFFFFFE, uuid)) {
-                fail(Usage, tr("bad device: %1 (a uuid, node:NUMBER or all)").arg(spec));
+            if (!parseNumber(word, 0xFFFFFFFE, uuid)) {
+                fail(Usage, tr("bad device: %1 (a uuid, node:NUMBER or all)").arg(word));
                 return false;
             }
             if (!factory->object(uuid)) {
-                fail(Usage, tr("unknown device: %1").arg(spec));
+                fail(Usage, tr("unknown device: %1").arg(word));
                 return false;
             }
             found << uuid;

@@ -50,7 +50,7 @@ private:
 
     bool openDatabase();
     bool openBus();
-    bool resolveDevices(const QStringList& specs, QList<VRNObject::UUID>& uuids);
+    bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
     void runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
                       const ValueReader& readValue, bool store);
     void printDevices(const QList<VRNObject::UUID>& uuids);
