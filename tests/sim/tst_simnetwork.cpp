@@ -1,9 +1,8 @@
 // The virtual network: device lists, seeding, duplicates, answer timing and
-// faults, line time, the frame splitter, and a call through the loopback bus.
+// faults, line time, the frame splitter, and what it attaches to.
 #include "dts.h"
 #include "simframesplitter.h"
 #include "simnetwork.h"
-#include "vrnloopbackbus.h"
 #include "vrnmessage.h"
 
 #include <QtTest>
@@ -37,7 +36,7 @@ private slots:
     void faultStatistics();
     void lineTime();
     void silentNodes();
-    void loopbackBus();
+    void attachRefusesOtherObjects();
     void splitter_data();
     void splitter();
 };
@@ -267,25 +266,13 @@ void tst_SimNetwork::silentNodes()
              net.nodes().at(2)->address());
 }
 
-// In process: a call on the loopback bus is answered by the node.
-void tst_SimNetwork::loopbackBus()
+// Calls through the loopback bus are covered by the proxy exchange tests.
+void tst_SimNetwork::attachRefusesOtherObjects()
 {
-    VRNLoopbackBus bus;
-    bus.setTimeout(300);
-    QVERIFY(bus.open());
     SimNetwork net(8);
-    QVERIFY(net.attach(&bus));
     QObject other;
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[SimNetwork\\]: cannot attach"));
     QVERIFY(!net.attach(&other));
-    SimNode* node = net.addNode(SimNode::TX30);
-    node->setLabel("Terrace");
-    const BusPendingCall call = bus.call(VRNMessage(BusMessage(frame(DTS::GetNodeLabel, node->number()))));
-    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), 1000);
-    QCOMPARE(int(call.error()), 0);
-    const VRNMessage reply(call.reply());
-    QCOMPARE(reply.srcAddr(), node->address());
-    QCOMPARE(reply.payload(), QByteArray("Terrace"));
 }
 
 void tst_SimNetwork::splitter_data()

@@ -17,7 +17,6 @@ private slots:
     void nodeProperties();
     void groupSlots();
     void networkCounters();
-    void discoveryMark();
     void motorSettings();
     void intermediatePositions();
     void movements();
@@ -142,14 +141,6 @@ void tst_DTSProxySim::networkCounters()
     QVERIFY(m_std->getNetworkStatReply(reply(m_std->getNetworkStat()), stat));
     QCOMPARE(stat.busyCount, quint16(0));
     QVERIFY(stat.frameSeen < 10);
-}
-
-void tst_DTSProxySim::discoveryMark()
-{
-    QVERIFY(m_std->isAck(reply(m_std->setNodeDiscovery(true))));
-    QVERIFY(m_simStd->discoveryMark());
-    QVERIFY(m_std->isAck(reply(m_std->clearDiscovery())));
-    QVERIFY(!m_simStd->discoveryMark());
 }
 
 void tst_DTSProxySim::motorSettings()
