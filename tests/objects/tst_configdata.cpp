@@ -63,9 +63,7 @@ class tst_ConfigData : public QObject
     Q_OBJECT
 
 private slots:
-    void defaultRecordsShareOnePayloadPerType();
     void writeDetachesAndKeepsDynamicType();
-    void validityOfDefaults();
     void standardValidity();
     void motorIpsValidity_data();
     void motorIpsValidity();
@@ -79,20 +77,7 @@ private slots:
     void eraseResetsOneLevel();
     void conversionAcrossLevels();
     void assignmentFromShallowerKeepsOwnLevel();
-    void payloadConversion();
-    void runtimeRecord();
 };
-
-void tst_ConfigData::defaultRecordsShareOnePayloadPerType()
-{
-    const MotorConfigData a;
-    const MotorConfigData b;
-    const StdConfigData s;
-    QCOMPARE(&a.getConstData(), &b.getConstData());
-    QVERIFY(static_cast<const ConfigDataData*>(&a.getConstData()) != &s.getConstData());
-    QVERIFY(dynamic_cast<const DCMotorConfigDataData*>(&DCMotorConfigData().getConstData()));
-    QCOMPARE(&RuntimeData().getConstData(), &RuntimeData().getConstData());
-}
 
 void tst_ConfigData::writeDetachesAndKeepsDynamicType()
 {
@@ -114,21 +99,6 @@ void tst_ConfigData::writeDetachesAndKeepsDynamicType()
     MotorConfigData defaults;
     defaults.data().rotDirection = 0;
     QCOMPARE(MotorConfigData().getConstData().rotDirection, MotorConfigDataData::UnknownDirection);
-}
-
-void tst_ConfigData::validityOfDefaults()
-{
-    QVERIFY(ConfigData().isValid());
-    const MotorConfigData m;
-    QVERIFY(!m.isDirectionValid());
-    QVERIFY(!m.isEndLimitsValid());
-    QVERIFY(!m.isMotorIpsValid());
-    QVERIFY(!m.isValid());
-    QVERIFY(!StdConfigData().isValid());
-    QVERIFY(!StdConfigData().isSerialValid());
-    const DCMotorConfigData dc;
-    QVERIFY(!dc.isSpeedValid());
-    QVERIFY(!dc.isRampValid());
 }
 
 void tst_ConfigData::standardValidity()
@@ -355,50 +325,6 @@ void tst_ConfigData::assignmentFromShallowerKeepsOwnLevel()
     static_cast<ConfigData&>(s) = ConfigData();
     QVERIFY(StdConfigData::hasLevel(s));
     QCOMPARE(s.getConstData().label, QByteArray("s"));
-}
-
-void tst_ConfigData::payloadConversion()
-{
-    StdConfigDataData std;
-    fillStd(std, "p");
-    const MotorConfigDataData fromStd(std);
-    QCOMPARE(fromStd.label, QByteArray("p"));
-    QCOMPARE(fromStd.networkConfig.maxRetry, quint8(3));
-    QCOMPARE(fromStd.upEndLimit, MotorConfigDataData::UnknownLimit);
-
-    MotorConfigDataData deep;
-    fillStd(deep, "d");
-    fillMotor(deep, 8);
-    const StdConfigDataData fromDeep(deep);
-    QCOMPARE(fromDeep.label, QByteArray("d"));
-
-    MotorConfigDataData target;
-    fillMotor(target, 99);
-    target = static_cast<const ConfigDataData&>(std);
-    QCOMPARE(target.label, QByteArray("p"));
-    QCOMPARE(target.upEndLimit, quint16(99));
-}
-
-void tst_ConfigData::runtimeRecord()
-{
-    RuntimeData a;
-    a.data().posPulse = 1200;
-    a.data().networkStat.frameSent = 5;
-    a.data().motorDiagnostic.totalMoveCount = 70000;
-    const RuntimeData copy = a;
-    QCOMPARE(copy, a);
-
-    RuntimeData b;
-    b.updateData(a);
-    QCOMPARE(b, a);
-    QVERIFY(&b.getConstData() != &a.getConstData());
-    b.data().posPCent = 40;
-    QVERIFY(b != a);
-    QCOMPARE(a.getConstData().posPCent, quint16(0));
-
-    b.eraseData();
-    QCOMPARE(b, RuntimeData());
-    QCOMPARE(copy.getConstData().motorDiagnostic.totalMoveCount, quint32(70000));
 }
 
 QTEST_GUILESS_MAIN(tst_ConfigData)

@@ -88,16 +88,6 @@ private slots:
         closeAll();
     }
 
-    void emptyTable()
-    {
-        makeModel();
-        QCOMPARE(model->rowCount(), 0);
-        QCOMPARE(model->columnCount(), 5);
-        QCOMPARE(model->rowCount(model->index(0, 0)), 0);
-        QVERIFY(!model->data(QModelIndex(), ObjectQueryModel::UuidRole).isValid());
-        QVERIFY(!model->setData(model->index(0, 0), 1));
-    }
-
     void sortByLabelIsCaseBlindWithUuidTieBreak()
     {
         const QStringList labels{QStringLiteral("abd"), QStringLiteral("ABC"), QStringLiteral("abc"),
