@@ -1,12 +1,10 @@
-// The vrnsim program: command line, first line, and both transports
-// answering a raw peer (a multicast socket, the pseudo-terminal).
+// The vrnsim program: command line, first line, and the pseudo-terminal
+// answering a raw peer; the multicast transport is exchanged with in the
+// transports' end-to-end test.
 #include "dts.h"
 #include "vrnmessage.h"
 
 #include <QtTest>
-#include <QNetworkDatagram>
-#include <QNetworkInterface>
-#include <QUdpSocket>
 
 #include <csignal>
 #include <fcntl.h>
@@ -44,7 +42,6 @@ private slots:
     void badOptions_data();
     void badOptions();
     void help();
-    void multicast();
     void serial();
 
 private:
@@ -138,50 +135,6 @@ void tst_VrnSim::help()
     for (const char* option : {"--mcast", "--bind", "--serial", "--devices", "--duplicates", "--seed",
                                "--loss", "--corrupt", "--latency", "--baud", "--silent"})
         QVERIFY2(text.contains(option), option);
-}
-
-// A raw multicast peer on loopback gets every node's answer to a broadcast
-// and a unicast answer; vrnsim does not answer its own datagrams.
-void tst_VrnSim::multicast()
-{
-    const QHostAddress group(QStringLiteral("239.255.41.7"));
-    const quint16 port = 47321;
-    const QString id = start({"--mcast", "239.255.41.7:47321", "--devices", "motor:2,std:1",
-                              "--seed", "4", "--reply-window", "20"});
-    QCOMPARE(id, QStringLiteral("mcast:239.255.41.7:47321:127.0.0.1"));
-
-    QUdpSocket peer;
-    QVERIFY(peer.bind(group, port, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint));
-    QNetworkInterface lo;
-    for (const QNetworkInterface& i : QNetworkInterface::allInterfaces()) {
-        if (i.flags() & QNetworkInterface::IsLoopBack)
-            lo = i;
-    }
-    QVERIFY(lo.isValid());
-    QVERIFY(peer.joinMulticastGroup(group, lo));
-    peer.setMulticastInterface(lo);
-    peer.setSocketOption(QAbstractSocket::MulticastTtlOption, 0);
-
-    QList<VRNMessage> replies;
-    auto collect = [&] {
-        while (peer.hasPendingDatagrams()) {
-            const VRNMessage m{BusMessage(peer.receiveDatagram().data())};
-            if (m.isValid() && VRN::getType(m.srcAddr()) != VRN::NodeTool)
-                replies.append(m);
-        }
-        return replies.size();
-    };
-    QCOMPARE(peer.writeDatagram(broadcastWho(), group, port), qint64(11));
-    QTRY_COMPARE_WITH_TIMEOUT(collect(), 3, Wait);
-    const quint32 motor = replies.first().srcAddr(false);
-    replies.clear();
-    QCOMPARE(peer.writeDatagram(labelRequest(motor), group, port), qint64(11));
-    QTRY_COMPARE_WITH_TIMEOUT(collect(), 1, Wait);
-    QCOMPARE(replies.first().cmd(), quint8(DTS::PostNodeLabel));
-    QVERIFY(replies.first().payload().startsWith("Motor "));
-    QTest::qWait(50);
-    QCOMPARE(collect(), 1);
-    stop();
 }
 
 // Through the pseudo-terminal: a request written in two pieces after some

@@ -91,10 +91,8 @@ void tst_DTSProxySim::nodeProperties()
     m_simStd->setNetworkConfig({1, 2, 3, 4});
     DTSStdProxy::NetworkConfig config;
     QVERIFY(m_std->getNetworkConfigReply(reply(m_std->getNetworkConfig()), config));
-    QCOMPARE(config.brPriority, quint8(1));
-    QCOMPARE(config.lpPriority, quint8(2));
-    QCOMPARE(config.maxRetry, quint8(3));
-    QCOMPARE(config.slotCount, quint8(4));
+    QCOMPARE(QVector<int>({config.brPriority, config.lpPriority, config.maxRetry, config.slotCount}),
+             QVector<int>({1, 2, 3, 4}));
 
     m_simStd->setSerialNumber("SN-000123456");
     QByteArray serial;
