@@ -23,14 +23,19 @@ class TstVrnConfig : public QObject
     QProcess m_sim;
     QString m_bus;
 
-    Result run(const QStringList& args)
+    void start(QProcess& p, const QStringList& args)
     {
-        QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
         env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
         p.setProcessEnvironment(env);
         p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QStringLiteral("200")} + args);
+    }
+
+    Result run(const QStringList& args)
+    {
+        QProcess p;
+        start(p, args);
         if (!p.waitForFinished(30000))
             p.kill();
         return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
@@ -85,6 +90,10 @@ private slots:
                                                        QStringLiteral("seventeen bytes!!")};
         QTest::newRow("bad group") << QStringList{QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
                                                   QStringLiteral("0x1000000")};
+        QTest::newRow("option of another command") << QStringList{QStringLiteral("get"), QStringLiteral("label"),
+                                                                   QStringLiteral("1"), QStringLiteral("--desc")};
+        QTest::newRow("duration not a number") << QStringList{QStringLiteral("monitor"), QStringLiteral("--duration"),
+                                                              QStringLiteral("nan")};
         QTest::newRow("not a bus") << QStringList{QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")};
     }
     void usageErrors()
@@ -166,6 +175,43 @@ private slots:
         QCOMPARE(groups.size(), 16);
         QCOMPARE(groups.at(0).toInt(), 0x0F0001);
         QCOMPARE(groups.at(1).toInt(), 7);
+    }
+
+    // The monitor shows the nodes' answers to another process's requests
+    // (its own requests would be dropped as echo), then stops at --count.
+    void monitorCountsFrames_data()
+    {
+        QTest::addColumn<bool>("json");
+        QTest::newRow("text") << false;
+        QTest::newRow("json") << true;
+    }
+    void monitorCountsFrames()
+    {
+        QFETCH(bool, json);
+        QProcess monitor;
+        QStringList args{QStringLiteral("monitor"), QStringLiteral("--count"), QStringLiteral("2")};
+        if (json)
+            args.prepend(QStringLiteral("--json"));
+        start(monitor, args);
+        QVERIFY(monitor.waitForStarted(5000));
+        // The monitor joins the group some time after it starts: ask until it has seen enough.
+        for (int i = 0; i < 50 && !monitor.waitForFinished(100); ++i)
+            QCOMPARE(run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("2")}).code, 0);
+        QCOMPARE(monitor.state(), QProcess::NotRunning);
+        QCOMPARE(monitor.exitCode(), 0);
+        const QList<QByteArray> lines = monitor.readAllStandardOutput().trimmed().split('\n');
+        QCOMPARE(lines.size(), 2);
+        for (const QByteArray& line : lines) {
+            if (json) {
+                const QJsonObject o = QJsonDocument::fromJson(line).object();
+                QCOMPARE(o.value(QStringLiteral("direction")).toString(), QStringLiteral("received"));
+                QCOMPARE(o.value(QStringLiteral("valid")).toBool(), true);
+                QVERIFY(!o.value(QStringLiteral("command")).toString().isEmpty());
+            } else {
+                const QRegularExpression form(QStringLiteral("^\\(\\d+\\.\\d{6}\\) 0x[0-9A-F]{8} > 0x[0-9A-F]{6} \\S+ [0-9A-F ]*$"));
+                QVERIFY2(form.match(QString::fromUtf8(line)).hasMatch(), line.constData());
+            }
+        }
     }
 
     // One device that no longer answers fails; the others are still read.

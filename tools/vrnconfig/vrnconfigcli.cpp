@@ -40,7 +40,7 @@ namespace {
 const int LabelMax = 16;
 const int GroupSlots = 16;
 
-const char Usage[] =
+const char UsageText[] =
     "Usage: vrnconfig [options] COMMAND [arguments]\n"
     "\n"
     "Options:\n"
@@ -76,6 +76,21 @@ QString text(const QByteArray& bytes)
     return QString::fromUtf8(bytes);
 }
 
+// A list of group numbers as a JSON array and as one line of hexadecimal words.
+template <typename List, typename ToUInt>
+void putGroups(const List& list, ToUInt toUInt, QJsonObject& json, QString& line)
+{
+    QJsonArray array;
+    QStringList words;
+    for (const auto& item : list) {
+        const quint32 group = toUInt(item);
+        array.append(qint64(group));
+        words << hex(group);
+    }
+    line = words.join(QLatin1Char(' '));
+    json.insert(QStringLiteral("groups"), array);
+}
+
 QHash<QString, ObjectQueryModel::Role> sortKeys()
 {
     return {{QStringLiteral("uuid"), ObjectQueryModel::UuidRole},
@@ -109,7 +124,7 @@ bool VrnConfigCli::start(const QStringList& arguments)
         return false;
     }
     if (parser.isSet(help)) {
-        std::fputs(::Usage, stdout);
+        std::fputs(UsageText, stdout);
         m_ended = true;
         return false;
     }
@@ -136,7 +151,8 @@ bool VrnConfigCli::start(const QStringList& arguments)
     if (parser.isSet(duration)) {
         bool ok = false;
         m_duration = parser.value(duration).toDouble(&ok);
-        if (!ok || m_duration < 0) {
+        // The bound keeps the timer's milliseconds in an int; NaN fails both tests.
+        if (!ok || !(m_duration >= 0 && m_duration <= 2000000)) {
             fail(Usage, tr("bad --duration: %1").arg(parser.value(duration)));
             return false;
         }
@@ -167,6 +183,16 @@ bool VrnConfigCli::start(const QStringList& arguments)
     if (!command) {
         fail(Usage, tr("unknown command: %1; see vrnconfig --help").arg(name));
         return false;
+    }
+    // Options of one command are refused elsewhere rather than silently ignored.
+    const QList<QPair<const QCommandLineOption*, QString>> ownOptions{
+        {&sort, QStringLiteral("list")}, {&desc, QStringLiteral("list")},
+        {&count, QStringLiteral("monitor")}, {&duration, QStringLiteral("monitor")}};
+    for (const auto& own : ownOptions) {
+        if (parser.isSet(*own.first) && name != own.second) {
+            fail(Usage, tr("--%1 applies to %2 only").arg(own.first->names().first(), own.second));
+            return false;
+        }
     }
     if (!openDatabase())
         return false;
@@ -317,14 +343,7 @@ void VrnConfigCli::cmdGet(const QStringList& args)
     } else if (what == QLatin1String("groups")) {
         makeJob = [](VRNStdObject&) -> QmlJob* { return new GetGroupsJob; };
         readValue = [](VRNStdObject& o, QJsonObject& json, QString& line) {
-            QJsonArray groups;
-            QStringList words;
-            for (unsigned int group : o.proxyStdConfig().getConstData().groups) {
-                groups.append(qint64(group));
-                words << hex(group);
-            }
-            line = words.join(QLatin1Char(' '));
-            json.insert(QStringLiteral("groups"), groups);
+            putGroups(o.proxyStdConfig().getConstData().groups, [](VRN::Addr g) { return g; }, json, line);
         };
     } else {
         return fail(Usage, tr("cannot get %1 (label, version or groups)").arg(what));
@@ -374,14 +393,7 @@ void VrnConfigCli::cmdSet(const QStringList& args)
             return job;
         };
         readValue = [groups](VRNStdObject&, QJsonObject& json, QString& line) {
-            QJsonArray array;
-            QStringList words;
-            for (const QVariant& group : groups) {
-                array.append(qint64(group.toUInt()));
-                words << hex(group.toUInt());
-            }
-            line = words.join(QLatin1Char(' '));
-            json.insert(QStringLiteral("groups"), array);
+            putGroups(groups, [](const QVariant& g) { return g.toUInt(); }, json, line);
         };
     } else {
         return fail(Usage, tr("cannot set %1 (label or groups)").arg(what));
