@@ -71,9 +71,14 @@ private slots:
     // Runs in declaration order: each step works on what the previous left.
     void withoutBusEveryDeviceCommandFailsCleanly()
     {
-        const Result r = run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+        Result r = run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
         QCOMPARE(r.code, 1);
         QVERIFY(r.err.startsWith("vrnconfig: no bus"));
+
+        // A port that cannot open: one line of ours, not the library's log as well.
+        r = run({QStringLiteral("open"), QStringLiteral("serial:/nonexistent/tty")});
+        QCOMPARE(r.code, 1);
+        QVERIFY2(r.err.startsWith("vrnconfig: cannot open") && r.err.count('\n') == 1, r.err.constData());
     }
 
     void usageErrors_data()

@@ -9,9 +9,10 @@
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    // The library's traces are for developers; VRNCONFIG_DEBUG=1 shows them.
+    // The library's traces and warnings are for developers (VRNCONFIG_DEBUG=1
+    // shows them): the tool reports every failure itself, in one line.
     if (qEnvironmentVariableIsEmpty("VRNCONFIG_DEBUG"))
-        QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+        QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.warning=false"));
     QCoreApplication::setOrganizationName(QStringLiteral("Velmo"));
     QCoreApplication::setApplicationName(QStringLiteral("vrnconfig"));
     VrnConfigCli cli;
