@@ -55,6 +55,7 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
     }
     page.setQuery(QStringLiteral("SELECT * FROM %1  LIMIT 100 OFFSET %2").arg(viewName).arg(newOffset), db);
     offset = newOffset;
+    pageExact = !page.lastError().isValid();
 }
 
 void ObjectQueryModelPrivate::updateRowCount()
@@ -84,8 +85,11 @@ bool ObjectQueryModelPrivate::seekPage(int target)
     // Scrolling on from the page: its row `target` starts the next page.
     // Looking that row up by its sort key reads the same 100 rows as an
     // OFFSET, without stepping over every row before them. NULL keys and
-    // the computed duplicate count have no index to look up: OFFSET then.
-    if (sortColumn == ObjectFactory::NbOccurColumn)
+    // the computed duplicate count have no index to look up: OFFSET then. So
+    // does a page that may no longer be what the database holds there (its
+    // rows were moved by a count that can disagree with the view's order):
+    // a key taken from it would carry its error into every later page.
+    if (!pageExact || sortColumn == ObjectFactory::NbOccurColumn)
         return false;
     const QSqlRecord first = page.record(target - offset);
     const QVariant key = first.value(int(sortColumn));
@@ -104,6 +108,7 @@ bool ObjectQueryModelPrivate::seekPage(int target)
         return false;
     page.setQuery(query);
     offset = target;
+    pageExact = true;
     return true;
 }
 
@@ -186,7 +191,7 @@ QVariant ObjectQueryModel::data(const QModelIndex& index, int role) const
     if (!index.isValid())
         return QVariant();
     auto d = const_cast<ObjectQueryModelPrivate*>(d_func());
-    const int v = d->mapRow(index.row());
+    const int v = d->databaseRow(d->mapRow(index.row()));
     d->ensurePage(v);
     if (role >= Qt::UserRole)
         return d->page.data(d->page.index(v - d->offset, role - Qt::UserRole));
@@ -205,7 +210,8 @@ QHash<int, QByteArray> ObjectQueryModel::roleNames() const
 
 void ObjectQueryModel::fetch(int viewRow) const
 {
-    const_cast<ObjectQueryModelPrivate*>(d_func())->ensurePage(viewRow);
+    auto d = const_cast<ObjectQueryModelPrivate*>(d_func());
+    d->ensurePage(d->databaseRow(viewRow));
 }
 
 int ObjectQueryModel::pageOffset() const
@@ -297,16 +303,24 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     const int v = d->indexOf(object->uuid());
     bool pageFresh = false;
     if (v >= 0) {
-        // Qt wants the new count only between begin and end: map with it.
-        const int row = d->sortOrder == Qt::AscendingOrder ? v : d->rowCount - v;
-        beginInsertRows(QModelIndex(), row, row);
-        ++d->rowCount;
+        // The database holds the row already, the model shows it only from
+        // the end of the insertion on. The page follows the database first;
+        // reads made while the insertion is announced skip the new row.
         if (v < d->offset) {
             ++d->offset;
+            d->pageExact = false;
         } else if (v < d->offset + ObjectQueryModelPrivate::PageSize) {
             d->select(d->offset, false);
             pageFresh = true;
+        } else {
+            d->pageExact = false;
         }
+        // The model row in the new order: the old count plus one, mirrored.
+        const int row = d->sortOrder == Qt::AscendingOrder ? v : d->rowCount - v;
+        d->pendingInsert = v;
+        beginInsertRows(QModelIndex(), row, row);
+        d->pendingInsert = -1;
+        ++d->rowCount;
         endInsertRows();
     }
     d->refreshDoublonInfo(object->address(), object->uuid(), v, pageFresh);
@@ -323,10 +337,30 @@ void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
-    if (d->inPage(v))
-        d->select(d->offset, false);
+    // Where the row stood before the change, when the page shows it.
+    int before = -1;
+    for (int i = 0; i < d->page.rowCount() && before < 0; ++i)
+        if (d->page.record(i).value(int(ObjectFactory::UuidColumn)).toUInt() == uuid)
+            before = d->offset + i;
+    // The change may have moved the row in or out of the page: read it
+    // again even when the row now lies elsewhere.
+    d->select(d->offset, false);
     const QModelIndex idx = index(d->mapRow(v), 0);
     emit dataChanged(idx, idx, {LabelRole});
+    // A change of the sorted column moves the row, and the rows between its
+    // old and new places each move by one: views must read them again.
+    const bool sortedByWritten = d->sortColumn == ObjectFactory::NodeIDColumn
+        || d->sortColumn == ObjectFactory::TypeColumn || d->sortColumn == ObjectFactory::LabelColumn;
+    if (sortedByWritten && before != v && d->rowCount > 0) {
+        int first = 0, last = d->rowCount - 1;
+        if (before >= 0) {
+            first = d->mapRow(qMin(before, v));
+            last = d->mapRow(qMax(before, v));
+            if (first > last)
+                std::swap(first, last);
+        }
+        emit dataChanged(index(first, 0), index(last, columnCount() - 1));
+    }
 }
 
 void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
@@ -349,10 +383,14 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID, VRN::Addr address)
     }
     const int v = d->pendingRemoval;
     d->pendingRemoval = -1;
-    if (v < d->offset)
+    if (v < d->offset) {
         --d->offset;
-    else if (v < d->offset + ObjectQueryModelPrivate::PageSize)
+        d->pageExact = false;
+    } else if (v < d->offset + ObjectQueryModelPrivate::PageSize) {
         d->select(d->offset, false);
+    } else {
+        d->pageExact = false;
+    }
     --d->rowCount;
     endRemoveRows();
     d->refreshDoublonInfo(address, 0, -1);

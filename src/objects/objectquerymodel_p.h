@@ -26,6 +26,10 @@ public:
     bool inPage(int viewRow) const { return viewRow >= offset && viewRow < offset + PageSize; }
     /// Model row of a view row and back: the same mirror both ways.
     int mapRow(int row) const { return sortOrder == Qt::AscendingOrder ? row : rowCount - row - 1; }
+    /// The view row that holds, in the database, the row the model calls
+    /// `viewRow`: between the insertion of a row in the database and the end
+    /// of its announcement, the rows after it sit one further down.
+    int databaseRow(int viewRow) const { return pendingInsert >= 0 && viewRow >= pendingInsert ? viewRow + 1 : viewRow; }
     int indexOf(VRNObject::UUID uuid);
     void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh = false);
     QString sortColumnName() const;
@@ -40,6 +44,10 @@ public:
     Qt::SortOrder sortOrder = Qt::AscendingOrder;
     QString viewName;
     int pendingRemoval = -1;
+    int pendingInsert = -1;
+    /// The page holds exactly what an OFFSET read at `offset` gives now:
+    /// only then may the next page be looked up by a row's sort key.
+    bool pageExact = false;
     QSqlQuery indexQuery;
     QString indexStatement;
     QSqlQuery firstOfNode;
