@@ -53,25 +53,17 @@ void ObjectSelectionModelPrivate::insertMatching(ObjectFactory::DevicesTableColu
         criteria, "failed to execute insert query:");
 }
 
-void ObjectSelectionModelPrivate::changed()
+bool ObjectSelectionModelPrivate::updateRowCount()
 {
-    updateSelectedType();
-    updateRowCount();
-    updateSelectedNodeId();
-}
-
-void ObjectSelectionModelPrivate::updateRowCount()
-{
-    Q_Q(ObjectSelectionModel);
     QSqlQuery query(db);
     if (!run(query, QStringLiteral("SELECT COUNT(*) FROM ") + table, QVariant(), "failed to update row count:")
         || !query.next())
-        return;
+        return false;
     const unsigned count = query.value(0).toUInt();
     if (count == rowCount)
-        return;
+        return false;
     rowCount = count;
-    emit q->rowCountChanged(rowCount);
+    return true;
 }
 
 void ObjectSelectionModelPrivate::updateSelectedType()
@@ -155,9 +147,13 @@ int ObjectSelectionModel::rowCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : int(d_func()->rowCount);
 }
 
-QVariant ObjectSelectionModel::data(const QModelIndex& index, int) const
+QVariant ObjectSelectionModel::data(const QModelIndex& index, int role) const
 {
-    return index.isValid() ? data(index.row()) : QVariant();
+    // A row is its uuid, shown and edited as such; a view asking for a
+    // size, a font or a colour gets nothing rather than the uuid.
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole))
+        return QVariant();
+    return data(index.row());
 }
 
 QVariant ObjectSelectionModel::data(int index) const
@@ -189,8 +185,13 @@ void ObjectSelectionModel::change(const std::function<void()>& statements)
     Q_D(ObjectSelectionModel);
     beginResetModel();
     statements();
+    d->updateSelectedType();
+    // Views read the row count when the reset ends: it must be the new one.
+    const bool counted = d->updateRowCount();
     endResetModel();
-    d->changed();
+    if (counted)
+        emit rowCountChanged(d->rowCount);
+    d->updateSelectedNodeId();
 }
 
 void ObjectSelectionModel::addItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)

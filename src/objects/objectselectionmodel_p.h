@@ -19,8 +19,8 @@ public:
     void insertMatching(ObjectFactory::DevicesTableColumn column, const QVariant& criteria);
     /// Recomputes row count, selected type and node id after a change,
     /// inside one model reset.
-    void changed();
-    void updateRowCount();
+    /// Reads the row count; true when it changed (the caller announces it).
+    bool updateRowCount();
     void updateSelectedType();
     void updateSelectedNodeId();
 
