@@ -1,6 +1,8 @@
 #include "qmlserialportlist.h"
 #include "qmlserialportlist_p.h"
 
+#include <QAbstractItemModelTester>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -43,6 +45,7 @@ private slots:
     void reloadRemovesVanishedAndAppendsNew();
     void reloadKeepsRowsOfPortsStillThere();
     void siblingAndOutOfRange();
+    void holdsTheModelContract();
 };
 
 void tst_QMLSerialPortList::rolesAndDisplayText()
@@ -130,6 +133,35 @@ void tst_QMLSerialPortList::siblingAndOutOfRange()
     QVERIFY(!list.sibling(0, 0, QModelIndex()).isValid());
     QVERIFY(!list.data(list.index(5, 0), QMLSerialPortList::NameRole).isValid());
     QCOMPARE(QMLSerialPortList::findPortName(QStringLiteral("a"), {}), -1);
+}
+
+// Ports come and go at random between reloads, with Qt's model checker
+// attached: survivors keep their order, newcomers follow in the order the
+// machine lists them.
+void tst_QMLSerialPortList::holdsTheModelContract()
+{
+    QRandomGenerator random(11);
+    QList<SerialPortEntry> present;
+    FakePortList list(&present);
+    QAbstractItemModelTester checker(&list, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QStringList expected;
+    for (int step = 0; step < 300; ++step) {
+        present.clear();
+        for (int i = 0; i < 40; ++i)
+            if (random.bounded(3) == 0)
+                present.append(port(QStringLiteral("tty%1%2").arg(i % 2 ? "S" : "s").arg(i)));
+        std::shuffle(present.begin(), present.end(), random);
+        list.reload();
+        QStringList next;
+        for (const QString& name : qAsConst(expected))
+            if (std::any_of(present.cbegin(), present.cend(), [&](const SerialPortEntry& e) { return e.portName == name; }))
+                next << name;
+        for (const SerialPortEntry& e : qAsConst(present))
+            if (!next.contains(e.portName))
+                next << e.portName;
+        expected = next;
+        QCOMPARE(names(list), expected);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_QMLSerialPortList)

@@ -4,7 +4,9 @@
 #include "vrnloopbackbus.h"
 #include "vrnmessage.h"
 
+#include <QAbstractItemModelTester>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -39,6 +41,7 @@ private slots:
     void filtersByNodeAndCommand_data();
     void filtersByNodeAndCommand();
     void filterAppliesToFramesArrivingLater();
+    void holdsTheModelContract();
 };
 
 void tst_VRNListener::recordsWhatTheBusSendsAndReceives()
@@ -225,6 +228,65 @@ void tst_VRNListener::filterAppliesToFramesArrivingLater()
     QCOMPARE(view.rowCount(), 1);
     view.setNodeFilter(-1);
     QCOMPARE(view.rowCount(), 2);
+}
+
+// Frames of a few nodes and commands arrive (line noise among them) while
+// the bound, the filters and clearing change at random, with Qt's model
+// checker on both models: the view shows exactly the kept frames that
+// pass its filters, in arrival order.
+void tst_VRNListener::holdsTheModelContract()
+{
+    struct Sent
+    {
+        int node;
+        int command;
+    };
+    QRandomGenerator random(5);
+    VRNListenerModel model(nullptr);
+    VRNListenerViewModel view(&model);
+    QAbstractItemModelTester modelChecker(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QAbstractItemModelTester viewChecker(&view, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    const QList<int> commands{DTS::Ack, DTS::GetNodeLabel, DTS::PostNodeLabel, DTS::GetNodeAddr};
+    QList<Sent> sent; // by serial number, carried in each frame's payload
+    for (int step = 0; step < 700; ++step) {
+        const int what = random.bounded(100);
+        if (what < 85) {
+            const QByteArray serial = QByteArray::number(sent.size());
+            const int node = random.bounded(0x40, 0x44);
+            const int command = commands.at(random.bounded(commands.size()));
+            if (random.bounded(20) == 0) {
+                model.addFrame(VRNListenerModel::Received, BusMessage(QByteArray::fromHex("ff") + serial));
+                sent.append({-1, -1});
+            } else {
+                model.addFrame(VRNListenerModel::Received,
+                               frame(quint8(command), VRN::makeAddr(VRN::NodeMotor, quint32(node)), 1, VRN::AddrNode,
+                                     serial));
+                sent.append({node, command});
+            }
+        } else if (what < 89) {
+            model.setMaxFrames(random.bounded(50, 400));
+        } else if (what < 94) {
+            view.setNodeFilter(random.bounded(3) ? random.bounded(0x40, 0x44) : -1);
+        } else if (what < 99) {
+            view.setCommandFilter(random.bounded(3) ? commands.at(random.bounded(commands.size())) : -1);
+        } else {
+            random.bounded(2) ? model.clear() : view.clear();
+        }
+        QList<int> expected;
+        for (int r = 0; r < model.rowCount(); ++r) {
+            const QByteArray payload = QByteArray::fromHex(cell(model, r, VRNListenerModel::PayloadRole).toByteArray());
+            const int serial = (payload.startsWith('\xff') ? payload.mid(1) : payload).toInt();
+            const Sent& s = sent.at(serial);
+            const bool nodeOk = view.nodeFilter() < 0 || s.node == view.nodeFilter();
+            const bool commandOk = view.commandFilter() < 0 || s.command == view.commandFilter();
+            if (nodeOk && commandOk)
+                expected << r;
+        }
+        QList<int> shown;
+        for (int r = 0; r < view.rowCount(); ++r)
+            shown << view.mapToSource(view.index(r, 0)).row();
+        QCOMPARE(shown, expected);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_VRNListener)
