@@ -191,9 +191,14 @@ bool ObjectFactoryPrivate::nodeListed(unsigned nodeID, int type, VRNObject::UUID
     if (type >= 0)
         statement += QStringLiteral(" AND ") + matchOrNull("type", unsigned(type));
     statement += QStringLiteral(" LIMIT 1");
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
-    query.prepare(statement);
+    auto prepared = nodeQueries.find(statement);
+    if (prepared == nodeQueries.end()) {
+        QSqlQuery fresh(db);
+        fresh.setForwardOnly(true);
+        fresh.prepare(statement);
+        prepared = nodeQueries.insert(statement, fresh);
+    }
+    QSqlQuery& query = *prepared;
     if (nodeID != 0)
         query.addBindValue(nodeID);
     if (type > 0)
@@ -202,11 +207,11 @@ bool ObjectFactoryPrivate::nodeListed(unsigned nodeID, int type, VRNObject::UUID
         warnSql("failed to run SQLQuery:", query);
         return false;
     }
-    if (!query.next())
-        return false;
-    if (uuid)
+    const bool found = query.next();
+    if (found && uuid)
         *uuid = query.value(0).toUInt();
-    return true;
+    query.finish();
+    return found;
 }
 
 ObjectFactory::ObjectFactory() : d_ptr(new ObjectFactoryPrivate(this))

@@ -42,6 +42,9 @@ public:
     // Prepared once: these run for every device created or read.
     QSqlQuery selectRow;
     QSqlQuery insertRow;
+    /// Node look-ups, prepared once per shape of statement (with or without
+    /// a type, NULL or not).
+    QHash<QString, QSqlQuery> nodeQueries;
 };
 
 #endif // OBJECTFACTORY_P_H

@@ -53,9 +53,24 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
             qWarning() << "[ObjectQueryModel]: failed to create SQL view:" << query.lastError().text();
         updateRowCount();
     }
-    page.setQuery(QStringLiteral("SELECT * FROM %1  LIMIT 100 OFFSET %2").arg(viewName).arg(newOffset), db);
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    page.clear();
     offset = newOffset;
-    pageExact = !page.lastError().isValid();
+    pageExact = query.prepare(QStringLiteral("SELECT * FROM %1  LIMIT 100 OFFSET %2").arg(viewName).arg(newOffset))
+        && readRows(query);
+}
+
+bool ObjectQueryModelPrivate::readRows(QSqlQuery& query)
+{
+    if (!query.exec())
+        return false;
+    columns = query.record().count();
+    while (query.next())
+        for (int c = 0; c < columns; ++c)
+            page.append(query.value(c));
+    query.finish();
+    return true;
 }
 
 void ObjectQueryModelPrivate::updateRowCount()
@@ -82,33 +97,48 @@ void ObjectQueryModelPrivate::ensurePage(int viewRow)
 
 bool ObjectQueryModelPrivate::seekPage(int target)
 {
-    // Scrolling on from the page: its row `target` starts the next page.
-    // Looking that row up by its sort key reads the same 100 rows as an
-    // OFFSET, without stepping over every row before them. NULL keys and
-    // the computed duplicate count have no index to look up: OFFSET then. So
-    // does a page that may no longer be what the database holds there (its
-    // rows were moved by a count that can disagree with the view's order):
-    // a key taken from it would carry its error into every later page.
-    if (!pageExact || sortColumn == ObjectFactory::NbOccurColumn)
+    // Scrolling on: the rows from `target` to the page's end stay, and the
+    // rows after its last one are looked up by that row's sort key, which
+    // reads the same rows as an OFFSET without stepping over every row
+    // before them. NULL keys and the computed duplicate count have no index
+    // to look up: OFFSET then. So does a page that may no longer be what
+    // the database holds there (its rows were moved by a count that can
+    // disagree with the view's order): a key taken from it would carry its
+    // error into every later page.
+    const int held = pageRows();
+    if (!pageExact || sortColumn == ObjectFactory::NbOccurColumn || target <= offset || target >= offset + held)
         return false;
-    const QSqlRecord first = page.record(target - offset);
-    const QVariant key = first.value(int(sortColumn));
+    const QVariant key = cell(held - 1, int(sortColumn));
     if (key.isNull())
         return false;
+    const QVariant uuid = cell(held - 1, int(ObjectFactory::UuidColumn));
     const bool label = sortColumn == ObjectFactory::LabelColumn;
     const QString s = label ? QStringLiteral("lower(label)") : sortColumnName();
     const QString k = label ? QStringLiteral("lower(?)") : QStringLiteral("?");
-    QSqlQuery query(db);
-    query.prepare(QStringLiteral("SELECT * FROM %1 WHERE %2 >= %3 AND (%2 > %3 OR uuid >= ?) LIMIT 100")
-                      .arg(viewName, s, k));
-    query.addBindValue(key);
-    query.addBindValue(key);
-    query.addBindValue(first.value(int(ObjectFactory::UuidColumn)));
-    if (!query.exec())
+    const QString statement =
+        QStringLiteral("SELECT * FROM %1 WHERE %2 >= %3 AND (%2 > %3 OR uuid > ?) LIMIT ?").arg(viewName, s, k);
+    if (statement != nextRowsStatement) {
+        nextRows = QSqlQuery(db);
+        nextRows.setForwardOnly(true);
+        if (!nextRows.prepare(statement)) {
+            nextRowsStatement.clear();
+            return false;
+        }
+        nextRowsStatement = statement;
+    }
+    const QVector<QVariant> kept = page.mid((target - offset) * columns);
+    const QVector<QVariant> before = page;
+    page = kept;
+    nextRows.bindValue(0, key);
+    nextRows.bindValue(1, key);
+    nextRows.bindValue(2, uuid);
+    nextRows.bindValue(3, int(PageSize) - held + (target - offset));
+    if (!readRows(nextRows)) {
+        page = before;
+        nextRowsStatement.clear();
         return false;
-    page.setQuery(query);
+    }
     offset = target;
-    pageExact = true;
     return true;
 }
 
@@ -194,8 +224,11 @@ QVariant ObjectQueryModel::data(const QModelIndex& index, int role) const
     const int v = d->databaseRow(d->mapRow(index.row()));
     d->ensurePage(v);
     if (role >= Qt::UserRole)
-        return d->page.data(d->page.index(v - d->offset, role - Qt::UserRole));
-    return d->page.data(d->page.index(v - d->offset, index.column()), role);
+        return d->cell(v - d->offset, role - Qt::UserRole);
+    // Below the item roles, a cell shows and edits its value, nothing else.
+    if (role != Qt::DisplayRole && role != Qt::EditRole)
+        return QVariant();
+    return d->cell(v - d->offset, index.column());
 }
 
 bool ObjectQueryModel::setData(const QModelIndex&, const QVariant&, int)
@@ -339,8 +372,8 @@ void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
         return;
     // Where the row stood before the change, when the page shows it.
     int before = -1;
-    for (int i = 0; i < d->page.rowCount() && before < 0; ++i)
-        if (d->page.record(i).value(int(ObjectFactory::UuidColumn)).toUInt() == uuid)
+    for (int i = 0; i < d->pageRows() && before < 0; ++i)
+        if (d->cell(i, int(ObjectFactory::UuidColumn)).toUInt() == uuid)
             before = d->offset + i;
     // The change may have moved the row in or out of the page: read it
     // again even when the row now lies elsewhere.

@@ -6,7 +6,7 @@
 #include "objectquerymodel.h"
 
 #include <QSqlQuery>
-#include <QSqlQueryModel>
+#include <QVector>
 
 class ObjectQueryModelPrivate
 {
@@ -20,10 +20,20 @@ public:
     void updateRowCount();
     /// Re-reads the page when `viewRow` lies outside it, centred on the row.
     void ensurePage(int viewRow);
-    /// Reads the page starting at view row `target`, which the current page
-    /// holds, by the row's sort key; false when it cannot.
+    /// Moves the page on to start at view row `target`, which it holds:
+    /// the rows it keeps stay, the rows after its last one are looked up by
+    /// that row's sort key. False when it cannot.
     bool seekPage(int target);
+    /// Reads the rows of `query` (run here) into the page after its kept rows.
+    bool readRows(QSqlQuery& query);
     bool inPage(int viewRow) const { return viewRow >= offset && viewRow < offset + PageSize; }
+    int pageRows() const { return columns ? page.size() / columns : 0; }
+    /// A cell of the page, by row within the page; invalid outside it.
+    QVariant cell(int pageRow, int column) const
+    {
+        return pageRow >= 0 && pageRow < pageRows() && column >= 0 && column < columns ? page.at(pageRow * columns + column)
+                                                                                     : QVariant();
+    }
     /// Model row of a view row and back: the same mirror both ways.
     int mapRow(int row) const { return sortOrder == Qt::AscendingOrder ? row : rowCount - row - 1; }
     /// The view row that holds, in the database, the row the model calls
@@ -36,7 +46,11 @@ public:
 
     ObjectQueryModel* q_ptr;
     QSqlDatabase db;
-    QSqlQueryModel page;
+    /// The rows held, one after the other, `columns` cells each. A plain
+    /// buffer rather than a query model: scrolling on keeps the rows it
+    /// still shows and reads only the new ones.
+    QVector<QVariant> page;
+    int columns = 0;
     int offset = 0;
     int rowCount = 0;
     ObjectSelectionModel* selection = nullptr;
@@ -51,6 +65,8 @@ public:
     QSqlQuery indexQuery;
     QString indexStatement;
     QSqlQuery firstOfNode;
+    QSqlQuery nextRows;
+    QString nextRowsStatement;
 };
 
 #endif // OBJECTQUERYMODEL_P_H
