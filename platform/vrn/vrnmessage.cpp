@@ -20,7 +20,9 @@ VRNMessage::VRNMessage(const BusMessage& frame)
     : BusMessage(frame)
 {
     const QByteArray bytes = frame.data();
-    if (frameLength(bytes.constData(), bytes.size()) != bytes.size())
+    // frameLength() answers 0 ("wait for more") for fewer than two bytes,
+    // which an empty frame would match: too short is invalid here.
+    if (bytes.size() < MinFrameSize || frameLength(bytes.constData(), bytes.size()) != bytes.size())
         return;
     const char* p = bytes.constData();
     m_cmd = quint8(p[0]);

@@ -113,8 +113,10 @@ void ObjectFactoryPrivate::init()
                                    "Devices(uuid) ON DELETE CASCADE,groupID INTEGER)"))
         || !query.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS groupIndex ON DevicesGroups( groupID, deviceUUID )")))
         warnSql("failed to create DevicesGroups database", query);
-    // The list views sort on these columns and find a row's position by
-    // counting over them; labels sort without regard to case.
+    // Indexes beyond the schema's own groupIndex: the list views sort on
+    // these columns and find a row's position by counting over them (labels
+    // sort without regard to case); without them every page read and every
+    // row look-up scans the whole table.
     for (const char* index : {"devicesNodeIDIndex ON Devices(nodeID)", "devicesNodeTypeIndex ON Devices(nodeID, type)", "devicesTypeIndex ON Devices(type)",
                               "devicesLabelIndex ON Devices(label)", "devicesLowerLabelIndex ON Devices(lower(label))",
                               "devicesSerialNumberIndex ON Devices(serialNumber)"}) {
@@ -304,7 +306,10 @@ bool ObjectFactory::save(VRNObject* object)
     const QString label = QString::fromUtf8(object->label());
     QSqlQuery query(d->db);
     // A quote ends the label in the row's historical text form: such labels
-    // have always been refused, and still are, before any SQL runs.
+    // have always been refused, and still are, before any SQL runs. The
+    // values themselves are bound, never written into the statement's text:
+    // spliced in, a label read from a device such as `x' WHERE 1=1 --` would
+    // overwrite every row of the registry.
     if (label.contains(QLatin1Char('\''))) {
         qWarning() << "[ObjectFactory]: failed to create Devices database"
                    << QStringLiteral("label holds a single quote");

@@ -107,10 +107,6 @@ void ObjectSelectionModelPrivate::updateSelectedType()
 void ObjectSelectionModelPrivate::updateSelectedNodeId()
 {
     selectedNodeId = 0;
-    // Only a single selected device has a node id to show: skip the query
-    // (and its complaint) for empty and wider selections.
-    if (rowCount != 1)
-        return;
     QSqlQuery query(db);
     query.setForwardOnly(true);
     if (!run(query,
@@ -118,7 +114,9 @@ void ObjectSelectionModelPrivate::updateSelectedNodeId()
                  + table + QLatin1Char(')'),
              QVariant(), "failed to update  selected nodeId:"))
         return;
-    if (!query.next()) {
+    // Only a single selected device has a node id; an empty or wider
+    // selection is logged every time and gives 0.
+    if (!query.next() || rowCount != 1) {
         qWarning() << "[ObjectSelectionModel]: query is empty, invalid, or" << "it concerns multiple devices";
         return;
     }

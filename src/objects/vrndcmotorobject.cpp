@@ -59,7 +59,6 @@ void VRNDCMotorObject::synchronize()
 {
     Q_D(VRNObject);
     d->synchronizeAt(this, &VRNDCMotorObject::localDCMotorConfigChanged);
-    VRNMotorObject::synchronize();
 }
 
 bool VRNDCMotorObject::isValid() const

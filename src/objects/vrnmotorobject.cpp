@@ -68,7 +68,6 @@ void VRNMotorObject::synchronize()
 {
     Q_D(VRNObject);
     d->synchronizeAt(this, &VRNMotorObject::localMotorConfigChanged);
-    VRNStdObject::synchronize();
 }
 
 bool VRNMotorObject::isValid() const

@@ -136,8 +136,17 @@ void VRNObjectPrivate::change(Side side, const Mutation& mutate, bool isInit,
 {
     Q_Q(VRNObject);
     ConfigData& rec = record(side);
+    if (side == Local && isInit) {
+        // Initialising the local record is silent by design: no dirty flag,
+        // no sync re-check, no change signal; only an erased level still
+        // says so through its typed signal. `sync` catches up at the next
+        // change that is not an initialisation.
+        if (mutate(rec) == Erased && typed)
+            typed();
+        return;
+    }
     const ConfigData before = rec;
-    const bool dirtying = side == Local && !isInit;
+    const bool dirtying = side == Local;
     const Outcome outcome = mutate(rec);
     if (outcome == Merged) {
         if (dirtying)
@@ -180,12 +189,12 @@ void VRNObjectPrivate::updateSync()
     emit q->syncChanged(now);
 }
 
-void VRNObjectPrivate::changeRuntime(const std::function<void(RuntimeData&)>& mutate)
+void VRNObjectPrivate::changeRuntime(const std::function<void(RuntimeData&)>& mutate, bool always)
 {
     Q_Q(VRNObject);
     const RuntimeData before = runtime;
     mutate(runtime);
-    if (before != runtime)
+    if (always || before != runtime)
         emit q->proxyRuntimeChanged(runtime);
 }
 
@@ -310,7 +319,10 @@ ConfigData VRNObject::proxyConfig() const
 void VRNObject::setProxyRuntime(const RuntimeData& data)
 {
     Q_D(VRNObject);
-    d->changeRuntime([&data](RuntimeData& runtime) { runtime = data; });
+    // Emitted even for an equal record: a fresh reading of an unchanged
+    // device is news to whoever shows it (a position display, a diagnostics
+    // poll).
+    d->changeRuntime([&data](RuntimeData& runtime) { runtime = data; }, true);
 }
 
 RuntimeData VRNObject::proxyRuntime() const

@@ -33,8 +33,10 @@ class VRNObjectPrivate;
 /// - Then, when the record differs from what it was, a local change makes
 ///   the object dirty unless `isInit` is set, and `localConfigChanged` or
 ///   `proxyConfigChanged` is emitted.
-/// `isInit` (for values that come from the database or from the device
-/// itself) suppresses only dirtiness: signals are emitted either way.
+/// A local change with `isInit` set (values that come from the database)
+/// only changes the record: the object stays as dirty or clean as it was,
+/// the sync state is not re-evaluated and no signal is emitted, except the
+/// typed one of an erased level.
 ///
 /// `dirty` means the object holds changes that `save()` has not yet written
 /// to the device database. `sync` means the local record equals the proxy
@@ -123,9 +125,10 @@ public:
     void setIsUpToDate(IsUpToDate state);
 
     Q_INVOKABLE bool isSynced() const;
-    /// Copies the proxy record into the local record, level by level from
-    /// the deepest: each level whose proxy fields are valid is merged, until
-    /// the object is synchronised.
+    /// Merges the proxy record into the local record at the object's own
+    /// level only, when the object is not synchronised and the proxy's fields
+    /// of that level are valid. The levels below are left alone (a motor's
+    /// label is not copied): each level is synchronised by its own call.
     Q_INVOKABLE virtual void synchronize();
     /// Whether the local record holds what a device of this kind needs.
     Q_INVOKABLE virtual bool isValid() const;
@@ -133,7 +136,7 @@ public:
     Q_INVOKABLE ConfigData localConfig() const;
     Q_INVOKABLE virtual void setProxyConfig(const ConfigData& data);
     Q_INVOKABLE ConfigData proxyConfig() const;
-    /// Replaces the runtime record; `proxyRuntimeChanged` when it differs.
+    /// Replaces the runtime record and always emits `proxyRuntimeChanged`.
     Q_INVOKABLE void setProxyRuntime(const RuntimeData& data);
     Q_INVOKABLE RuntimeData proxyRuntime() const;
     /// Merges runtime values (every field is taken); `proxyRuntimeChanged` when it differs.

@@ -64,8 +64,9 @@ public:
     /// Erases every level of one record.
     void eraseAll(Side side);
     void updateSync();
-    /// Replaces (or merges into) the runtime record and signals a difference.
-    void changeRuntime(const std::function<void(RuntimeData&)>& mutate);
+    /// Replaces (or merges into) the runtime record and signals a
+    /// difference, or the change in any case when `always` is set.
+    void changeRuntime(const std::function<void(RuntimeData&)>& mutate, bool always = false);
 
     VRNObject* q_ptr = nullptr;
     std::unique_ptr<ConfigData> proxy;

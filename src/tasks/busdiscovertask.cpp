@@ -42,16 +42,14 @@ bool BusDiscoverTaskPrivate::broadcast(quint8 cmd, const std::function<void(VRND
 
 VRNObject::UUID BusDiscoverTaskPrivate::registerNode(VRN::Addr addr)
 {
-    ObjectFactory* factory = ObjectFactory::instance();
     const VRNObject::Type type = BusDiscoverTask::deviceType(VRN::getType(addr));
-    // The registry keeps node numbers; the node type has its own column.
+    // The registry's nodeID column holds the 24-bit node number, the node
+    // type having a column of its own: the full address would put the type
+    // byte into every node id, and two nodes of one number but different
+    // types could not be told from the rows of one type.
     const unsigned int number = VRN::getNumber(addr);
-    if (const QSharedPointer<VRNObject> object = factory->createObject(type, number, false))
-        return object->uuid();
-    // No new row for a device listed before (a network discovered again):
-    // it is still marked, released and reported under its existing identity.
-    const VRNObject::UUID known = factory->findObject(number, type);
-    return known ? known : BusDiscoverTask::NoObject;
+    const QSharedPointer<VRNObject> object = ObjectFactory::instance()->createObject(type, number, false);
+    return object ? object->uuid() : BusDiscoverTask::NoObject;
 }
 
 bool BusDiscoverTaskPrivate::queueNodeJob(VRNObject::UUID uuid, bool enabled)
@@ -113,6 +111,11 @@ void BusDiscoverTask::run()
 {
     setState(Job::Running);
     d_func()->machine.start();
+}
+
+QList<unsigned int> BusDiscoverTask::answeredNodes() const
+{
+    return d_func()->discovered.keys();
 }
 
 void BusDiscoverTask::abort()
@@ -198,8 +201,10 @@ void BusDiscoverTask::nodeSetDiscover()
         }
         qDebug().noquote() << "[BusDiscoverTask]: not yet discovered node:" << hexAddr(addr);
         d->newNodeFound = true;
-        // A node whose object cannot be made counts as found all the same,
-        // so that later rounds do not try it again; it shows as NoObject.
+        // A node whose object is not made (a node listed before included)
+        // counts as found all the same, is not tried again in later rounds,
+        // is not marked, and shows as NoObject in "result": deliberately.
+        // `answeredNodes` tells the caller which address it was.
         const VRNObject::UUID uuid = d->registerNode(addr);
         d->discovered.insert(addr, uuid);
         if (uuid == NoObject) {
@@ -222,6 +227,9 @@ void BusDiscoverTask::nodeClearDiscover()
         return;
     while (!d->pendingAddrs.isEmpty()) {
         const unsigned int addr = d->pendingAddrs.takeFirst();
+        // Looked up by the full address, as the map is keyed: an address
+        // cut to its low 24 bits (the node number) would never match a key,
+        // since every key carries its node type in the top byte.
         if (d->queueNodeJob(d->discovered.value(addr), true))
             return;
         qWarning() << "[BusDiscoverTask]: failed to retrieve objectWorker";

@@ -21,11 +21,19 @@ class Worker;
 /// released again, and the result (property "result", a `QList<unsigned
 /// int>`) is the identities of the devices found, in node address order.
 ///
+/// A node whose object the factory does not make, because its row exists
+/// already or the registry fails, appears in "result" as `NoObject` and is
+/// never marked. `answeredNodes` lists the address of every node found, in
+/// the order of "result", so that a caller can find such a node's row itself.
+///
 /// A node whose answers get lost in one round is found in a later one: the
 /// rounds go on until the network is quiet.
 class BusDiscoverTask : public Task
 {
     Q_OBJECT
+    /// Node addresses (`VRN::Addr`) of the nodes that answered, ascending;
+    /// entry i is the node of entry i of "result"; complete at resultChanged().
+    Q_PROPERTY(QList<unsigned int> answeredNodes READ answeredNodes NOTIFY resultChanged)
 
 public:
     /// Rounds in a row without a new node that end the search.
@@ -44,6 +52,8 @@ public:
     /// Device kind of a node type: motors, standard nodes and the motor
     /// models by the table of the device network; any other type a standard node.
     static VRNObject::Type deviceType(VRN::NodeType nodeType);
+
+    QList<unsigned int> answeredNodes() const;
 
 Q_SIGNALS:
     void stateNext();

@@ -31,7 +31,9 @@ public:
     /// Queues `nodeJob` with `enabled` on the worker of the device `uuid`;
     /// false when the device has no worker.
     bool queueNodeJob(VRNObject::UUID uuid, bool enabled);
-    /// The device of node `addr`: a new row, or the row already listed.
+    /// The identity of a new row for node `addr`; `BusDiscoverTask::NoObject`
+    /// when the factory makes none (the node is listed already, or the
+    /// registry fails).
     VRNObject::UUID registerNode(VRN::Addr addr);
 
     BusDiscoverTask* q_ptr;

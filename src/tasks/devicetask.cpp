@@ -4,7 +4,6 @@
 #include "dts.h"
 #include "vrnmessage.h"
 
-#include <QCoreApplication>
 
 DeviceTask::DeviceTask(QObject* object, const Job& job, QObject* parent, DeviceTaskPrivate* dd)
     : Task(job, parent)
@@ -44,11 +43,11 @@ void DeviceTask::abort()
 bool DeviceTask::checkObject()
 {
     if (!hasObject()) {
-        failWith(QT_TR_NOOP("Internal error(no VRNObject)"));
+        fail(tr("Internal error(no VRNObject)"));
         return false;
     }
     if (!hasNode()) {
-        failWith(QT_TR_NOOP("Internal error(VRNObject has no proxy)"));
+        fail(tr("Internal error(VRNObject has no proxy)"));
         return false;
     }
     return true;
@@ -64,23 +63,24 @@ void DeviceTask::onCallFinished()
     case BusPendingCall::NoError:
         break;
     case BusPendingCall::TimeoutError:
-        failWith(QT_TR_NOOP("Timeout error"));
+        fail(tr("Timeout error"));
         return;
     case BusPendingCall::BusNotAvailableError:
-        failWith(QT_TR_NOOP("Bus not available"));
+        fail(tr("Bus not available"));
         return;
     default:
-        failWith(failedText().constData());
+        fail(failedText());
         return;
     }
     const BusMessage frame = d->watcher.reply();
     const VRNMessage reply(frame);
     if (!reply.isValid()) {
-        failWith(QT_TR_NOOP("Invalid message(%1)"), QString::fromLatin1(frame.data().toHex().toUpper()));
+        // An empty frame reads "Invalid message()".
+        fail(tr("Invalid message(%1)").arg(QString::fromLatin1(frame.data().toHex().toUpper())));
         return;
     }
     if (reply.cmd() == DTS::Nack) {
-        failWith(QT_TR_NOOP("Nack(%1)"), DTS::toString(DTS::getNackReply(reply)));
+        fail(tr("Nack(%1)").arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
     onReply(reply);
@@ -96,9 +96,9 @@ quint8 DeviceTask::expectedReply() const
     return DTS::Ack;
 }
 
-QByteArray DeviceTask::failedText() const
+QString DeviceTask::failedText() const
 {
-    return QByteArray(metaObject()->className()) + " failed";
+    return tr("%1 failed").arg(QLatin1String(metaObject()->className()));
 }
 
 VRNObject* DeviceTask::vrnObject() const
@@ -111,20 +111,12 @@ void DeviceTask::watch(const BusPendingCall& call)
     d_func()->watcher = call;
 }
 
-void DeviceTask::failWith(const char* text, const QString& arg)
-{
-    QString message = QCoreApplication::translate(metaObject()->className(), text);
-    if (!arg.isNull())
-        message = message.arg(arg);
-    fail(message);
-}
-
 void DeviceTask::failUnexpected(const VRNMessage& reply)
 {
     const QString what = reply.cmd() == expectedReply()
         ? QString::fromLatin1(reply.data().toHex().toUpper())
         : QString::number(reply.cmd(), 16).toUpper();
-    failWith(QT_TR_NOOP("Unexpected reply(%1)"), what);
+    fail(tr("Unexpected reply(%1)").arg(what));
 }
 
 void DeviceTask::finish()

@@ -21,7 +21,11 @@ class Worker;
 /// (2 "Timeout error", 4 "Bus not available", any other "<Class> failed"),
 /// the frame ("Invalid message(HEX)"), a negative acknowledgement
 /// ("Nack(TEXT)"); only a reply that passes all of them reaches `onReply()`.
-/// Every failure text is translated in the context of the concrete class.
+///
+/// Failure texts are marked with `tr()` at the literal, so the context a
+/// translation file (lupdate) files a text under is the one it is looked up
+/// in: the checks every task shares under "DeviceTask" (among them "%1
+/// failed", %1 the task's class name), a task's own texts under its class.
 ///
 /// Subclasses rarely derive from this class directly: `ReadTask` and
 /// `WriteTask` add the typed object, the record handling and the seeding rule,
@@ -64,12 +68,10 @@ protected:
     virtual quint8 expectedReply() const;
     /// Text for a call error other than timeout and bus failure: the class
     /// name followed by " failed" unless a class says otherwise.
-    virtual QByteArray failedText() const;
+    virtual QString failedText() const;
 
     /// Watches `call`: its end reaches `onCallFinished()`.
     void watch(const BusPendingCall& call);
-    /// `Task::fail()` with `text` translated in this class's context, "%1" replaced by `arg` when given.
-    void failWith(const char* text, const QString& arg = QString());
     /// "Unexpected reply(%1)": the whole frame in hexadecimal when `reply` is
     /// of the expected kind but did not parse, else its command byte.
     void failUnexpected(const VRNMessage& reply);

@@ -24,7 +24,7 @@ bool GetFwVersionTask::parse(const DTSStdProxy& node, const BusMessage& reply, S
         return false;
     if (!version.isValid()) {
         // The misspelling belongs to the message as users and translators know it.
-        failWith(QT_TR_NOOP("Internal error(firwmare version is not valid)"));
+        fail(tr("Internal error(firwmare version is not valid)"));
         return false;
     }
     proxy.data().appVersion = version;

@@ -25,11 +25,14 @@ BusPendingCall GetGroupsTask::request(DTSStdProxy& node)
 bool GetGroupsTask::parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy)
 {
     Q_D(GetGroupsTask);
-    unsigned char index = 0;
+    unsigned char slot = 0;
     unsigned int addr = 0;
-    if (!node.getGroupAddrReply(reply, index, addr) || index != d->index)
+    if (!node.getGroupAddrReply(reply, slot, addr))
         return false;
-    if (index == 0)
+    // The slot the reply names is not compared with the one asked for: every
+    // reply that parses is appended, in the order the replies come. The list
+    // starts anew with the first request of a read (slot 0 asked for).
+    if (d->index == 0)
         proxy.data().groups.clear();
     proxy.data().groups.append(addr);
     return true;

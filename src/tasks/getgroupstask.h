@@ -6,7 +6,8 @@
 class GetGroupsTaskPrivate;
 
 /// Reads the node's 16 group slots, index 0 first, one request each. Every
-/// reply is stored in the proxy record at once (slot 0 starts a new list),
+/// reply that parses is appended to the proxy's list and stored at once
+/// (the request for slot 0 starts a new list),
 /// so a failure part-way keeps the slots read before it; after the 16th the
 /// local group list is seeded.
 class GetGroupsTask : public ReadTask<StdConfigData>
@@ -20,7 +21,7 @@ public:
 
 protected:
     BusPendingCall request(DTSStdProxy& node) override;
-    /// A reply for another slot than the one asked for does not parse.
+    /// Appends the address of any group reply, whatever slot it names.
     bool parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy) override;
     bool isKnown(const StdConfigData& record) const override;
     void seed(const StdConfigData& from, StdConfigData& to) const override;

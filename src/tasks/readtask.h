@@ -32,7 +32,7 @@ protected:
 
     /// Reads `reply` into `proxy`, a copy of the proxy record; false when the
     /// reply does not parse. A task that fails for a reason of its own calls
-    /// `failWith()` first; the generic failure is then not added.
+    /// `fail()` first; the generic failure is then not added.
     virtual bool parse(const Proxy& node, const BusMessage& reply, Record& proxy) = 0;
     /// Whether the task's field of `record` is known.
     virtual bool isKnown(const Record& record) const = 0;

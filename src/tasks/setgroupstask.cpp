@@ -50,10 +50,22 @@ void SetGroupsTask::abort()
     DeviceTask::abort();
 }
 
+int SetGroupsTask::failedSlot() const
+{
+    return d_func()->failedSlot;
+}
+
+QString SetGroupsTask::slotError() const
+{
+    return d_func()->slotError;
+}
+
 void SetGroupsTask::start()
 {
     Q_D(SetGroupsTask);
     d->index = 0;
+    d->failedSlot = -1;
+    d->slotError.clear();
     if (d->groups.isEmpty())
         finish();
     else
@@ -72,8 +84,13 @@ void SetGroupsTask::onJobStateChanged(Job::State state)
     Q_D(SetGroupsTask);
     if (state != Job::Finished || !isRunning())
         return;
+    // A failed slot write ends its inner job too (state Finished, with an
+    // error): the outer task is then deliberately left running, neither
+    // finished nor failed; only what runs the job can end it.
     if (d->job.error() != Job::NoError) {
-        fail(d->job.errorString());
+        d->failedSlot = d->index;
+        d->slotError = d->job.errorString();
+        emit slotFailed(d->failedSlot, d->slotError);
         return;
     }
     if (!checkObject())

@@ -10,12 +10,24 @@ class SetGroupsTaskPrivate;
 /// Writes a list of group addresses (job property "groups") into the node's
 /// slots 0, 1, ... in list order, one `SetGroupTask` at a time on an inner
 /// job, and finishes after the last acknowledgement. An empty list finishes
-/// at once. When one slot's write fails the task fails with that write's
-/// text and writes no further slot: a failure left unreported would hold the
-/// device's queue for good.
+/// at once.
+///
+/// A slot write that fails (refused, unanswered) stops the writing and, by
+/// design, ends nothing: the task stays running, neither finished nor
+/// failed, until its job is aborted or taken off its queue. Whoever runs the
+/// job bounds its wait and learns which slot failed from `slotFailed()` or
+/// the properties `failedSlot` and `slotError`:
+///
+///     connect(task, &SetGroupsTask::slotFailed, this, [&](int slot, const QString& error) {
+///         worker->queue()->dequeue(job);  // ends the job with Job::AbortedError
+///     });
 class SetGroupsTask : public ObjectTask<StdConfigData>
 {
     Q_OBJECT
+    /// The slot whose write failed; -1 while none has.
+    Q_PROPERTY(int failedSlot READ failedSlot NOTIFY slotFailed)
+    /// The failed write's error text ("Nack(...)", "Timeout error", ...).
+    Q_PROPERTY(QString slotError READ slotError NOTIFY slotFailed)
 
 public:
     SetGroupsTask(Worker& worker, QObject* object, const Job& job, QObject* parent = nullptr);
@@ -27,6 +39,13 @@ public:
     /// The list a job property holds (a list from QML, of numbers); items
     /// that are no number are left out with a warning.
     static QList<unsigned int> groupsFromVariant(const QVariant& value);
+
+    int failedSlot() const;
+    QString slotError() const;
+
+Q_SIGNALS:
+    /// The write of `slot` failed with `error`; the task goes on running.
+    void slotFailed(int slot, const QString& error);
 
 public Q_SLOTS:
     void onJobStateChanged(Job::State state);

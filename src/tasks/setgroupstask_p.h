@@ -11,6 +11,8 @@ public:
     explicit SetGroupsTaskPrivate(const QList<unsigned int>& groups) : groups(groups) {}
     const QList<unsigned int> groups;
     int index = 0;
+    int failedSlot = -1;
+    QString slotError;
     /// Runs the `SetGroupTask` of the slot being written.
     Job job;
 };

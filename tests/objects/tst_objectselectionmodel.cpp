@@ -193,16 +193,22 @@ private slots:
         QCOMPARE(int(model->selectedType()), 0);
     }
 
+    // A node id only for a single device; wider and empty selections are logged.
     void selectedNodeIdOfSingleDevice()
     {
+        const char* notOne = "[ObjectSelectionModel]: query is empty, invalid, or it concerns multiple devices";
         const auto a = addDevice(VRNObject::DtsMotor, 0x123);
         addDevice(VRNObject::DtsMotor, 0x124);
         model->addItems(ObjectFactory::UuidColumn, a);
         QCOMPARE(model->selectedNodeId(), VRN::Addr(0x123));
+        QTest::ignoreMessage(QtWarningMsg, notOne);
         model->addItems(ObjectFactory::NodeIDColumn, 0x124);
         QCOMPARE(model->selectedNodeId(), VRN::Addr(0));
         model->removeItems(ObjectFactory::NodeIDColumn, 0x124);
         QCOMPARE(model->selectedNodeId(), VRN::Addr(0x123));
+        QTest::ignoreMessage(QtWarningMsg, notOne);
+        model->clear();
+        QCOMPARE(model->selectedNodeId(), VRN::Addr(0));
     }
 
     void badColumnIsReported()

@@ -79,16 +79,16 @@ private slots:
     void typeConversion();
     void objectsOfEachClass();
     void localChangeMakesDirtyAndSignals();
-    void isInitSuppressesOnlyDirtiness();
+    void isInitChangesSilently();
     void mergeChangeWithoutRecordChange();
     void shallowerRecordErasesOwnLevel();
     void proxyChangeFlipsSync();
     void typedAccessorsMergeAtTheirLevel();
-    void synchronizeCopiesValidLevels();
+    void synchronizeAtOwnLevelOnly();
     void validityPerLevel();
     void labelPrefersLocal();
     void eraseAllLevels();
-    void runtimeSignalsOnDifference();
+    void runtimeSignals();
     void save();
     void autosaveOnDestruction();
     void workerHoldsObject();
@@ -200,22 +200,24 @@ void tst_VRNObject::localChangeMakesDirtyAndSignals()
     QCOMPARE(spies.local.count(), 2);
 }
 
-void tst_VRNObject::isInitSuppressesOnlyDirtiness()
+void tst_VRNObject::isInitChangesSilently()
 {
     VRNMotorObject obj;
     Spies spies(&obj);
     QSignalSpy typed(&obj, &VRNMotorObject::localMotorConfigChanged);
     obj.setLocalConfig(validMotor(300), true);
-    QVERIFY(!obj.isDirty());
-    QCOMPARE(spies.dirty.count(), 0);
-    QCOMPARE(typed.count(), 1);
-    QCOMPARE(spies.local.count(), 1);
-    QCOMPARE(obj.localMotorConfig().getConstData().upEndLimit, quint16(300));
-
     obj.updateLocalStdConfig(labelled("init"), true);
+    QCOMPARE(obj.localMotorConfig().getConstData().upEndLimit, quint16(300));
+    QCOMPARE(obj.label(), QByteArray("init"));
     QVERIFY(!obj.isDirty());
+    QVERIFY(!obj.isSynced());
+    QCOMPARE(spies.dirty.count() + spies.sync.count() + spies.local.count() + typed.count(), 0);
+
+    // The next real change reports the sync state the initialisation left.
     obj.updateLocalStdConfig(labelled("user"));
     QVERIFY(obj.isDirty());
+    QCOMPARE(spies.sync.count(), 1);
+    QCOMPARE(spies.local.count(), 1);
 }
 
 void tst_VRNObject::mergeChangeWithoutRecordChange()
@@ -293,11 +295,13 @@ void tst_VRNObject::typedAccessorsMergeAtTheirLevel()
     QVERIFY(obj.proxyMotorConfig().getConstData().label.isNull());
 }
 
-void tst_VRNObject::synchronizeCopiesValidLevels()
+void tst_VRNObject::synchronizeAtOwnLevelOnly()
 {
     VRNMotorObject obj;
     MotorConfigData proxy = validMotor(900);
-    proxy.data().label = "dev";   // version and groups unknown: standard level not valid
+    proxy.data().label = "dev";
+    proxy.data().groups = {1};
+    proxy.data().appVersion.major = 1;   // the standard level is valid too
     obj.setProxyConfig(proxy);
     obj.updateProxyStdConfig(proxy);
     QSignalSpy typed(&obj, &VRNMotorObject::localMotorConfigChanged);
@@ -305,22 +309,15 @@ void tst_VRNObject::synchronizeCopiesValidLevels()
     obj.synchronize();
     QCOMPARE(typed.count(), 1);
     QCOMPARE(obj.localMotorConfig().getConstData().upEndLimit, quint16(900));
-    QVERIFY(obj.localMotorConfig().getConstData().label.isNull());
+    QVERIFY(obj.localMotorConfig().getConstData().label.isNull());   // no cascade
     QVERIFY(!obj.isSynced());
     QVERIFY(obj.isDirty());
 
-    StdConfigData std = labelled("dev");
-    std.data().groups = {1};
-    std.data().appVersion.major = 1;
-    obj.updateProxyStdConfig(std);
-    obj.synchronize();
+    obj.VRNStdObject::synchronize();
     QVERIFY(obj.isSynced());
     QCOMPARE(obj.label(), QByteArray("dev"));
-    // The motor level merged again: its standard fields still differed.
-    QCOMPARE(typed.count(), 2);
-
     obj.synchronize();   // synchronised: nothing more
-    QCOMPARE(typed.count(), 2);
+    QCOMPARE(typed.count(), 1);
 }
 
 void tst_VRNObject::validityPerLevel()
@@ -373,18 +370,20 @@ void tst_VRNObject::eraseAllLevels()
     QCOMPARE(local.count(), 1);
 }
 
-void tst_VRNObject::runtimeSignalsOnDifference()
+void tst_VRNObject::runtimeSignals()
 {
     VRNMotorObject obj;
     QSignalSpy spy(&obj, &VRNObject::proxyRuntimeChanged);
     RuntimeData r;
     r.data().posPulse = 10;
     obj.setProxyRuntime(r);
-    obj.setProxyRuntime(r);
-    QCOMPARE(spy.count(), 1);
+    obj.setProxyRuntime(r);   // the same reading again is still reported
+    QCOMPARE(spy.count(), 2);
+    obj.updateProxyRuntime(r);   // a merge reports differences only
+    QCOMPARE(spy.count(), 2);
     r.data().networkErrorStat.crcError = 2;
     obj.updateProxyRuntime(r);
-    QCOMPARE(spy.count(), 2);
+    QCOMPARE(spy.count(), 3);
     QCOMPARE(obj.proxyRuntime(), r);
     QVERIFY(!obj.isDirty());
 }

@@ -23,6 +23,9 @@ class TestBus : public VRNLoopbackBus
 {
 public:
     bool acceptAnyFrame = false;
+    /// Hands `bytes` to the waiting call as one frame read from the wire,
+    /// even none at all.
+    void deliver(const QByteArray& bytes) { frameReceived(BusMessage(bytes)); }
 
 protected:
     bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override

@@ -22,6 +22,10 @@
 #include "vrndatawriter.h"
 #include "workqueue.h"
 
+#include <QProcess>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QTranslator>
 #include <QtTest>
 
 using namespace TaskFixture;
@@ -43,10 +47,13 @@ private slots:
     void labelSeeding();
     void firstReadsSeedLocal();
     void invalidVersion();
+    void failureTextsTranslated();
     void groupRead();
+    void groupReplyForAnotherSlot();
     void groupReadTimeout();
     void setGroups_data();
     void setGroups();
+    void setGroupsSlotRefused();
     void setLabel();
     void nodeDiscoveryMark();
 
@@ -148,6 +155,7 @@ void tst_DeviceTasks::replyChecks_data()
     QTest::newRow("expected kind, bad size") << longLabel << false
                                              << QStringLiteral("Unexpected reply(%1)").arg(QString(longLabel.toHex().toUpper()));
     QTest::newRow("invalid frame") << garbage << true << QStringLiteral("Invalid message(00FF13)");
+    QTest::newRow("empty frame") << QByteArray() << true << QStringLiteral("Invalid message()");
     QTest::newRow("silence") << QByteArray() << false << QStringLiteral("Timeout error");
 }
 
@@ -161,6 +169,10 @@ void tst_DeviceTasks::replyChecks()
     m_wire->bus->acceptAnyFrame = acceptAny;
     if (!reply.isEmpty())
         m_wire->script.append(reply);
+    else if (acceptAny) // a frame of no bytes, as a transport of another make may hand over
+        connect(m_wire->bus, &Bus::messageSent, this, [this] {
+            QTimer::singleShot(0, m_wire->bus, [this] { m_wire->bus->deliver(QByteArray()); });
+        });
     const StdConfigData before = stdObj()->proxyStdConfig();
     QString text;
     QCOMPARE(run(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
@@ -270,6 +282,41 @@ void tst_DeviceTasks::invalidVersion()
     QVERIFY(!stdObj()->proxyStdConfig().isVersionValid());
 }
 
+// A translation file made of the task sources by lupdate holds every failure
+// text under the context the task looks it up in.
+void tst_DeviceTasks::failureTextsTranslated()
+{
+    const QString lupdate = QStringLiteral(VRN_LUPDATE);
+    const QString lrelease = QStringLiteral(VRN_LRELEASE);
+    if (lupdate.endsWith(QLatin1String("NOTFOUND")) || lrelease.endsWith(QLatin1String("NOTFOUND")))
+        QSKIP("Qt's translation tools (lupdate, lrelease) are not installed");
+    QTemporaryDir dir;
+    const QString ts = dir.filePath(QStringLiteral("tasks.ts"));
+    const QString qm = dir.filePath(QStringLiteral("tasks.qm"));
+    QCOMPARE(QProcess::execute(lupdate, {QStringLiteral("-silent"), QStringLiteral(VRN_TASK_SOURCES), QStringLiteral("-ts"), ts}), 0);
+    // Every text the file holds comes out marked with "~".
+    QCOMPARE(QProcess::execute(lrelease, {QStringLiteral("-silent"), QStringLiteral("-markuntranslated"), QStringLiteral("~"),
+                                          ts, QStringLiteral("-qm"), qm}), 0);
+    QTranslator translator;
+    QVERIFY(translator.load(qm));
+    QCoreApplication::installTranslator(&translator);
+    const auto uninstall = qScopeGuard([&] { QCoreApplication::removeTranslator(&translator); });
+
+    SimNode::AppVersion none;
+    none.major = 0xFF;
+    m_simStd->setAppVersion(none);
+    QString text;
+    run(new GetFwVersionTask(m_std.data()), &text);
+    QCOMPARE(text, QStringLiteral("~Internal error(firwmare version is not valid)"));
+    run(new SetLabelTask(QByteArray(17, 'x'), m_std.data()), &text);
+    QCOMPARE(text, QStringLiteral("~SetLabelTask failed"));
+    run(new GetGroupsTask(nullptr), &text);
+    QCOMPARE(text, QStringLiteral("~Internal error(no VRNObject)"));
+    m_simStd->setSilent(true);
+    run(new GetLabelTask(m_std.data()), &text);
+    QCOMPARE(text, QStringLiteral("~Timeout error"));
+}
+
 void tst_DeviceTasks::groupRead()
 {
     for (int i = 0; i < SimNode::GroupSlots; ++i)
@@ -284,6 +331,26 @@ void tst_DeviceTasks::groupRead()
     for (quint32 g : m_simStd->groups())
         expected.append(g);
     QCOMPARE(stdObj()->proxyStdConfig().getConstData().groups, expected);
+}
+
+void tst_DeviceTasks::groupReplyForAnotherSlot()
+{
+    for (int i = 0; i < SimNode::GroupSlots; ++i)
+        m_simStd->setGroup(i, 0x030000u + unsigned(i));
+    // Asked for slot 3, the node answers with slot 9's entry.
+    connect(m_wire->bus, &Bus::messageSent, this, [this](const BusMessage& m) {
+        const VRNMessage request(m);
+        const bool slot3 = request.cmd() == DTS::GetGroupAddr && request.payload().at(0) == 3;
+        m_simStd->setSilent(slot3);
+        if (slot3)
+            m_wire->script.append(nodeFrame(DTS::PostGroupAddr, m_simStd->address(), QByteArray::fromHex("09030009")));
+    });
+    GetGroupsJob job;
+    QCOMPARE(run(job), Job::NoError);
+    const QList<VRN::Addr> read = stdObj()->proxyStdConfig().getConstData().groups;
+    QCOMPARE(read.size(), 16);
+    QCOMPARE(read.at(3), 0x030009u);
+    QCOMPARE(read.at(4), 0x030004u);
 }
 
 void tst_DeviceTasks::groupReadTimeout()
@@ -307,55 +374,67 @@ void tst_DeviceTasks::groupReadTimeout()
 void tst_DeviceTasks::setGroups_data()
 {
     QTest::addColumn<QVariantList>("groups");
-    QTest::addColumn<int>("nackAt"); // -1: every write is acknowledged
-    QTest::newRow("three") << QVariantList{0x10, 0x20, 0x30} << -1;
+    QTest::newRow("three") << QVariantList{0x10, 0x20, 0x30};
     QTest::newRow("sixteen") << [] {
         QVariantList all;
         for (int i = 0; i < 16; ++i)
             all.append(0x300 + i);
         return all;
-    }() << -1;
-    QTest::newRow("empty") << QVariantList() << -1;
-    QTest::newRow("numbers as text") << QVariantList{QStringLiteral("7"), 8} << -1;
-    QTest::newRow("second write refused") << QVariantList{0x10, 0x20, 0x30} << 1;
+    }();
+    QTest::newRow("empty") << QVariantList();
+    QTest::newRow("numbers as text") << QVariantList{QStringLiteral("7"), 8};
 }
 
 void tst_DeviceTasks::setGroups()
 {
     QFETCH(QVariantList, groups);
-    QFETCH(int, nackAt);
 
     // Slots read before: the local list takes the written entries.
     GetGroupsJob read;
     QCOMPARE(run(read), Job::NoError);
     m_wire->sent.clear();
-    if (nackAt >= 0) {
-        connect(m_wire->bus, &Bus::messageSent, this, [this, nackAt](const BusMessage& m) {
-            if (m_wire->sentOf(DTS::SetGroupAddr).size() == nackAt + 1 && VRNMessage(m).cmd() == DTS::SetGroupAddr)
-                m_simStd->setForcedNack(DTS::NackNodeLocked);
-        });
-    }
     SetGroupsJob job;
     job.setGroups(groups);
-    const Job::Error error = run(job);
+    QCOMPARE(run(job), Job::NoError);
     const QList<VRNMessage> writes = m_wire->sentOf(DTS::SetGroupAddr);
-    const int written = nackAt < 0 ? groups.size() : nackAt;
-    QCOMPARE(writes.size(), nackAt < 0 ? groups.size() : nackAt + 1);
+    QCOMPARE(writes.size(), groups.size());
     for (int i = 0; i < writes.size(); ++i) {
         const QByteArray p = writes.at(i).payload();
         QCOMPARE(int(quint8(p.at(0))), i);
         QCOMPARE(VRNDataReader(p.mid(1)).readUint24(), groups.at(i).toUInt());
-    }
-    for (int i = 0; i < written; ++i) {
         QCOMPARE(m_simStd->group(i), groups.at(i).toUInt());
         QCOMPARE(stdObj()->localStdConfig().getConstData().groups.at(i), groups.at(i).toUInt());
     }
-    if (nackAt < 0) {
-        QCOMPARE(error, Job::NoError);
-    } else {
-        QCOMPARE(error, Job::TaskFailedError);
-        QCOMPARE(job.errorString(), QStringLiteral("Nack(%1)").arg(DTS::toString(DTS::NackNodeLocked)));
-    }
+}
+
+// A refused slot stops the writing and ends nothing: the job runs until
+// whoever queued it takes it off the queue.
+void tst_DeviceTasks::setGroupsSlotRefused()
+{
+    connect(m_wire->bus, &Bus::messageSent, this, [this](const BusMessage& m) {
+        if (VRNMessage(m).cmd() == DTS::SetGroupAddr && m_wire->sentOf(DTS::SetGroupAddr).size() == 2)
+            m_simStd->setForcedNack(DTS::NackNodeLocked);
+    });
+    SetGroupsJob job;
+    job.setGroups({0x10, 0x20, 0x30});
+    QList<QVariantList> refused;
+    connect(&job, &Job::started, this, [&] {
+        connect(qobject_cast<SetGroupsTask*>(job.task()), &SetGroupsTask::slotFailed, this,
+                [&](int slot, const QString& error) { refused.append({slot, error}); });
+    });
+    QVERIFY(m_worker->queue()->enqueue(job, 0));
+    QTRY_COMPARE(refused.size(), 1);
+    const QString nack = QStringLiteral("Nack(%1)").arg(DTS::toString(DTS::NackNodeLocked));
+    QCOMPARE(refused.first(), (QVariantList{1, nack}));
+    QTest::qWait(100);
+    QCOMPARE(job.state(), Job::Running);
+    QCOMPARE(m_wire->sentOf(DTS::SetGroupAddr).size(), 2);
+    QCOMPARE(job.task()->property("failedSlot").toInt(), 1);
+
+    QSignalSpy finished(&job, &Job::finished);
+    QVERIFY(m_worker->queue()->dequeue(job));
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(job.error(), Job::AbortedError);
 }
 
 void tst_DeviceTasks::setLabel()

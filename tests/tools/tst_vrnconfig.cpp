@@ -134,9 +134,16 @@ private slots:
             previous = o.value(QStringLiteral("nodeID")).toInt();
         }
 
-        // A second discovery of the same network registers nothing new.
+        // A second discovery of the same network registers nothing new and
+        // still names every device, as listed before.
         r = run({QStringLiteral("--json"), QStringLiteral("discover")});
         QCOMPARE(r.code, 0);
+        const QJsonArray again = jsonArray(r.out);
+        QCOMPARE(again.size(), 6);
+        for (int i = 0; i < again.size(); ++i) {
+            QCOMPARE(again.at(i).toObject().value(QStringLiteral("uuid")), found.at(i).toObject().value(QStringLiteral("uuid")));
+            QCOMPARE(again.at(i).toObject().value(QStringLiteral("new")).toBool(), false);
+        }
         r = run({QStringLiteral("--json"), QStringLiteral("list")});
         QCOMPARE(jsonArray(r.out).size(), 6);
     }
@@ -180,6 +187,19 @@ private slots:
         QCOMPARE(groups.size(), 16);
         QCOMPARE(groups.at(0).toInt(), 0x0F0001);
         QCOMPARE(groups.at(1).toInt(), 7);
+    }
+
+    // A refused slot leaves the library's job running: the tool stops it,
+    // names the slot and fails.
+    void refusedGroupSlotEndsTheRun()
+    {
+        const Result r = run({QStringLiteral("--json"), QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
+                              QStringLiteral("0x10"), QStringLiteral("0xFFFFFF"), QStringLiteral("0x30")});
+        QCOMPARE(r.code, 1);
+        const QJsonObject o = jsonLine(r.out);
+        QCOMPARE(o.value(QStringLiteral("ok")).toBool(), false);
+        QCOMPARE(o.value(QStringLiteral("slot")).toInt(), 1);
+        QVERIFY2(o.value(QStringLiteral("error")).toString().startsWith(QLatin1String("group slot 1 refused: Nack(")), r.out.constData());
     }
 
     // The monitor shows the nodes' answers to another process's requests

@@ -12,6 +12,7 @@
 #include "qmlobjectworker.h"
 #include "qmlserialportlist.h"
 #include "setgroupsjob.h"
+#include "setgroupstask.h"
 #include "setlabeljob.h"
 #include "settings.h"
 #include "vrnbus.h"
@@ -275,7 +276,8 @@ void VrnConfigCli::cmdDiscover(const QStringList& args)
             std::fputs("\n", stderr);
         if (error != Job::NoError)
             return fail(Failed, tr("discovery failed: %1").arg(job->errorString()));
-        printDevices(job->result().value<QList<unsigned int>>());
+        auto task = qobject_cast<BusDiscoverTask*>(job->task());
+        printDevices(job->result().value<QList<unsigned int>>(), task ? task->answeredNodes() : QList<unsigned int>());
         finish();
     });
     if (!BusFactory::instance()->busWorker()->queue()->enqueue(*job, 0))
@@ -398,8 +400,16 @@ void VrnConfigCli::cmdSet(const QStringList& args)
     } else {
         return fail(Usage, tr("cannot set %1 (label or groups)").arg(what));
     }
-    if (openBus())
-        runOnDevices(uuids, makeJob, readValue, what == QLatin1String("label"));
+    if (!openBus())
+        return;
+    // A group write that fails leaves its job running for good (see
+    // SetGroupsTask): the wait is bounded by the time every request may take.
+    int bound = 0;
+    if (what == QLatin1String("groups")) {
+        const int requests = int(uuids.size()) * (args.size() - 2);
+        bound = (requests + 1) * BusFactory::instance()->bus()->timeout() + 1000;
+    }
+    runOnDevices(uuids, makeJob, readValue, what == QLatin1String("label"), bound);
 }
 
 void VrnConfigCli::cmdForget(const QStringList& args)
@@ -562,7 +572,7 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
 // requests on the wire one at a time), and prints one result per device in
 // the order given once every job has ended.
 void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
-                                const ValueReader& readValue, bool store)
+                                const ValueReader& readValue, bool store, int bound)
 {
     struct Run
     {
@@ -571,6 +581,8 @@ void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFa
         QmlJob* job = nullptr;
         QJsonObject json;
         QString line;
+        /// Why the job was taken off its queue, when it was.
+        QString stopped;
         bool ended = false;
     };
     auto runs = std::make_shared<QList<Run>>();
@@ -620,12 +632,40 @@ void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFa
                 if (store && !factory->save(run.object.data()))
                     std::fprintf(stderr, "vrnconfig: device %u: label not stored in the registry\n", run.object->uuid());
             } else {
-                run.json.insert(QStringLiteral("error"), run.job->errorString());
+                run.json.insert(QStringLiteral("error"), run.stopped.isEmpty() ? run.job->errorString() : run.stopped);
             }
             run.ended = true;
             run.worker.reset();
             report();
         });
+        // Stops a job that would not end by itself (a failed group write).
+        auto stop = [runs, i](const QString& why) {
+            Run& run = (*runs)[i];
+            if (run.ended || !run.worker)
+                return;
+            run.stopped = why;
+            run.worker->queue()->dequeue(*run.job);
+        };
+        connect(run.job, &Job::started, this, [this, runs, i, stop] {
+            auto task = qobject_cast<SetGroupsTask*>((*runs)[i].job->task());
+            if (!task)
+                return;
+            // Queued: the task is still inside its slot job's end when it reports.
+            connect(task, &SetGroupsTask::slotFailed, this, [this, runs, i, stop](int slot, const QString& error) {
+                (*runs)[i].json.insert(QStringLiteral("slot"), slot);
+                stop(tr("group slot %1 refused: %2").arg(slot).arg(error));
+            }, Qt::QueuedConnection);
+        });
+        if (bound > 0) {
+            QTimer::singleShot(bound, this, [this, runs, i, stop, bound] {
+                const Run& run = (*runs)[i];
+                auto task = run.job ? qobject_cast<SetGroupsTask*>(run.job->task()) : nullptr;
+                if (task && task->failedSlot() >= 0)
+                    stop(tr("group slot %1 refused: %2").arg(task->failedSlot()).arg(task->slotError()));
+                else
+                    stop(tr("no end within %1 ms").arg(bound));
+            });
+        }
         if (!run.worker->queue()->enqueue(*run.job, 0)) {
             run.json.insert(QStringLiteral("error"), tr("cannot queue the job"));
             run.ended = true;
@@ -634,14 +674,22 @@ void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFa
     report();
 }
 
-void VrnConfigCli::printDevices(const QList<VRNObject::UUID>& uuids)
+// Discovery reports the nodes it registered now; a node listed before comes
+// back as NoObject, and its row is found here by its address.
+void VrnConfigCli::printDevices(const QList<VRNObject::UUID>& uuids, const QList<unsigned int>& addrs)
 {
     ObjectFactory* factory = ObjectFactory::instance();
     QJsonArray array;
     if (!m_json)
         out(tr("%1 device(s) found").arg(uuids.size()));
-    for (VRNObject::UUID uuid : uuids) {
-        const QSharedPointer<VRNObject> object = uuid == BusDiscoverTask::NoObject ? nullptr : factory->object(uuid);
+    for (int i = 0; i < uuids.size(); ++i) {
+        VRNObject::UUID uuid = uuids.at(i);
+        const bool known = uuid == BusDiscoverTask::NoObject && i < addrs.size();
+        if (known) {
+            const VRN::Addr addr = addrs.at(i);
+            uuid = factory->findObject(VRN::getNumber(addr), BusDiscoverTask::deviceType(VRN::getType(addr)));
+        }
+        const QSharedPointer<VRNObject> object = uuid == BusDiscoverTask::NoObject || uuid == 0 ? nullptr : factory->object(uuid);
         if (!object) {
             if (m_json)
                 array.append(QJsonObject{{QStringLiteral("uuid"), QJsonValue()}});
@@ -653,9 +701,11 @@ void VrnConfigCli::printDevices(const QList<VRNObject::UUID>& uuids)
         const quint32 node = VRN::getNumber(object->address());
         if (m_json)
             array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("nodeID"), qint64(node)},
-                                     {QStringLiteral("type"), int(object->type())}, {QStringLiteral("typeName"), typeName}});
+                                     {QStringLiteral("type"), int(object->type())}, {QStringLiteral("typeName"), typeName},
+                                     {QStringLiteral("new"), !known}});
         else
-            out(QStringLiteral("%1 %2 %3").arg(uuid, 8).arg(hex(node), -8).arg(typeName));
+            out(QStringLiteral("%1 %2 %3%4").arg(uuid, 8).arg(hex(node), -8).arg(typeName, -12)
+                    .arg(known ? tr("(listed before)") : tr("(new)")));
     }
     if (m_json)
         outJson(array);

@@ -51,9 +51,10 @@ private:
     bool openDatabase();
     bool openBus();
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
+    /// `bound` (ms, 0 for none): a job still running by then is taken off its queue.
     void runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
-                      const ValueReader& readValue, bool store);
-    void printDevices(const QList<VRNObject::UUID>& uuids);
+                      const ValueReader& readValue, bool store, int bound = 0);
+    void printDevices(const QList<VRNObject::UUID>& uuids, const QList<unsigned int>& addrs);
 
     static bool parseNumber(const QString& text, quint32 max, quint32& value);
     void out(const QString& line);
