@@ -4,6 +4,8 @@
 #include "dts.h"
 #include "vrnmessage.h"
 
+#include <QCoreApplication>
+
 
 DeviceTask::DeviceTask(QObject* object, const Job& job, QObject* parent, DeviceTaskPrivate* dd)
     : Task(job, parent)
@@ -43,11 +45,11 @@ void DeviceTask::abort()
 bool DeviceTask::checkObject()
 {
     if (!hasObject()) {
-        fail(tr("Internal error(no VRNObject)"));
+        fail(translated(QT_TR_NOOP("Internal error(no VRNObject)")));
         return false;
     }
     if (!hasNode()) {
-        fail(tr("Internal error(VRNObject has no proxy)"));
+        fail(translated(QT_TR_NOOP("Internal error(VRNObject has no proxy)")));
         return false;
     }
     return true;
@@ -63,10 +65,10 @@ void DeviceTask::onCallFinished()
     case BusPendingCall::NoError:
         break;
     case BusPendingCall::TimeoutError:
-        fail(tr("Timeout error"));
+        fail(translated(QT_TR_NOOP("Timeout error")));
         return;
     case BusPendingCall::BusNotAvailableError:
-        fail(tr("Bus not available"));
+        fail(translated(QT_TR_NOOP("Bus not available")));
         return;
     default:
         fail(failedText());
@@ -76,11 +78,11 @@ void DeviceTask::onCallFinished()
     const VRNMessage reply(frame);
     if (!reply.isValid()) {
         // An empty frame reads "Invalid message()".
-        fail(tr("Invalid message(%1)").arg(QString::fromLatin1(frame.data().toHex().toUpper())));
+        fail(translated(QT_TR_NOOP("Invalid message(%1)")).arg(QString::fromLatin1(frame.data().toHex().toUpper())));
         return;
     }
     if (reply.cmd() == DTS::Nack) {
-        fail(tr("Nack(%1)").arg(DTS::toString(DTS::getNackReply(reply))));
+        fail(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
     onReply(reply);
@@ -98,7 +100,17 @@ quint8 DeviceTask::expectedReply() const
 
 QString DeviceTask::failedText() const
 {
-    return tr("%1 failed").arg(QLatin1String(metaObject()->className()));
+    return translated(QT_TR_NOOP("%1 failed")).arg(QLatin1String(metaObject()->className()));
+}
+
+QString DeviceTask::translated(const char* source) const
+{
+    // The failing task's own context first, so that a translation can say
+    // it its own way; else the shared one, which lupdate records.
+    const QString own = QCoreApplication::translate(metaObject()->className(), source);
+    if (own != QLatin1String(source))
+        return own;
+    return QCoreApplication::translate("DeviceTask", source);
 }
 
 VRNObject* DeviceTask::vrnObject() const
@@ -116,7 +128,7 @@ void DeviceTask::failUnexpected(const VRNMessage& reply)
     const QString what = reply.cmd() == expectedReply()
         ? QString::fromLatin1(reply.data().toHex().toUpper())
         : QString::number(reply.cmd(), 16).toUpper();
-    fail(tr("Unexpected reply(%1)").arg(what));
+    fail(translated(QT_TR_NOOP("Unexpected reply(%1)")).arg(what));
 }
 
 void DeviceTask::finish()

@@ -70,6 +70,10 @@ protected:
     /// name followed by " failed" unless a class says otherwise.
     virtual QString failedText() const;
 
+    /// A failure text in the context of the task's own class, or, when that
+    /// has no translation, in the context of `DeviceTask`, where the shared
+    /// texts are marked.
+    QString translated(const char* source) const;
     /// Watches `call`: its end reaches `onCallFinished()`.
     void watch(const BusPendingCall& call);
     /// "Unexpected reply(%1)": the whole frame in hexadecimal when `reply` is
