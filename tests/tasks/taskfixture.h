@@ -23,8 +23,14 @@ class TestBus : public VRNLoopbackBus
 {
 public:
     bool acceptAnyFrame = false;
+    /// Every write fails: calls end with a write error (neither timeout nor bus failure).
+    bool failWrites = false;
 
 protected:
+    bool writeFrame(const BusMessage& message) override
+    {
+        return !failWrites && VRNLoopbackBus::writeFrame(message);
+    }
     bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override
     {
         return acceptAnyFrame || VRNLoopbackBus::isReplyTo(request, frame);
