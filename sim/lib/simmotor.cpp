@@ -54,7 +54,8 @@ quint8 SimNodePrivate::percentOf(quint16 pulses) const
     const int span = int(downLimit) - int(upLimit);
     if (span == 0)
         return 0;
-    const int pct = (int(pulses) - int(upLimit)) * 100 / span;
+    // Rounded, so that a move to N % reads back as N % whatever the span.
+    const int pct = int(std::lround((int(pulses) - int(upLimit)) * 100.0 / span));
     return quint8(std::clamp(pct, 0, 100));
 }
 
