@@ -4,7 +4,8 @@
 #include "readtask.h"
 
 /// Reads both end limits into the proxy record; seeds the local ones.
-/// Other call errors read "GetDirectionTask failed", as they always have.
+/// Other call errors read "GetDirectionTask failed", deliberately
+/// (the text users and translators know for it).
 class GetEndLimitsTask : public ReadTask<MotorConfigData>
 {
     Q_OBJECT

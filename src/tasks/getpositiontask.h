@@ -6,7 +6,8 @@
 /// Reads the motor's position (pulses and percent; percent 255 while the
 /// end limits are not set) into the proxy runtime record. Runtime values
 /// have no local copy: nothing is seeded. Other call errors read
-/// "GetDirectionTask failed", as they always have.
+/// "GetDirectionTask failed", deliberately
+/// (the text users and translators know for it).
 class GetPositionTask : public ReadTask<RuntimeData, MotorRuntimeTraits>
 {
     Q_OBJECT

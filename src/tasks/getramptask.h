@@ -5,7 +5,8 @@
 
 /// Reads the soft start and soft stop of a DC motor (enabled, value) into
 /// the proxy record; seeds the local ones. Other call errors read
-/// "GetDirectionTask failed", as they always have.
+/// "GetDirectionTask failed", deliberately
+/// (the text users and translators know for it).
 class GetRampTask : public ReadTask<DCMotorConfigData>
 {
     Q_OBJECT

@@ -5,7 +5,8 @@
 
 /// Reads the up, down and slow rolling speeds of a DC motor into the proxy
 /// record; seeds the local ones. Other call errors read "GetDirectionTask
-/// failed", as they always have.
+/// failed", deliberately
+/// (the text users and translators know for it).
 class GetSpeedTask : public ReadTask<DCMotorConfigData>
 {
     Q_OBJECT

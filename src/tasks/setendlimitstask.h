@@ -19,7 +19,7 @@ class SetEndLimitsTaskPrivate;
 /// missing object or node at the write is reported as "VRNMotorObject has
 /// been destroyed" / "VRNMotorObject has no proxy", untranslated.
 ///
-/// Kept as the device tools have always reported it: other call errors read
+/// Deliberately, and kept so: other call errors read
 /// "GetMotorIpsTask failed", and a reply that fails to parse is shown whole
 /// only when its command byte is 0x35, the intermediate-position reply.
 class SetEndLimitsTask : public ObjectTask<MotorConfigData>

