@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # The demo: a simulated network of 30 devices on a loopback multicast group,
-# opened, discovered, listed, every label read, one label written and read back.
+# opened, discovered, listed, every label read, one label written and read back;
+# then a motor winked, moved to 50 % while its position is printed, all its
+# settings read, and a DC motor's speeds set.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -21,7 +23,7 @@ step() { printf '\n== %s\n' "$*"; }
 vrnconfig() { "$bin/vrnconfig" "$@"; }
 
 step "Starting the simulator: 30 devices on multicast group 239.255.42.1:47001 (loopback only)"
-"$bin/vrnsim" --mcast 239.255.42.1:47001 --bind 127.0.0.1 --seed 42 \
+"$bin/vrnsim" --mcast 239.255.42.1:47001 --bind 127.0.0.1 --seed 42 --time-scale 2 \
   --devices std:10,motor:8,dcmotor:4,lru50:2,tx50dc:2,tx30:2,settingtool:2 >"$work/sim.out" 2>"$work/sim.err" &
 sim_pid=$!
 for _ in $(seq 50); do [ -s "$work/sim.out" ] && break; sleep 0.1; done
@@ -48,6 +50,22 @@ vrnconfig get label "$first"
 
 step "The registry now"
 vrnconfig list --sort label | sed -n 1,6p
+
+motor=$(vrnconfig list --sort nodeid | awk '$3 == "DtsMotor" { print $1; exit }')
+dc=$(vrnconfig list --sort nodeid | awk '$3 == "TX30" { print $1; exit }')
+step "Winking motor $motor, then moving it to 50 % while watching its position"
+vrnconfig wink "$motor"
+vrnconfig move "$motor" to 50
+vrnconfig watch position "$motor"
+
+step "Every setting of motor $motor"
+for what in direction limits ips position; do vrnconfig get "$what" "$motor"; done
+
+step "Setting the rolling speeds of DC motor $dc, then reading them back"
+vrnconfig get speed "$dc"
+vrnconfig set speed "$dc" 24 18 8
+vrnconfig get speed "$dc"
+vrnconfig get ramp "$dc"
 
 step "Stopping the simulator"
 kill -TERM "$sim_pid"; wait "$sim_pid" || true; sim_pid=

@@ -17,7 +17,6 @@ constexpr int MaxNodes = 1000000;
 SimNetworkPrivate::SimNetworkPrivate(quint32 seed)
     : rng(seed)
 {
-    clock.start();
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
 }
@@ -59,8 +58,9 @@ void SimNetworkPrivate::armTimer()
 {
     if (outbox.empty())
         return;
-    const qint64 waitUs = std::max<qint64>(0, outbox.begin()->first - nowUs());
-    timer.start(int((waitUs + 999) / 1000));
+    // Simulated microseconds to real milliseconds; a stopped clock is moved on by hand.
+    const qint64 waitMs = clock.realMsFor(outbox.begin()->first - nowUs());
+    timer.start(int(waitMs < 0 ? 1 : waitMs));
 }
 
 void SimNetworkPrivate::flushDue()
@@ -107,6 +107,7 @@ SimNode* SimNetwork::addNode(SimNode::Kind kind, quint32 number)
     if (number == 0 || number == ToolNumber || number >= VRN::BroadcastNumber)
         return nullptr;
     auto* node = new SimNode(kind, number, this);
+    node->setClock(&d->clock);
     // Standard nodes and motors come in several node types; take them in turn.
     const int ordinal = ++d->perKind[kind];
     if (kind == SimNode::Std) {
@@ -206,6 +207,10 @@ int SimNetwork::baud() const { return d_func()->baud; }
 void SimNetwork::setBaud(int baud) { d_func()->baud = qMax(0, baud); }
 int SimNetwork::replyWindow() const { return d_func()->replyWindowMs; }
 void SimNetwork::setReplyWindow(int ms) { d_func()->replyWindowMs = qMax(0, ms); }
+
+double SimNetwork::timeScale() const { return d_func()->clock.scale(); }
+void SimNetwork::setTimeScale(double scale) { d_func()->clock.setScale(scale); }
+SimClock* SimNetwork::clock() { return &d_func()->clock; }
 
 bool SimNetwork::attach(QObject* bus)
 {

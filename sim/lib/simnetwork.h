@@ -8,6 +8,7 @@
 #include <QScopedPointer>
 #include <QString>
 
+class SimClock;
 class SimNetworkPrivate;
 
 /// A seeded virtual device network: a set of `SimNode`s on one shared line,
@@ -28,6 +29,11 @@ class SimNetworkPrivate;
 /// baud rate set, every frame also occupies the one virtual line for
 /// bytes * 11 / baud seconds (start, 8 data, parity, stop bits), starting
 /// when the line is free, so answers queue behind each other.
+///
+/// Every time here is simulated time (`clock()`), which the nodes' motors
+/// move by too: with a time scale of 10 a move, a latency and the line time
+/// of a frame all take a tenth of their time in real time, and stay exact in
+/// simulated time.
 class SimNetwork : public QObject
 {
     Q_OBJECT
@@ -70,6 +76,12 @@ public:
     /// Span in ms within which nodes answer a broadcast (default 50); keep it
     /// shorter than the collection window of the bus that listens.
     void setReplyWindow(int ms);
+
+    double timeScale() const;
+    /// Runs simulated time `scale` times as fast as real time (default 1).
+    void setTimeScale(double scale);
+    /// The network's simulated time; tests may move it on by hand.
+    SimClock* clock();
 
     /// Connects to an in-process bus that has the signal
     /// `transmitted(QByteArray)` and the slot `inject(QByteArray)` (the

@@ -2,9 +2,9 @@
 #ifndef SIMNETWORK_P_H
 #define SIMNETWORK_P_H
 
+#include "simclock.h"
 #include "simnetwork.h"
 
-#include <QElapsedTimer>
 #include <QHash>
 #include <QRandomGenerator>
 #include <QTimer>
@@ -18,7 +18,7 @@ public:
     explicit SimNetworkPrivate(quint32 seed);
     virtual ~SimNetworkPrivate() = default;
 
-    qint64 nowUs() const { return clock.nsecsElapsed() / 1000; }
+    qint64 nowUs() const { return clock.nowUs(); }
     /// Microseconds `bytes` take on the line at the set baud rate.
     qint64 lineUs(int bytes) const;
     /// Takes the line for `bytes` from `earliestUs` on; returns when they end.
@@ -43,7 +43,7 @@ public:
     int baud = 0;
     int replyWindowMs = 50;
 
-    QElapsedTimer clock;
+    SimClock clock;
     qint64 lineFreeUs = 0;
     std::multimap<qint64, QByteArray> outbox;  // due time (us) -> frame; equal times in order
     QTimer timer;

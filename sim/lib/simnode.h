@@ -9,6 +9,7 @@
 #include <QScopedPointer>
 
 class QRandomGenerator;
+class SimClock;
 class VRNMessage;
 class SimNodePrivate;
 
@@ -37,9 +38,18 @@ class SimNodePrivate;
 ///   `NodeTool` or `NodeSettingTool`); requests from other devices (a keypad
 ///   commanding a motor) are ignored until the deaf time ends.
 ///
-/// Motors move instantly: a move request sets the position at once and counts
-/// one move in the life counters. Positions are pulses; the up limit is the
-/// smaller pulse value, percent 0 is the up limit and 100 the down limit.
+/// Motors move in simulated time (`clock()`, the network's when the node
+/// belongs to one): a move is acknowledged at once, then the position runs
+/// towards the target at the motor's speed (a DC motor's rolling speeds, 50
+/// pulses a second per unit; other motors 1000, slow 200), speeding up and
+/// slowing down over the soft start and stop ramps when they are enabled (a
+/// ramp value of 100 takes one second). A stop ends the move where the motor
+/// stands; a new move starts from there. A move that meets the obstacle
+/// (`setObstacle`) ends at it and counts one obstacle. Each move counts one
+/// move in the life counters, its revolutions when it ends. Positions are
+/// pulses; the up limit is the smaller pulse value, percent 0 is the up limit
+/// and 100 the down limit. The code of each kind lives in its own file:
+/// simnode.cpp (every node), simmotor.cpp, simdcmotor.cpp.
 class SimNode : public QObject
 {
     Q_OBJECT
@@ -188,8 +198,20 @@ public:
     quint16 downLimit() const;  ///< pulses, 0xFFFF unset
     void setLimits(quint16 up, quint16 down);
     bool limitsSet() const;
-    quint16 position() const;   ///< pulses
+    quint16 position() const;   ///< pulses, where the motor stands now
+    /// Puts the motor at `pulses` at once, ending any move.
     void setPosition(quint16 pulses);
+    /// True while a move is under way.
+    bool isMoving() const;
+    /// Where the move under way will end (the obstacle when it meets one);
+    /// the position when none is.
+    quint16 moveTarget() const;
+    /// Pulse position of an obstacle on the way (0xFFFF: none, the default).
+    quint16 obstacle() const;
+    void setObstacle(quint16 pulses);
+    /// True for two simulated seconds after a wink request.
+    bool isWinking() const;
+    quint32 winkCount() const;
     /// Position in percent between the limits; 0xFF when the limits are unset.
     quint8 positionPercent() const;
     MotorIp ip(int index) const;
@@ -201,6 +223,13 @@ public:
     void setSoftStartStop(const SoftStartStop& ramps);
     Diagnostics diagnostics() const;
     void setDiagnostics(const Diagnostics& diagnostics);
+
+    /// The clock the node moves by: the network's, or its own (real time,
+    /// `ownClock()`) when it is on none.
+    const SimClock* clock() const;
+    SimClock* ownClock();
+    /// Moves by `clock` from now on (null: its own); a move under way stops.
+    void setClock(const SimClock* clock);
 
 signals:
     /// The node's state was changed by a request (not by the setters).

@@ -2,12 +2,57 @@
 #ifndef SIMNODE_P_H
 #define SIMNODE_P_H
 
+#include "simclock.h"
 #include "simnode.h"
+
+#include "dts.h"
+#include "vrnmessage.h"
 
 #include <QDeadlineTimer>
 #include <array>
 
-class VRNMessage;
+// How every kind of node answers: shared by the files of the device kinds.
+namespace SimReply {
+
+inline int ack(VRNMessage& out)
+{
+    out.setCmd(DTS::Ack);
+    return 0;
+}
+
+/// A helper's NACK status, or the acknowledgement when it returned 0.
+inline int ackUnless(int status, VRNMessage& out)
+{
+    return status ? status : ack(out);
+}
+
+inline bool isDCCommand(quint8 cmd)
+{
+    return cmd == DTS::GetMotorRollingSpeed || cmd == DTS::SetMotorRollingSpeed
+        || cmd == DTS::GetMotorSoftStartStop || cmd == DTS::SetMotorSoftStartStop;
+}
+
+} // namespace SimReply
+
+/// A move under way, computed from its start: the motor speeds up over
+/// `accelS`, runs at `speed` and slows down over `decelS` (the soft start and
+/// stop ramps), so that it stands at `to` after `durationS`. Times are in
+/// simulated seconds, positions in pulses.
+struct SimMotion
+{
+    bool active = false;
+    qint64 startUs = 0;
+    int from = 0;
+    int to = 0;
+    bool againstObstacle = false;  ///< `to` is the obstacle, short of the target
+    double speed = 0;              ///< pulses per second at full speed
+    double accelS = 0;
+    double decelS = 0;
+    double durationS = 0;
+
+    /// Pulses travelled `t` seconds after the start.
+    double travelled(double t) const;
+};
 
 class SimNodePrivate
 {
@@ -28,10 +73,23 @@ public:
     int move(const VRNMessage& rq);
     int setLimits(const VRNMessage& rq);
     int setIp(const VRNMessage& rq);
-    int setSoftStartStop(const VRNMessage& rq);
     int setDeafMode(const VRNMessage& rq);
     void factoryDefault(quint8 function);
     void setNetworkCounters(quint8 which, quint8 value);
+    void randomizeMotor(QRandomGenerator& rng);
+
+    // simdcmotor.cpp
+    int executeDCCommand(const VRNMessage& rq, VRNMessage& out);
+    int setSoftStartStop(const VRNMessage& rq);
+    /// Restores the DC settings that a factory-default `function` covers.
+    void resetDC(quint8 function);
+    void randomizeDC(QRandomGenerator& rng);
+    /// Full speed, in pulses per second, of a move towards the down limit or
+    /// not; `slow` for the slow speed.
+    double speedFor(bool down, bool slow) const;
+    /// Soft start and stop, in seconds; 0 when disabled or not a DC motor.
+    double softStartS() const;
+    double softStopS() const;
 
     bool limitsSet() const;
     quint16 lowLimit() const;   ///< min of the limits
@@ -40,8 +98,17 @@ public:
     quint16 pulsesOf(quint8 percent) const;
     quint16 clampToLimits(int pulses) const;
     int pulseSign(bool down) const;  ///< +1 or -1: the way pulses count when moving down/up
-    void travelTo(quint16 pulses);
+    /// Starts a move from the current position to `pulses` at full speed
+    /// `speed` (0: the speed of the kind for that way).
+    void travelTo(quint16 pulses, double speed = 0);
+    /// Brings the position up to the clock: a move that has run its time
+    /// ends (and is counted); one under way stands where it is now.
+    void settle() const;
+    /// Ends the move under way where the motor stands.
+    void stopMotion();
+    void endMotion() const;
     quint8 ipIndexAtPosition() const;
+    qint64 nowUs() const { return clock->nowUs(); }
 
     SimNode* q_ptr = nullptr;
     SimNode::Kind kind;
@@ -66,11 +133,18 @@ public:
     quint8 direction = 0;
     quint16 upLimit = SimNode::Unset16;
     quint16 downLimit = SimNode::Unset16;
-    quint16 position = 0;
+    mutable quint16 position = 0;
     std::array<quint16, SimNode::IpSlots> ips;
     SimNode::RollingSpeed speed;
     SimNode::SoftStartStop ramps;
-    SimNode::Diagnostics diagnostics;
+    mutable SimNode::Diagnostics diagnostics;
+
+    SimClock ownClock;
+    const SimClock* clock = &ownClock;
+    mutable SimMotion motion;
+    quint16 obstacle = SimNode::Unset16;
+    qint64 winkUntilUs = -1;
+    quint32 winkCount = 0;
 };
 
 #endif // SIMNODE_P_H

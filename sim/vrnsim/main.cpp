@@ -76,6 +76,7 @@ int main(int argc, char* argv[])
     network.setLatency(options.latencyMs);
     network.setBaud(options.baud);
     network.setReplyWindow(options.replyWindowMs);
+    network.setTimeScale(options.timeScale);
 
     QString identifier;
     QString where;

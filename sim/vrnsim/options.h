@@ -23,6 +23,7 @@ struct SimOptions
     int baud = 0;
     int silent = 0;
     int replyWindowMs = 50;
+    double timeScale = 1.0;
 
     /// Reads `arguments` (program name first); on Error `error` says why,
     /// on Help `error` holds the help text.

@@ -11,6 +11,23 @@
 #include "setlabeljob.h"
 #include "setnodediscoveryjob.h"
 
+// motors
+#include "visualfeedbackjob.h"
+#include "motorcontroljob.h"
+#include "motorctrlmovejob.h"
+#include "getdirectionjob.h"
+#include "setdirectionjob.h"
+#include "getendlimitsjob.h"
+#include "setendlimitsjob.h"
+#include "getpositionjob.h"
+#include "setfactorydefaultjob.h"
+#include "getmotoripsjob.h"
+#include "setmotoripjob.h"
+#include "getspeedjob.h"
+#include "setspeedjob.h"
+#include "getrampjob.h"
+#include "setrampjob.h"
+
 #include "busdiscovertask.h"
 #include "getfwversiontask.h"
 #include "getgroupstask.h"
@@ -20,8 +37,26 @@
 #include "setlabeltask.h"
 #include "stdsetnodediscoverytask.h"
 
+// motors
+#include "motorctrlwinktask.h"
+#include "motorcontroltask.h"
+#include "motorctrlmovetask.h"
+#include "getdirectiontask.h"
+#include "setdirectiontask.h"
+#include "getendlimitstask.h"
+#include "setendlimitstask.h"
+#include "getpositiontask.h"
+#include "setfactorydefaulttask.h"
+#include "getmotoripstask.h"
+#include "setmotoriptask.h"
+#include "getspeedtask.h"
+#include "setspeedtask.h"
+#include "getramptask.h"
+#include "setramptask.h"
+
 #include "jobregistration.h"
 #include "vrnbus.h"
+#include "vrndcmotorobject.h"
 #include "vrnstdobject.h"
 
 namespace {
@@ -40,6 +75,21 @@ const JobRegistration jobs[] = {
     JobRegistration(SetGroupsJob::staticMetaObject),
     JobRegistration(GetLabelJob::staticMetaObject),
     JobRegistration(SetLabelJob::staticMetaObject),
+    JobRegistration(VisualFeedbackJob::staticMetaObject),
+    JobRegistration(MotorControlJob::staticMetaObject),
+    JobRegistration(MotorCtrlMoveJob::staticMetaObject),
+    JobRegistration(GetDirectionJob::staticMetaObject),
+    JobRegistration(SetDirectionJob::staticMetaObject),
+    JobRegistration(GetEndLimitsJob::staticMetaObject),
+    JobRegistration(SetEndLimitsJob::staticMetaObject),
+    JobRegistration(GetPositionJob::staticMetaObject),
+    JobRegistration(SetFactoryDefaultJob::staticMetaObject),
+    JobRegistration(GetMotorIpsJob::staticMetaObject),
+    JobRegistration(SetMotorIpJob::staticMetaObject),
+    JobRegistration(GetSpeedJob::staticMetaObject),
+    JobRegistration(SetSpeedJob::staticMetaObject),
+    JobRegistration(GetRampJob::staticMetaObject),
+    JobRegistration(SetRampJob::staticMetaObject),
 };
 
 const WorkerRegistration bindings[] = {
@@ -50,6 +100,21 @@ const WorkerRegistration bindings[] = {
     bind<SetGroupsJob, VRNStdObject, SetGroupsTask>(),
     bind<GetLabelJob, VRNStdObject, GetLabelTask>(),
     bind<SetLabelJob, VRNStdObject, SetLabelTask>(),
+    bind<VisualFeedbackJob, VRNMotorObject, MotorCtrlWinkTask>(),
+    bind<MotorControlJob, VRNMotorObject, MotorControlTask>(),
+    bind<MotorCtrlMoveJob, VRNMotorObject, MotorCtrlMoveTask>(),
+    bind<GetDirectionJob, VRNMotorObject, GetDirectionTask>(),
+    bind<SetDirectionJob, VRNMotorObject, SetDirectionTask>(),
+    bind<GetEndLimitsJob, VRNMotorObject, GetEndLimitsTask>(),
+    bind<SetEndLimitsJob, VRNMotorObject, SetEndLimitsTask>(),
+    bind<GetPositionJob, VRNMotorObject, GetPositionTask>(),
+    bind<SetFactoryDefaultJob, VRNMotorObject, SetFactoryDefaultTask>(),
+    bind<GetMotorIpsJob, VRNMotorObject, GetMotorIpsTask>(),
+    bind<SetMotorIpJob, VRNMotorObject, SetMotorIpTask>(),
+    bind<GetSpeedJob, VRNDCMotorObject, GetSpeedTask>(),
+    bind<SetSpeedJob, VRNDCMotorObject, SetSpeedTask>(),
+    bind<GetRampJob, VRNDCMotorObject, GetRampTask>(),
+    bind<SetRampJob, VRNDCMotorObject, SetRampTask>(),
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "vrnmessage.h"
 
 #include <QCoreApplication>
+#include <QFinalState>
 
 
 DeviceTask::DeviceTask(QObject* object, const Job& job, QObject* parent, DeviceTaskPrivate* dd)
@@ -30,8 +31,11 @@ DeviceTask::~DeviceTask() = default;
 
 void DeviceTask::run()
 {
+    Q_D(DeviceTask);
     setState(Job::Running);
-    if (checkObject())
+    if (d->machine)
+        d->machine->start(); // its first step checks the object and sends
+    else if (checkRequestStep())
         start();
 }
 
@@ -50,6 +54,25 @@ bool DeviceTask::checkObject()
     }
     if (!hasNode()) {
         fail(translated(QT_TR_NOOP("Internal error(VRNObject has no proxy)")));
+        return false;
+    }
+    return true;
+}
+
+bool DeviceTask::checkRequestStep()
+{
+    return checkObject();
+}
+
+bool DeviceTask::checkObjectAs(const char* gone, const char* noProxy)
+{
+    // These texts reach the user as they are: they were never offered for translation.
+    if (!hasObject()) {
+        fail(QString::fromLatin1(gone));
+        return false;
+    }
+    if (!hasNode()) {
+        fail(QString::fromLatin1(noProxy));
         return false;
     }
     return true;
@@ -134,4 +157,57 @@ void DeviceTask::failUnexpected(const VRNMessage& reply)
 void DeviceTask::finish()
 {
     setState(Job::Finished);
+}
+
+bool DeviceTask::acceptAck(const VRNMessage& reply)
+{
+    if (reply.cmd() == DTS::Ack)
+        return true;
+    failUnexpected(reply);
+    return false;
+}
+
+QStateMachine* DeviceTask::machine()
+{
+    Q_D(DeviceTask);
+    if (!d->machine) {
+        d->machine = new QStateMachine(this);
+        // A failed or aborted run leaves the graph where it is.
+        connect(this, &Task::finished, d->machine, &QStateMachine::stop);
+    }
+    return d->machine;
+}
+
+QState* DeviceTask::addStepState(std::function<void()> step)
+{
+    auto* state = new QState(machine());
+    if (!machine()->initialState())
+        machine()->setInitialState(state);
+    connect(state, &QAbstractState::entered, this, [this, step] {
+        if (isRunning())
+            step();
+    });
+    return state;
+}
+
+QAbstractState* DeviceTask::addEndState(std::function<void()> step)
+{
+    auto* state = new QFinalState(machine());
+    connect(state, &QAbstractState::entered, this, [this, step] {
+        if (isRunning())
+            step();
+    });
+    return state;
+}
+
+void DeviceTask::leaveOnReply(QState* from, QAbstractState* to)
+{
+    // Connected after onCallFinished(): the reply is checked before the machine moves.
+    from->addTransition(&d_func()->watcher, &BusPendingCallWatcher::finished, to);
+}
+
+bool DeviceTask::isIn(const QAbstractState* state) const
+{
+    const QStateMachine* m = d_func()->machine;
+    return m && m->configuration().contains(const_cast<QAbstractState*>(state));
 }

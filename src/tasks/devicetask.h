@@ -6,7 +6,12 @@
 
 #include <QScopedPointer>
 
+#include <functional>
+
 class DeviceTaskPrivate;
+class QAbstractState;
+class QState;
+class QStateMachine;
 class VRNMessage;
 class VRNObject;
 class Worker;
@@ -30,6 +35,12 @@ class Worker;
 /// Subclasses rarely derive from this class directly: `ReadTask` and
 /// `WriteTask` add the typed object, the record handling and the seeding rule,
 /// so that a task states only its request, its parser and its field.
+///
+/// A task whose requests follow a graph builds a state machine in its
+/// constructor (`addStep()`, `leaveOnReply()`, `addEnd()`): `run()` then
+/// starts the machine instead of calling `start()`, and each step checks the
+/// object and sends its own request. Every reply still passes the checks
+/// above before the machine moves on; a failure stops the machine.
 class DeviceTask : public Task
 {
     Q_OBJECT
@@ -59,6 +70,12 @@ protected:
     /// Fails the task with "Internal error(no VRNObject)" or "Internal
     /// error(VRNObject has no proxy)" and returns false when either is missing.
     virtual bool checkObject();
+    /// The check `run()` makes before `start()` sends the request; `checkObject()`
+    /// unless a task reports a missing object in words of its own.
+    virtual bool checkRequestStep();
+    /// As `checkObject()`, failing with `gone` or `noProxy` as they are,
+    /// untranslated (texts some request steps give instead of the usual ones).
+    bool checkObjectAs(const char* gone, const char* noProxy);
     /// Sends the first request (through `watch()`), or starts whatever the task does.
     virtual void start() = 0;
     /// A reply that passed every generic check. The default fails with
@@ -81,10 +98,34 @@ protected:
     void failUnexpected(const VRNMessage& reply);
     /// Ends the run successfully.
     void finish();
+    /// True for an acknowledgement; otherwise fails with "Unexpected reply(%1)".
+    bool acceptAck(const VRNMessage& reply);
+
+    /// The task's state machine, made on first use; owned by the task.
+    QStateMachine* machine();
+    /// A state of the machine whose entry calls `step`, while the task runs.
+    template <class T>
+    QState* addStep(void (T::*step)())
+    {
+        return addStepState([this, step] { (static_cast<T*>(this)->*step)(); });
+    }
+    /// A final state of the machine whose entry calls `step`.
+    template <class T>
+    QAbstractState* addEnd(void (T::*step)())
+    {
+        return addEndState([this, step] { (static_cast<T*>(this)->*step)(); });
+    }
+    /// Leaves `from` for `to` when the watched call ends (after its checks).
+    void leaveOnReply(QState* from, QAbstractState* to);
+    /// True while the machine is in `state`.
+    bool isIn(const QAbstractState* state) const;
 
     QScopedPointer<DeviceTaskPrivate> d_ptr;
 
 private:
+    QState* addStepState(std::function<void()> step);
+    QAbstractState* addEndState(std::function<void()> step);
+
     Q_DECLARE_PRIVATE(DeviceTask)
     Q_DISABLE_COPY(DeviceTask)
 };

@@ -6,6 +6,7 @@
 #include "vrnobject.h"
 
 #include <QPointer>
+#include <QStateMachine>
 
 /// State shared by every device task; tasks with parameters derive from it.
 class DeviceTaskPrivate
@@ -16,6 +17,8 @@ public:
 
     QPointer<VRNObject> object;
     BusPendingCallWatcher watcher;
+    /// Only for tasks that follow a graph of requests; a child of the task.
+    QStateMachine* machine = nullptr;
 
 private:
     Q_DISABLE_COPY(DeviceTaskPrivate)

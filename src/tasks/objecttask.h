@@ -8,11 +8,13 @@
 /// object cast to that class (null when it is gone or of another class) and
 /// `node()` its proxy. `start()` sends `request()`, the task's (first)
 /// request; a task that does something else overrides `start()` instead.
-template <class Record>
+/// `Traits` names the object class, its proxy and the record accessors
+/// (`RecordTraits<Record>` unless a task reaches the record another way).
+template <class Record, class RecordAccess = RecordTraits<Record>>
 class ObjectTask : public DeviceTask
 {
 public:
-    using Traits = RecordTraits<Record>;
+    using Traits = RecordAccess;
     using Object = typename Traits::Object;
     using Proxy = typename Traits::Proxy;
 

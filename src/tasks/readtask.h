@@ -13,6 +13,8 @@
 /// local one is not, the local record receives the value, so the first read
 /// fills the editable copy and a later read never overwrites a pending edit.
 /// A reply that does not parse fails with "Unexpected reply(%1)".
+/// Records without a local copy (`Traits::HasLocal` false: runtime values)
+/// are never seeded.
 ///
 ///     BusPendingCall request(DTSStdProxy& n) override { return n.getNodeLabel(); }
 ///     bool parse(const DTSStdProxy& n, const BusMessage& m, StdConfigData& c) override
@@ -20,24 +22,25 @@
 ///     bool isKnown(const StdConfigData& c) const override { return c.isLabelValid(); }
 ///     void seed(const StdConfigData& from, StdConfigData& to) const override
 ///     { to.data().label = from.getConstData().label; }
-template <class Record>
-class ReadTask : public ObjectTask<Record>
+template <class Record, class RecordAccess = RecordTraits<Record>>
+class ReadTask : public ObjectTask<Record, RecordAccess>
 {
 public:
-    using typename ObjectTask<Record>::Traits;
-    using typename ObjectTask<Record>::Proxy;
+    using Base = ObjectTask<Record, RecordAccess>;
+    using typename Base::Traits;
+    using typename Base::Proxy;
 
 protected:
-    using ObjectTask<Record>::ObjectTask;
+    using Base::Base;
 
     /// Reads `reply` into `proxy`, a copy of the proxy record; false when the
     /// reply does not parse. A task that fails for a reason of its own calls
     /// `fail()` first; the generic failure is then not added.
     virtual bool parse(const Proxy& node, const BusMessage& reply, Record& proxy) = 0;
-    /// Whether the task's field of `record` is known.
-    virtual bool isKnown(const Record& record) const = 0;
-    /// Copies the task's field from `from` into `to`.
-    virtual void seed(const Record& from, Record& to) const = 0;
+    /// Whether the task's field of `record` is known (records with a local copy).
+    virtual bool isKnown(const Record& record) const { Q_UNUSED(record) return false; }
+    /// Copies the task's field from `from` into `to` (records with a local copy).
+    virtual void seed(const Record& from, Record& to) const { Q_UNUSED(from) Q_UNUSED(to) }
     /// Sends the next request of a multi-step read and returns true; false
     /// (the default) when the read is complete.
     virtual bool requestNext() { return false; }
@@ -54,11 +57,13 @@ protected:
         Traits::setProxy(object, proxy);
         if (requestNext())
             return;
-        proxy = Traits::proxy(object);
-        Record local = Traits::local(object);
-        if (isKnown(proxy) && !isKnown(local)) {
-            seed(proxy, local);
-            Traits::setLocal(object, local);
+        if constexpr (Traits::HasLocal) {
+            proxy = Traits::proxy(object);
+            Record local = Traits::local(object);
+            if (isKnown(proxy) && !isKnown(local)) {
+                seed(proxy, local);
+                Traits::setLocal(object, local);
+            }
         }
         this->finish();
     }

@@ -16,6 +16,7 @@ struct RecordTraits<StdConfigData>
 {
     using Object = VRNStdObject;
     using Proxy = DTSStdProxy;
+    static constexpr bool HasLocal = true;
     static StdConfigData proxy(const Object& o) { return o.proxyStdConfig(); }
     static StdConfigData local(const Object& o) { return o.localStdConfig(); }
     static void setProxy(Object& o, const StdConfigData& r) { o.updateProxyStdConfig(r); }
@@ -27,6 +28,7 @@ struct RecordTraits<MotorConfigData>
 {
     using Object = VRNMotorObject;
     using Proxy = DTSMotorProxy;
+    static constexpr bool HasLocal = true;
     static MotorConfigData proxy(const Object& o) { return o.proxyMotorConfig(); }
     static MotorConfigData local(const Object& o) { return o.localMotorConfig(); }
     static void setProxy(Object& o, const MotorConfigData& r) { o.updateProxyMotorConfig(r); }
@@ -38,10 +40,22 @@ struct RecordTraits<DCMotorConfigData>
 {
     using Object = VRNDCMotorObject;
     using Proxy = DTSMotorProxy;
+    static constexpr bool HasLocal = true;
     static DCMotorConfigData proxy(const Object& o) { return o.proxyDCMotorConfig(); }
     static DCMotorConfigData local(const Object& o) { return o.localDCMotorConfig(); }
     static void setProxy(Object& o, const DCMotorConfigData& r) { o.updateProxyDCMotorConfig(r); }
     static void setLocal(Object& o, const DCMotorConfigData& r) { o.updateLocalDCMotorConfig(r, false); }
+};
+
+/// The runtime record of a motor (position): read into the proxy record
+/// only, as runtime values have no local copy.
+struct MotorRuntimeTraits
+{
+    using Object = VRNMotorObject;
+    using Proxy = DTSMotorProxy;
+    static constexpr bool HasLocal = false;
+    static RuntimeData proxy(const Object& o) { return o.proxyRuntime(); }
+    static void setProxy(Object& o, const RuntimeData& r) { o.updateProxyRuntime(r); }
 };
 
 #endif // RECORDTRAITS_H

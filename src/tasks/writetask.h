@@ -23,10 +23,8 @@ protected:
 
     void onReply(const VRNMessage& reply) override
     {
-        if (reply.cmd() != this->expectedReply()) {
-            this->failUnexpected(reply);
+        if (!this->acceptAck(reply))
             return;
-        }
         auto& object = *this->object();
         Record local = Traits::local(object);
         if (apply(local))

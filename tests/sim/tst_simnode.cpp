@@ -1,7 +1,9 @@
 // A simulated node driven with raw request frames: every command of every
 // kind, refusals, addressing, discovery and deaf mode, motor behaviour.
 #include "dts.h"
+#include "simclock.h"
 #include "simnode.h"
+#include "vrndatawriter.h"
 #include "vrnmessage.h"
 
 #include <QtTest>
@@ -69,6 +71,9 @@ private slots:
     void deafMode();
     void forcedNackAndSilence();
     void motorMoves();
+    void moveTakesItsTime_data();
+    void moveTakesItsTime();
+    void stopObstacleAndWink();
     void limitsAndPositions();
     void factoryDefault();
     void statistics();
@@ -85,6 +90,7 @@ private:
 void tst_SimNode::init()
 {
     m_motor.reset(new SimNode(SimNode::DCMotor, NodeNumber));
+    m_motor->ownClock()->setScale(0);  // time passes only when a test moves it on
     m_motor->setLimits(100, 1100);
     m_motor->setPosition(100);
 }
@@ -319,12 +325,15 @@ void tst_SimNode::forcedNackAndSilence()
     QVERIFY(!ask(request(0x01)).isValid());
 }
 
-// Moves land on their target at once and count in the life counters; the
-// position report gives pulses, percent and the IP the motor stands on.
+// Moves land on their target once their time has passed and count in the
+// life counters; the position report gives pulses, percent and the IP the
+// motor stands on.
 void tst_SimNode::motorMoves()
 {
+    const auto arrive = [this] { m_motor->ownClock()->advance(60 * 1000000); };
     const quint32 movesBefore = m_motor->diagnostics().totalMoveCount;
     QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 50, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(600));
     QCOMPARE(ask(request(DTS::GetMotorPosition)).payload(), bytes({0x02, 0x58, 50, 0xFF, 0xFF}));
 
@@ -335,27 +344,114 @@ void tst_SimNode::motorMoves()
 
     // Down is towards the down limit (more pulses here).
     QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({0, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(800));
     QCOMPARE(ask(request(DTS::GetMotorPosition)).payload().at(4), char(9));
     QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({1, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(350));
     QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({2, 0, 9, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(800));
 
     QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({2, 0x27, 0x10, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(1100));  // stops at the limit
     QCOMPARE(ask(request(DTS::CtrlMove, bytes({1, 3, 2}))).cmd(), quint8(DTS::Ack));
-    QCOMPARE(m_motor->position(), quint16(1094));
+    arrive();
+    QCOMPARE(m_motor->position(), quint16(1088));  // 30 ms at the slow speed 8: 400 pulses a second
     QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({1, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(100));
     QCOMPARE(m_motor->diagnostics().totalMoveCount, movesBefore + 7);
 
     // Reversed limits: percent still runs from the up limit to the down limit.
     m_motor->setLimits(1000, 0);
     QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 25, 0xFF}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(750));
     QCOMPARE(ask(request(DTS::CtrlMove, bytes({0, 5, 0}))).cmd(), quint8(DTS::Ack));
+    arrive();
     QCOMPARE(m_motor->position(), quint16(700));
+}
+
+void tst_SimNode::moveTakesItsTime_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<bool>("ramps");
+    QTest::addColumn<int>("durationMs");
+    QTest::addColumn<int>("at150ms"); // pulses from the start
+
+    QTest::newRow("motor, 1000 pulses a second") << int(SimNode::Motor) << false << 1000 << 150;
+    QTest::newRow("DC motor at speed 20") << int(SimNode::DCMotor) << false << 1000 << 150;
+    // Soft start and stop of 0.3 s each: v t^2 / 2Ta = 1000 * 0.0225 / 0.6.
+    QTest::newRow("DC motor with ramps") << int(SimNode::DCMotor) << true << 1300 << 38;
+}
+
+// A move runs in the node's time: the position report follows it, and the
+// move ends (and counts its revolutions) when its time has passed.
+void tst_SimNode::moveTakesItsTime()
+{
+    QFETCH(int, kind);
+    QFETCH(bool, ramps);
+    QFETCH(int, durationMs);
+    QFETCH(int, at150ms);
+
+    SimNode node(SimNode::Kind(kind), NodeNumber);
+    SimClock* clock = node.ownClock();
+    clock->setScale(0);
+    node.setLimits(100, 1100);
+    node.setPosition(100);
+    node.setSoftStartStop({ramps, 30, ramps, 30});
+    const quint32 revs = node.diagnostics().totalRevCount;
+    QCOMPARE(answer(node, request(DTS::CtrlMoveTo, bytes({0, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QVERIFY(node.isMoving());
+    QCOMPARE(node.moveTarget(), quint16(1100));
+
+    clock->advance(150000);
+    QCOMPARE(int(node.position()), 100 + at150ms);
+    const QByteArray report = answer(node, request(DTS::GetMotorPosition)).payload();
+    QCOMPARE(VRNDataReader(report).readUint16(), quint16(100 + at150ms));
+    clock->advance((durationMs - 200) * 1000);
+    QVERIFY(node.position() < 1100);
+    clock->advance(49000);
+    QVERIFY(node.isMoving());
+    clock->advance(1000);
+    QVERIFY(!node.isMoving());
+    QCOMPARE(node.position(), quint16(1100));
+    QCOMPARE(node.diagnostics().totalRevCount, revs + 10);
+}
+
+void tst_SimNode::stopObstacleAndWink()
+{
+    SimClock* clock = m_motor->ownClock();
+    m_motor->setSoftStartStop({false, 0, false, 0});
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({0, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    clock->advance(400000);
+    QCOMPARE(ask(request(DTS::CtrlStop, bytes({0xFF}))).cmd(), quint8(DTS::Ack));
+    clock->advance(400000);
+    QCOMPARE(m_motor->position(), quint16(500));
+    QVERIFY(!m_motor->isMoving());
+
+    // The obstacle at 800 ends the next move there, early, and is counted.
+    const SimNode::Diagnostics before = m_motor->diagnostics();
+    m_motor->setObstacle(800);
+    QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({0, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+    QCOMPARE(m_motor->moveTarget(), quint16(800));
+    clock->advance(300000);
+    QVERIFY(!m_motor->isMoving());
+    QCOMPARE(m_motor->position(), quint16(800));
+    const SimNode::Diagnostics after = m_motor->diagnostics();
+    QCOMPARE(after.obstacleCount, quint16(before.obstacleCount + 1));
+    QCOMPARE(after.postObstacleMove, quint16(0));
+    QCOMPARE(after.totalMoveCount, before.totalMoveCount + 1);
+
+    QVERIFY(!m_motor->isWinking());
+    QCOMPARE(ask(request(DTS::CtrlWink)).cmd(), quint8(DTS::Ack));
+    QVERIFY(m_motor->isWinking());
+    clock->advance(2000000);
+    QVERIFY(!m_motor->isWinking());
+    QCOMPARE(m_motor->winkCount(), 1u);
 }
 
 void tst_SimNode::limitsAndPositions()

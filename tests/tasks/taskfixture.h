@@ -26,8 +26,14 @@ public:
     /// Hands `bytes` to the waiting call as one frame read from the wire,
     /// even none at all.
     void deliver(const QByteArray& bytes) { frameReceived(BusMessage(bytes)); }
+    /// Every write fails: calls end with a write error (neither timeout nor bus failure).
+    bool failWrites = false;
 
 protected:
+    bool writeFrame(const BusMessage& message) override
+    {
+        return !failWrites && VRNLoopbackBus::writeFrame(message);
+    }
     bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override
     {
         return acceptAnyFrame || VRNLoopbackBus::isReplyTo(request, frame);

@@ -1,6 +1,7 @@
 // Every proxy request exchanged with simulated nodes on the loopback wire.
 #include "dtsgroupproxy.h"
 #include "dtsmotorproxy.h"
+#include "simclock.h"
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 #include "vrnmessage.h"
@@ -202,6 +203,7 @@ void tst_DTSProxySim::movements()
     unsigned short pulse = 0;
     unsigned char pct = 0, tilt = 0, ip = 0;
     auto position = [&] {
+        m_net->clock()->advance(60 * 1000000);  // the move has run its course
         return m_motor->getMotorPositionReply(reply(m_motor->getMotorPosition()), pulse, pct, tilt, ip);
     };
 
@@ -242,12 +244,14 @@ void tst_DTSProxySim::groupMovement()
     QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));
     QCOMPARE(call.error(), BusPendingCall::NoError);
     QVERIFY(call.replies().isEmpty());
+    m_net->clock()->advance(60 * 1000000);
     QCOMPARE(m_simMotor->position(), quint16(1000));
     QCOMPARE(second->position(), quint16(1000));
     QCOMPARE(outsider->position(), quint16(0));
 
     call = group.moveOf(DTSMotor::MoveOfPulsesUp, 300, 0xFF);
     QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));
+    m_net->clock()->advance(60 * 1000000);
     QCOMPARE(second->position(), quint16(700));
     call = group.stop(0xFF);
     QVERIFY(QTest::qWaitFor([&] { return call.isFinished(); }, 1000));

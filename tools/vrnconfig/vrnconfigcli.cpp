@@ -64,6 +64,19 @@ const char UsageText[] =
     "  forget DEVICE...              remove devices from the registry\n"
     "  monitor [--count N] [--duration S]   frames seen on the bus\n"
     "\n"
+    "Motors:\n"
+    "  wink DEVICE...                make motors show themselves\n"
+    "  move DEVICE... up|down|stop|to PERCENT|to-pulse N|to-ip INDEX|by PULSES\n"
+    "                                (a negative PULSES after --: move 3 by -- -200)\n"
+    "  get position|direction|limits|speed|ramp|ips DEVICE...\n"
+    "  set direction DEVICE standard|reversed\n"
+    "  set limits DEVICE up|down here|PULSES|adjust DELTA   (a negative DELTA after --)\n"
+    "  set speed DEVICE UP DOWN SLOW          rolling speeds 6..28 (DC motors)\n"
+    "  set ramp DEVICE START STOP             soft start and stop: off or 0..100 (DC motors)\n"
+    "  set ip DEVICE INDEX here|delete|PULSES|PERCENT%   intermediate position 0..15\n"
+    "  factory-default DEVICE... [--ips-only] [--yes]   asks first on a terminal\n"
+    "  watch position DEVICE         the position as it changes, until the motor stops\n"
+    "\n"
     "DEVICE: a uuid, node:NUMBER (decimal or 0x hexadecimal), or all.\n"
     "Exit code: 0 success, 1 a device's job or the bus failed, 2 usage error.\n";
 
@@ -119,7 +132,9 @@ bool VrnConfigCli::start(const QStringList& arguments)
     const QCommandLineOption desc(QStringLiteral("desc"));
     const QCommandLineOption count(QStringLiteral("count"), QString(), QStringLiteral("N"));
     const QCommandLineOption duration(QStringLiteral("duration"), QString(), QStringLiteral("S"));
-    parser.addOptions({bus, db, json, timeout, help, sort, desc, count, duration});
+    const QCommandLineOption yes(QStringLiteral("yes"));
+    const QCommandLineOption ipsOnly(QStringLiteral("ips-only"));
+    parser.addOptions({bus, db, json, timeout, help, sort, desc, count, duration, yes, ipsOnly});
     if (!parser.parse(arguments)) {
         fail(Usage, parser.errorText());
         return false;
@@ -134,6 +149,8 @@ bool VrnConfigCli::start(const QStringList& arguments)
     m_json = parser.isSet(json);
     m_sort = parser.value(sort).toLower();
     m_desc = parser.isSet(desc);
+    m_yes = parser.isSet(yes);
+    m_ipsOnly = parser.isSet(ipsOnly);
     quint32 number = 0;
     if (parser.isSet(timeout)) {
         if (!parseNumber(parser.value(timeout), 3600000, number) || number == 0) {
@@ -179,6 +196,10 @@ bool VrnConfigCli::start(const QStringList& arguments)
         {QStringLiteral("set"), [this](const QStringList& a) { cmdSet(a); }},
         {QStringLiteral("forget"), [this](const QStringList& a) { cmdForget(a); }},
         {QStringLiteral("monitor"), [this](const QStringList& a) { cmdMonitor(a); }},
+        {QStringLiteral("wink"), [this](const QStringList& a) { cmdWink(a); }},
+        {QStringLiteral("move"), [this](const QStringList& a) { cmdMove(a); }},
+        {QStringLiteral("factory-default"), [this](const QStringList& a) { cmdFactoryDefault(a); }},
+        {QStringLiteral("watch"), [this](const QStringList& a) { cmdWatch(a); }},
     };
     const Command command = commands.value(name);
     if (!command) {
@@ -188,7 +209,8 @@ bool VrnConfigCli::start(const QStringList& arguments)
     // Options of one command are refused elsewhere rather than silently ignored.
     const QList<QPair<const QCommandLineOption*, QString>> ownOptions{
         {&sort, QStringLiteral("list")}, {&desc, QStringLiteral("list")},
-        {&count, QStringLiteral("monitor")}, {&duration, QStringLiteral("monitor")}};
+        {&count, QStringLiteral("monitor")}, {&duration, QStringLiteral("monitor")},
+        {&yes, QStringLiteral("factory-default")}, {&ipsOnly, QStringLiteral("factory-default")}};
     for (const auto& own : ownOptions) {
         if (parser.isSet(*own.first) && name != own.second) {
             fail(Usage, tr("--%1 applies to %2 only").arg(own.first->names().first(), own.second));
@@ -347,8 +369,11 @@ void VrnConfigCli::cmdGet(const QStringList& args)
         readValue = [](VRNStdObject& o, QJsonObject& json, QString& line) {
             putGroups(o.proxyStdConfig().getConstData().groups, [](VRN::Addr g) { return g; }, json, line);
         };
+    } else if (getMotor(what, uuids)) {
+        return;
     } else {
-        return fail(Usage, tr("cannot get %1 (label, version or groups)").arg(what));
+        return fail(Usage, tr("cannot get %1 (label, version, groups, position, direction, limits, speed, "
+                              "ramp or ips)").arg(what));
     }
     if (openBus())
         runOnDevices(uuids, makeJob, readValue, what == QLatin1String("label"));
@@ -357,7 +382,7 @@ void VrnConfigCli::cmdGet(const QStringList& args)
 void VrnConfigCli::cmdSet(const QStringList& args)
 {
     if (args.size() < 3)
-        return fail(Usage, tr("set needs label DEVICE TEXT or groups DEVICE ADDR..."));
+        return fail(Usage, tr("set needs what, a DEVICE and values; see vrnconfig --help"));
     const QString what = args.first();
     QList<VRNObject::UUID> uuids;
     if (!resolveDevices(args.mid(1, 1), uuids))
@@ -397,8 +422,10 @@ void VrnConfigCli::cmdSet(const QStringList& args)
         readValue = [groups](VRNStdObject&, QJsonObject& json, QString& line) {
             putGroups(groups, [](const QVariant& g) { return g.toUInt(); }, json, line);
         };
+    } else if (setMotor(what, uuids, args.mid(2))) {
+        return;
     } else {
-        return fail(Usage, tr("cannot set %1 (label or groups)").arg(what));
+        return fail(Usage, tr("cannot set %1 (label, groups, direction, limits, speed, ramp or ip)").arg(what));
     }
     if (!openBus())
         return;
@@ -409,7 +436,7 @@ void VrnConfigCli::cmdSet(const QStringList& args)
         const int requests = int(uuids.size()) * (args.size() - 2);
         bound = (requests + 1) * BusFactory::instance()->bus()->timeout() + 1000;
     }
-    runOnDevices(uuids, makeJob, readValue, what == QLatin1String("label"), bound);
+    runOnDevices(uuids, makeJob, readValue, what == QLatin1String("label"), QString(), bound);
 }
 
 void VrnConfigCli::cmdForget(const QStringList& args)
@@ -572,7 +599,7 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
 // requests on the wire one at a time), and prints one result per device in
 // the order given once every job has ended.
 void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
-                                const ValueReader& readValue, bool store, int bound)
+                                const ValueReader& readValue, bool store, const QString& refusal, int bound)
 {
     struct Run
     {
@@ -612,9 +639,11 @@ void VrnConfigCli::runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFa
         if (!std || !run.worker) {
             run.json.insert(QStringLiteral("error"), tr("not a network node"));
             run.ended = true;
-        } else {
-            run.job = makeJob(*std);
+        } else if ((run.job = makeJob(*std))) {
             run.job->setParent(this);
+        } else {
+            run.json.insert(QStringLiteral("error"), refusal);
+            run.ended = true;
         }
         runs->append(run);
     }

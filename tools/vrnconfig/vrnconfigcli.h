@@ -10,6 +10,7 @@
 #include <functional>
 
 class QmlJob;
+class VRNObjectWorker;
 class VRNStdObject;
 
 /// The `vrnconfig` command line: parses the options, runs one command on
@@ -47,13 +48,25 @@ private:
     void cmdSet(const QStringList& args);
     void cmdForget(const QStringList& args);
     void cmdMonitor(const QStringList& args);
+    // The motor family (motorcommands.cpp).
+    void cmdWink(const QStringList& args);
+    void cmdMove(const QStringList& args);
+    void cmdFactoryDefault(const QStringList& args);
+    void cmdWatch(const QStringList& args);
+    /// `get` of a motor setting; false when `what` is none.
+    bool getMotor(const QString& what, const QList<VRNObject::UUID>& uuids);
+    /// `set` of a motor setting; false when `what` is none.
+    bool setMotor(const QString& what, const QList<VRNObject::UUID>& uuids, const QStringList& values);
+    void watchPosition(QSharedPointer<VRNObject> object, QSharedPointer<VRNObjectWorker> worker);
 
     bool openDatabase();
     bool openBus();
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
-    /// `bound` (ms, 0 for none): a job still running by then is taken off its queue.
+    /// A device for which `makeJob` gives no job is reported with `refusal`
+    /// and gets nothing sent. `bound` (ms, 0 for none): a job still running
+    /// by then is taken off its queue.
     void runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
-                      const ValueReader& readValue, bool store, int bound = 0);
+                      const ValueReader& readValue, bool store, const QString& refusal = QString(), int bound = 0);
     void printDevices(const QList<VRNObject::UUID>& uuids, const QList<unsigned int>& addrs);
 
     static bool parseNumber(const QString& text, quint32 max, quint32& value);
@@ -72,6 +85,8 @@ private:
     bool m_desc = false;
     int m_count = -1;
     double m_duration = -1;
+    bool m_yes = false;
+    bool m_ipsOnly = false;
     int m_exit = Ok;
     bool m_ended = false;
 };

@@ -1,0 +1,181 @@
+// Motor jobs: the library's CPU time per job against vrnsim on a loopback
+// multicast group (the nodes run in the simulator's process, so this
+// process's CPU is the library's own cost), and the wall time of reading
+// every setting of one DC motor on a 4800 Bd line against the line time of
+// the frames exchanged, which the simulator computes.
+//
+//     bench_motor
+
+#include "busfactory.h"
+#include "getdirectionjob.h"
+#include "getendlimitsjob.h"
+#include "getmotoripsjob.h"
+#include "getpositionjob.h"
+#include "getrampjob.h"
+#include "getspeedjob.h"
+#include "motorcontroljob.h"
+#include "setdirectionjob.h"
+#include "setendlimitsjob.h"
+#include "setfactorydefaultjob.h"
+#include "setmotoripjob.h"
+#include "setrampjob.h"
+#include "setspeedjob.h"
+#include "simnetwork.h"
+#include "tx30object.h"
+#include "visualfeedbackjob.h"
+#include "vrnbus.h"
+#include "vrnloopbackbus.h"
+#include "vrnobjectworker.h"
+#include "workqueue.h"
+
+#include "benchclock.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using MakeJob = std::function<Job*()>;
+
+struct Kind
+{
+    const char* name;
+    MakeJob make;
+};
+
+template <class J>
+MakeJob plain()
+{
+    return [] { return new J; };
+}
+
+const std::vector<Kind>& kinds()
+{
+    static const std::vector<Kind> all = {
+        {"wink", plain<VisualFeedbackJob>()},
+        {"stop", [] { auto j = new MotorControlJob; j->setCommand(255); return j; }},
+        {"get position", plain<GetPositionJob>()},
+        {"get direction", plain<GetDirectionJob>()},
+        {"get limits", plain<GetEndLimitsJob>()},
+        {"get speed", plain<GetSpeedJob>()},
+        {"get ramp", plain<GetRampJob>()},
+        {"get 16 ips", plain<GetMotorIpsJob>()},
+        {"set direction", [] { auto j = new SetDirectionJob; j->setDirection(1); return j; }},
+        {"set speed", [] { auto j = new SetSpeedJob; j->setUpSpeed(20); j->setDownSpeed(20); j->setSlowSpeed(8); return j; }},
+        {"set limit + read", [] { auto j = new SetEndLimitsJob; j->setCommand(1); j->setLimit(1); j->setDelta(100); return j; }},
+        {"set ramps (4 req)", [] { auto j = new SetRampJob; j->setRamps(1); j->setSoftStartStatus(1); j->setSoftStartValue(30);
+                                   j->setSoftStopStatus(1); j->setSoftStopValue(30); return j; }},
+        {"set ip + read", [] { auto j = new SetMotorIpJob; j->setIpIndex(2); j->setFunction(3); j->setValue(40); return j; }},
+        {"factory ips", [] { auto j = new SetFactoryDefaultJob; j->setCommand(0x15); return j; }},
+    };
+    return all;
+}
+
+// Queues every job on `worker` and waits (on the event loop) for the last.
+int runAll(VRNObjectWorker& worker, std::vector<std::unique_ptr<Job>>& jobs)
+{
+    int ended = 0;
+    int failed = 0;
+    for (auto& job : jobs) {
+        QObject::connect(job.get(), &Job::finished, [&](Job::Error e) { ++ended; failed += e != Job::NoError; });
+        worker.queue()->enqueue(*job, 0);
+    }
+    while (ended < int(jobs.size()))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return failed;
+}
+
+int cpuPerJob()
+{
+    QProcess sim;
+    sim.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim"),
+              {QStringLiteral("--mcast"), QStringLiteral("239.255.92.1:47920"), QStringLiteral("--devices"),
+               QStringLiteral("tx30:1"), QStringLiteral("--time-scale"), QStringLiteral("1000")});
+    if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(10000)) {
+        std::printf("cannot start vrnsim\n");
+        return 1;
+    }
+    BusFactory* buses = BusFactory::instance();
+    if (!buses->openUUID(QString::fromLatin1(sim.readLine()).trimmed())) {
+        std::printf("cannot open the bus: %s\n", qPrintable(buses->lastError()));
+        return 1;
+    }
+    quint64 frames = 0;
+    QObject::connect(buses->bus(), &Bus::messageSent, [&frames] { ++frames; });
+    QSharedPointer<VRNObject> motor(new TX30Object);
+    motor->setNodeAddress(VRN::makeAddr(VRN::NodeTX30, 0x000100));
+    motor->attach(buses->bus());
+    VRNObjectWorker worker(motor);
+    constexpr int Runs = 300;
+    std::printf("library CPU per motor job (%d jobs each, vrnsim over loopback multicast):\n", Runs);
+    for (const Kind& kind : kinds()) {
+        std::vector<std::unique_ptr<Job>> jobs;
+        for (int i = 0; i < Runs; ++i)
+            jobs.emplace_back(kind.make());
+        frames = 0;
+        QElapsedTimer wall;
+        wall.start();
+        const double cpu0 = cpuSeconds();
+        const int failed = runAll(worker, jobs);
+        const double cpu = cpuSeconds() - cpu0;
+        std::printf("  %-18s %6.1f us CPU/job, %4.1f requests/job, %6.2f ms wall/job%s\n", kind.name, cpu * 1e6 / Runs,
+                    double(frames) / Runs, wall.nsecsElapsed() / 1e6 / Runs,
+                    failed ? qPrintable(QStringLiteral(" (%1 failed)").arg(failed)) : "");
+    }
+    BusFactory::destroy();
+    sim.terminate();
+    sim.waitForFinished(10000);
+    return 0;
+}
+
+int settingsAt4800()
+{
+    SimNetwork net(3);
+    net.setBaud(4800);
+    net.setReplyWindow(0);
+    SimNode* node = net.addNode(SimNode::TX30, 0x000100);
+    VRNLoopbackBus bus;
+    bus.setTimeout(1000);
+    net.attach(&bus);
+    bus.open();
+    QSharedPointer<VRNObject> motor(new TX30Object);
+    motor->setNodeAddress(node->address());
+    motor->attach(&bus);
+    VRNObjectWorker worker(motor);
+    std::vector<std::unique_ptr<Job>> jobs;
+    jobs.emplace_back(new GetDirectionJob);
+    jobs.emplace_back(new GetEndLimitsJob);
+    jobs.emplace_back(new GetMotorIpsJob);
+    jobs.emplace_back(new GetSpeedJob);
+    jobs.emplace_back(new GetRampJob);
+    net.resetCounters();
+    QElapsedTimer wall;
+    wall.start();
+    const int failed = runAll(worker, jobs);
+    const double seconds = wall.nsecsElapsed() / 1e9;
+    const double line = net.lineTimeUs(4800) / 1e6;
+    std::printf("every setting of one DC motor at 4800 Bd (direction, limits, 16 ips, speeds, ramps):\n"
+                "  %llu frames, %.3f s wall, line time %.3f s, wall / line time = %.3f%s\n",
+                (unsigned long long)(net.framesIn() + net.framesOut()), seconds, line, seconds / line,
+                failed ? " (some jobs failed)" : "");
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QStandardPaths::setTestModeEnabled(true);
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    const int a = settingsAt4800();
+    return cpuPerJob() | a;
+}

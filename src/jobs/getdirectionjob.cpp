@@ -1,0 +1,8 @@
+#include "getdirectionjob.h"
+
+GetDirectionJob::GetDirectionJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetDirectionJob::~GetDirectionJob() = default;

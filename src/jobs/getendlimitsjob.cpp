@@ -1,0 +1,8 @@
+#include "getendlimitsjob.h"
+
+GetEndLimitsJob::GetEndLimitsJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetEndLimitsJob::~GetEndLimitsJob() = default;

@@ -1,0 +1,8 @@
+#include "getmotoripsjob.h"
+
+GetMotorIpsJob::GetMotorIpsJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetMotorIpsJob::~GetMotorIpsJob() = default;

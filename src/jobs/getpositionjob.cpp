@@ -1,0 +1,8 @@
+#include "getpositionjob.h"
+
+GetPositionJob::GetPositionJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetPositionJob::~GetPositionJob() = default;

@@ -1,0 +1,8 @@
+#include "getrampjob.h"
+
+GetRampJob::GetRampJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetRampJob::~GetRampJob() = default;

@@ -1,0 +1,8 @@
+#include "getspeedjob.h"
+
+GetSpeedJob::GetSpeedJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetSpeedJob::~GetSpeedJob() = default;

@@ -1,0 +1,8 @@
+#include "visualfeedbackjob.h"
+
+VisualFeedbackJob::VisualFeedbackJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+VisualFeedbackJob::~VisualFeedbackJob() = default;

@@ -1,0 +1,70 @@
+#include "getmotoripstask.h"
+
+#include "devicetask_p.h"
+#include "dts.h"
+
+class GetMotorIpsTaskPrivate : public DeviceTaskPrivate
+{
+public:
+    explicit GetMotorIpsTaskPrivate(unsigned char count)
+        : count(count == 0 || count > DTSMotorProxy::IPCount ? (unsigned char)DTSMotorProxy::IPCount : count) {}
+    const unsigned char count;
+    /// The index asked for last.
+    unsigned char index = 0;
+};
+
+GetMotorIpsTask::GetMotorIpsTask(Worker&, QObject* object, const Job& job, QObject* parent)
+    : ReadTask(object, job, parent, new GetMotorIpsTaskPrivate(DTSMotorProxy::IPCount))
+{
+}
+
+GetMotorIpsTask::GetMotorIpsTask(QObject* object, unsigned char count, QObject* parent)
+    : ReadTask(QStringLiteral("GetMotorIpsJob"), object, parent, new GetMotorIpsTaskPrivate(count))
+{
+}
+
+GetMotorIpsTask::~GetMotorIpsTask() = default;
+
+BusPendingCall GetMotorIpsTask::request(DTSMotorProxy& node)
+{
+    Q_D(GetMotorIpsTask);
+    d->index = 0;
+    return node.getMotorIP(d->index);
+}
+
+bool GetMotorIpsTask::parse(const DTSMotorProxy& node, const BusMessage& reply, MotorConfigData& proxy)
+{
+    Q_D(GetMotorIpsTask);
+    MotorConfigDataData::MotorIp ip;
+    unsigned char index = 0;
+    if (!node.getMotorIPReply(reply, index, ip.pulse, ip.pct) || index != d->index)
+        return false;
+    if (index == 0)
+        proxy.data().ips.clear();
+    proxy.data().ips.append(ip);
+    return true;
+}
+
+bool GetMotorIpsTask::isKnown(const MotorConfigData& record) const
+{
+    return record.isMotorIpsValid();
+}
+
+void GetMotorIpsTask::seed(const MotorConfigData& from, MotorConfigData& to) const
+{
+    to.data().ips = from.getConstData().ips;
+}
+
+bool GetMotorIpsTask::requestNext()
+{
+    Q_D(GetMotorIpsTask);
+    if (++d->index >= d->count)
+        return false;
+    watch(node()->getMotorIP(d->index));
+    return true;
+}
+
+quint8 GetMotorIpsTask::expectedReply() const
+{
+    return DTS::PostMotorIP;
+}

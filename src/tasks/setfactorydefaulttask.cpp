@@ -1,0 +1,46 @@
+#include "setfactorydefaulttask.h"
+
+#include "devicetask_p.h"
+#include "taskparams_p.h"
+
+class SetFactoryDefaultTaskPrivate : public DeviceTaskPrivate
+{
+public:
+    explicit SetFactoryDefaultTaskPrivate(int function) : function(DTSMotor::FactoryDefFunction(function)) {}
+    const DTSMotor::FactoryDefFunction function;
+};
+
+SetFactoryDefaultTask::SetFactoryDefaultTask(Worker&, QObject* object, const Job& job, QObject* parent)
+    : WriteTask(object, job, parent,
+                new SetFactoryDefaultTaskPrivate(TaskParams::toInt(job, "command", "SetFactoryDefaultTask")))
+{
+}
+
+SetFactoryDefaultTask::SetFactoryDefaultTask(DTSMotor::FactoryDefFunction function, QObject* object,
+                                             QObject* parent)
+    : WriteTask(QStringLiteral("SetFactoryDefaultJob"), object, parent, new SetFactoryDefaultTaskPrivate(function))
+{
+}
+
+SetFactoryDefaultTask::~SetFactoryDefaultTask() = default;
+
+bool SetFactoryDefaultTask::checkRequestStep()
+{
+    return checkObjectAs("VRNMotorObject has been destroyed", "VRNMotorObject has no proxy");
+}
+
+BusPendingCall SetFactoryDefaultTask::request(DTSMotorProxy& node)
+{
+    return node.setFactoryDefault(d_func()->function);
+}
+
+bool SetFactoryDefaultTask::apply(MotorConfigData& local) const
+{
+    if (d_func()->function != DTSMotor::FactoryIPs) {
+        local = MotorConfigData();
+        return true;
+    }
+    for (MotorConfigDataData::MotorIp& ip : local.data().ips)
+        ip = MotorConfigDataData::MotorIp();
+    return true;
+}
