@@ -26,6 +26,7 @@ FirmwareTask::~FirmwareTask() = default;
 int FirmwareTask::blocksDone() const { return d_func()->done; }
 int FirmwareTask::blockCount() const { return d_func()->total; }
 int FirmwareTask::retries() const { return d_func()->retries; }
+int FirmwareTask::blockSize() const { return d_func()->image.isEmpty() ? 0 : d_func()->manifest.blockSize; }
 const QByteArray& FirmwareTask::image() const { return d_func()->image; }
 const BpkManifest& FirmwareTask::manifest() const { return d_func()->manifest; }
 

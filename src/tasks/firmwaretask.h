@@ -41,6 +41,8 @@ public:
     int blockCount() const;
     /// Requests sent again so far.
     int retries() const;
+    /// Bytes a block of the package being sent (0 before it is loaded).
+    int blockSize() const;
 
 Q_SIGNALS:
     void progress(int done, int total);

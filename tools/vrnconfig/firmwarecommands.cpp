@@ -1,0 +1,192 @@
+// The firmware family: the package catalogue, the check of devices against
+// it, the standard update and the recovery through the bootloader. Updates
+// of several devices run one device after another.
+#include "command.h"
+#include "devicerunner.h"
+#include "output.h"
+#include "vrnconfigcli.h"
+
+#include "checkfwjob.h"
+#include "directupdatefwjob.h"
+#include "firmwareloader.h"
+#include "firmwaretask.h"
+#include "settings.h"
+#include "updatefwjob.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonArray>
+
+namespace {
+
+using Cli = VrnConfigCli;
+
+const QString Package = QStringLiteral("package");
+const QString Folder = QStringLiteral("folder");
+const QString Keys = QStringLiteral("keys");
+
+// --folder and --keys are remembered in the settings, as the front end's
+// choices are: the library reads "firmwarePath" and "firmwareKeyFile".
+bool takeFolderAndKeys(Cli& cli)
+{
+    for (const auto& [option, key] : {std::pair<QString, const char*>{Folder, "firmwarePath"}, {Keys, "firmwareKeyFile"}}) {
+        if (!cli.isSet(option))
+            continue;
+        const QFileInfo info(cli.value(option));
+        if (!info.exists()) {
+            cli.fail(Cli::Usage, Cli::tr("--%1: %2 does not exist").arg(option, cli.value(option)));
+            return false;
+        }
+        Settings::instance()->setValue(QLatin1String(key), info.absoluteFilePath());
+    }
+    return true;
+}
+
+void list(Cli& cli, const QStringList& args)
+{
+    if (!args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("firmware list takes no argument"));
+    if (!takeFolderAndKeys(cli))
+        return;
+    FirmwareLoader loader;
+    if (loader.path().isEmpty())
+        return cli.fail(Cli::Failed, Cli::tr("no firmware folder: name one with --folder"));
+    if (cli.json()) {
+        QJsonArray rows;
+        for (const FirmwareInfo& info : loader.packages())
+            rows.append(QJsonObject{{QStringLiteral("file"), info.path()},
+                                    {QStringLiteral("version"), info.version()},
+                                    {QStringLiteral("kinds"), QJsonArray::fromStringList(info.kinds())},
+                                    {QStringLiteral("size"), info.size()},
+                                    {QStringLiteral("verified"), info.isVerified()},
+                                    {QStringLiteral("error"), info.error()}});
+        cli.output().document(rows);
+    } else {
+        TextTable table(cli.output(), {{Cli::tr("FILE"), 24}, {Cli::tr("VERSION"), 10}, {Cli::tr("KINDS"), 18},
+                                       {Cli::tr("SIZE"), 8, true}, {Cli::tr("STATE"), 0}});
+        table.header();
+        for (const FirmwareInfo& info : loader.packages())
+            table.row({info.fileName(), info.version(), info.kinds().join(QLatin1Char(',')), QString::number(info.size()),
+                       info.isVerified() ? Cli::tr("verified") : info.error()});
+    }
+    cli.finish();
+}
+
+void check(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("firmware check needs at least one DEVICE"));
+    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new CheckFwJob; }, [](DeviceRun& run, QString&) {
+        const QVariantMap r = run.job()->result().toMap();
+        const QString status = r.value(QStringLiteral("status")).toString();
+        for (const char* key : {"status", "version", "available"})
+            run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
+        if (status == QLatin1String("updateAvailable"))
+            run.line = Cli::tr("update available: %1 -> %2").arg(r.value(QStringLiteral("version")).toString(),
+                                                                 r.value(QStringLiteral("available")).toString());
+        else if (status == QLatin1String("upToDate"))
+            run.line = Cli::tr("up to date: %1").arg(r.value(QStringLiteral("version")).toString());
+        else
+            run.line = Cli::tr("no package fits (device has %1)").arg(r.value(QStringLiteral("version")).toString());
+        return true;
+    });
+}
+
+// "[#####.....] 1200/2048 blocks, 1.3 kB/s, 25 s left"
+QString progressLine(const QString& node, int done, int total, int blockSize, qint64 elapsedMs, int startDone)
+{
+    const int width = 20;
+    const int filled = total > 0 ? done * width / total : 0;
+    const double seconds = qMax<qint64>(elapsedMs, 1) / 1000.0;
+    const double rate = (done - startDone) / seconds; // blocks a second
+    QString left = QStringLiteral("?");
+    if (rate > 0)
+        left = QString::number(qRound((total - done) / rate));
+    return Cli::tr("%1 [%2%3] %4/%5 blocks, %6 kB/s, %7 s left")
+        .arg(node, QString(filled, QLatin1Char('#')), QString(width - filled, QLatin1Char('.')))
+        .arg(done).arg(total)
+        .arg(rate * blockSize / 1024.0, 0, 'f', 1)
+        .arg(left);
+}
+
+void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::function<FirmwareJob*()>& make)
+{
+    auto runner = new DeviceRunner(cli);
+    runner->setParallel(1);
+    runner->run(uuids, [&cli, make](DeviceRun& run) {
+        FirmwareJob* job = make();
+        if (cli.isSet(Package))
+            job->setPackage(QFileInfo(cli.value(Package)).absoluteFilePath());
+        const QString node = Cli::nodeText(VRN::getNumber(run.object->address()));
+        QObject::connect(job, &Job::started, &cli, [&cli, job, node] {
+            auto task = qobject_cast<FirmwareTask*>(job->task());
+            if (!task || !cli.output().onTerminal())
+                return;
+            auto clock = std::make_shared<QElapsedTimer>();
+            auto first = std::make_shared<int>(-1);
+            QObject::connect(task, &FirmwareTask::progress, &cli, [&cli, task, clock, first, node](int done, int total) {
+                if (*first < 0) {
+                    *first = done; // a resumed update counts its rate from here
+                    clock->start();
+                }
+                cli.output().progress(progressLine(node, done, total, task->blockSize(), clock->elapsed(), *first));
+            });
+        });
+        run.start(job, [&run](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            const QVariantMap r = run.job()->result().toMap();
+            for (const char* key : {"version", "package"})
+                run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
+            for (const char* key : {"blocks", "retries"})
+                run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toInt());
+            run.line = Cli::tr("now %1 (%2 blocks, %3 retries)")
+                           .arg(r.value(QStringLiteral("version")).toString())
+                           .arg(r.value(QStringLiteral("blocks")).toInt())
+                           .arg(r.value(QStringLiteral("retries")).toInt());
+            run.succeed();
+        });
+    });
+}
+
+void update(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("firmware update needs at least one DEVICE"));
+    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    updateWith(cli, uuids, [] { return new UpdateFwJob; });
+}
+
+void recover(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.size() != 1)
+        return cli.fail(Cli::Usage, Cli::tr("firmware recover takes one DEVICE"));
+    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    updateWith(cli, uuids, [] { return new DirectUpdateFwJob; });
+}
+
+void addFirmwareCommands(CommandRegistry& r)
+{
+    const QString name = QStringLiteral("firmware");
+    r.add({name, QStringLiteral("list"), QString(), Cli::tr("list the firmware packages of the folder (--folder DIR, --keys FILE)"), list});
+    r.add({name, QStringLiteral("check"), QStringLiteral("DEVICE..."),
+           Cli::tr("compare the devices' firmware with the newest package that fits"), check});
+    r.add({name, QStringLiteral("update"), QStringLiteral("DEVICE..."),
+           Cli::tr("update the firmware, one device after another (--package FILE: this package)"), update});
+    r.add({name, QStringLiteral("recover"), QStringLiteral("DEVICE"),
+           Cli::tr("update a device stuck in its bootloader (--package FILE: this package)"), recover});
+    r.addOption(QCommandLineOption(Package, QString(), QStringLiteral("FILE")), {name});
+    r.addOption(QCommandLineOption(Folder, QString(), QStringLiteral("DIR")), {name});
+    r.addOption(QCommandLineOption(Keys, QString(), QStringLiteral("FILE")), {name});
+}
+
+const CommandFamily family(60, "Firmware", addFirmwareCommands);
+
+} // namespace
