@@ -3,22 +3,7 @@
 // error, never in a crash; a package that reads keeps its manifest in range.
 #include "bpkpackage.h"
 #include "cryptography.h"
-
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-
-namespace {
-
-void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_bpkpackage: %s\n", what);
-        std::abort();
-    }
-}
-
-} // namespace
+#include "fuzzinput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -27,21 +12,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const BpkPackage pkg = BpkPackage::read(bytes);
     QString error;
     const QByteArray image = pkg.image(keys, &error);
-    check(image.isEmpty() != error.isEmpty() || image.isEmpty(), "an image and an error");
+    FUZZ_CHECK(image.isEmpty() != error.isEmpty() || image.isEmpty());
     if (pkg.isReadable()) {
         const BpkManifest& m = pkg.manifest();
-        check(m.size > 0 && m.size <= BpkManifest::MaxImageSize, "image size out of range");
-        check(m.blockSize > 0 && m.blockSize <= BpkManifest::MaxBlockSize, "block size out of range");
-        check(!m.nodeTypes.isEmpty(), "no node type");
+        FUZZ_CHECK(m.size > 0 && m.size <= BpkManifest::MaxImageSize);
+        FUZZ_CHECK(m.blockSize > 0 && m.blockSize <= BpkManifest::MaxBlockSize);
+        FUZZ_CHECK(!m.nodeTypes.isEmpty());
         BpkManifest again;
-        check(BpkManifest::fromJson(m.toJson(), &again, nullptr), "manifest does not read back");
+        FUZZ_CHECK(BpkManifest::fromJson(m.toJson(), &again, nullptr));
     } else {
-        check(!pkg.errorString().isEmpty(), "unreadable without a reason");
+        FUZZ_CHECK(!pkg.errorString().isEmpty());
     }
     // The same bytes as one encrypted chunk: refused unless they authenticate.
     bool ok = true;
     const QByteArray plain = Cryptography::decryptChunk(bytes, 0, QByteArray(Cryptography::NonceSize, '\0'),
                                                         keys.imageKey, &ok);
-    check(!ok && plain.isEmpty(), "a forged chunk decrypted");
+    FUZZ_CHECK(!ok && plain.isEmpty());
     return 0;
 }
