@@ -40,6 +40,17 @@ bool FirmwareTask::hasNode() const
     return hasObject() && vrnObject()->node();
 }
 
+DTSStdProxy::AppVersion FirmwareTask::packageVersion() const
+{
+    const BpkManifest& m = d_func()->manifest;
+    DTSStdProxy::AppVersion version;
+    version.major = m.major;
+    version.minor = m.minor;
+    version.patch = m.patch;
+    version.build = m.build;
+    return version;
+}
+
 int FirmwareTask::nodeType() const
 {
     return VRN::getType(vrnObject()->address());
@@ -150,11 +161,11 @@ bool FirmwareTask::onVersionReply(const VRNMessage& reply)
         return true;
     }
     const BpkManifest& m = d->manifest;
-    if (m.compareVersion(version.major, version.minor, version.patch, version.build) != 0) {
+    if (version != packageVersion()) {
         fail(tr("Version after the update is %1, not %2").arg(version.toString(), m.versionString()));
         return true;
     }
-    recordVersion(version.major, version.minor, version.patch, version.build);
+    recordVersion(version);
     vrnObject()->setIsUpToDate(VRNObject::UpToDate);
     setResult(QVariantMap{{QStringLiteral("version"), m.versionString()},
                           {QStringLiteral("blocks"), m.blockCount()},
@@ -164,16 +175,11 @@ bool FirmwareTask::onVersionReply(const VRNMessage& reply)
     return true;
 }
 
-void FirmwareTask::recordVersion(quint8 major, quint8 minor, quint8 patch, quint16 build)
+void FirmwareTask::recordVersion(const DTSStdProxy::AppVersion& version)
 {
     auto* node = qobject_cast<VRNStdObject*>(vrnObject());
     if (!node)
         return;
-    DTSStdProxy::AppVersion version;
-    version.major = major;
-    version.minor = minor;
-    version.patch = patch;
-    version.build = build;
     // The device runs the new image: both records show it.
     StdConfigData proxy = node->proxyStdConfig();
     proxy.data().appVersion = version;

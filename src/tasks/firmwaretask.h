@@ -2,6 +2,7 @@
 #define FIRMWARETASK_H
 
 #include "devicetask.h"
+#include "dtsstdproxy.h"
 #include "vrn.h"
 
 class Bus;
@@ -71,6 +72,8 @@ protected:
     /// The verified plain image and its manifest.
     const QByteArray& image() const;
     const BpkManifest& manifest() const;
+    /// The package's version, as the protocols send it.
+    DTSStdProxy::AppVersion packageVersion() const;
     /// The node's type on the wire, which the package must fit.
     int nodeType() const;
 
@@ -80,7 +83,7 @@ protected:
     bool onVersionReply(const VRNMessage& reply);
     /// Writes the version read back into the object's records; the default
     /// writes a standard node's proxy and local version.
-    virtual void recordVersion(quint8 major, quint8 minor, quint8 patch, quint16 build);
+    virtual void recordVersion(const DTSStdProxy::AppVersion& version);
     /// The node's address and bus, for the protocol proxy the task talks through.
     VRN::Addr nodeAddress() const;
     Bus* nodeBus() const;

@@ -59,15 +59,9 @@ void MotorBLUpdateTask::resend()
     case MotorBLStates::Enter:
         watch(bl.enter(quint8(nodeType())));
         break;
-    case MotorBLStates::Erase: {
-        DTSStdProxy::AppVersion version;
-        version.major = m.major;
-        version.minor = m.minor;
-        version.patch = m.patch;
-        version.build = m.build;
-        watch(bl.erase(quint32(m.size), version));
+    case MotorBLStates::Erase:
+        watch(bl.erase(quint32(m.size), packageVersion()));
         break;
-    }
     case MotorBLStates::Write:
         watch(bl.write(d->offset, image().mid(int(d->offset), m.blockSize)));
         break;

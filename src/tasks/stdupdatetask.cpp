@@ -43,16 +43,10 @@ void StdUpdateTask::resend()
     Q_D(StdUpdateTask);
     const BpkManifest& m = manifest();
     switch (d->phase) {
-    case StdUpdateTaskPrivate::Begin: {
-        DTSStdProxy::AppVersion version;
-        version.major = m.major;
-        version.minor = m.minor;
-        version.patch = m.patch;
-        version.build = m.build;
-        watch(d->proxy->beginUpdate(quint8(nodeType()), quint32(m.size), quint8(m.blockSize), version,
+    case StdUpdateTaskPrivate::Begin:
+        watch(d->proxy->beginUpdate(quint8(nodeType()), quint32(m.size), quint8(m.blockSize), packageVersion(),
                                     m.digest.left(DTSUpdateProxy::ImageIdSize)));
         break;
-    }
     case StdUpdateTaskPrivate::Blocks:
         sendBlock(d->block);
         break;

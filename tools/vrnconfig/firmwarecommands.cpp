@@ -42,6 +42,18 @@ bool takeFolderAndKeys(Cli& cli)
     return true;
 }
 
+// The devices of a firmware command: `what` names the command in the usage
+// error; `one` takes exactly one device. False when the command has ended.
+bool devicesOf(Cli& cli, const QStringList& args, const char* what, bool one, QList<VRNObject::UUID>& uuids)
+{
+    if (args.isEmpty() || (one && args.size() != 1)) {
+        cli.fail(Cli::Usage, one ? Cli::tr("firmware %1 takes one DEVICE").arg(QLatin1String(what))
+                                 : Cli::tr("firmware %1 needs at least one DEVICE").arg(QLatin1String(what)));
+        return false;
+    }
+    return takeFolderAndKeys(cli) && cli.resolveDevices(args, uuids) && cli.openBus();
+}
+
 void list(Cli& cli, const QStringList& args)
 {
     if (!args.isEmpty())
@@ -75,9 +87,7 @@ void list(Cli& cli, const QStringList& args)
 void check(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("firmware check needs at least one DEVICE"));
-    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+    if (!devicesOf(cli, args, "check", false, uuids))
         return;
     (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new CheckFwJob; }, [](DeviceRun& run, QString&) {
         const QVariantMap r = run.job()->result().toMap();
@@ -155,9 +165,7 @@ void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::functi
 void update(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("firmware update needs at least one DEVICE"));
-    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+    if (!devicesOf(cli, args, "update", false, uuids))
         return;
     updateWith(cli, uuids, [] { return new UpdateFwJob; });
 }
@@ -165,9 +173,7 @@ void update(Cli& cli, const QStringList& args)
 void recover(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.size() != 1)
-        return cli.fail(Cli::Usage, Cli::tr("firmware recover takes one DEVICE"));
-    if (!takeFolderAndKeys(cli) || !cli.resolveDevices(args, uuids) || !cli.openBus())
+    if (!devicesOf(cli, args, "recover", true, uuids))
         return;
     updateWith(cli, uuids, [] { return new DirectUpdateFwJob; });
 }
