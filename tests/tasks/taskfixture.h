@@ -5,6 +5,8 @@
 // short bus timings, a record of the requests sent, and a scripted peer for
 // replies no well-behaved node gives.
 
+#include "busfactory.h"
+#include "busfactory_p.h"
 #include "job.h"
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
@@ -87,6 +89,20 @@ struct Wire
         return out;
     }
 };
+
+/// Puts `bus` in the bus factory's place of a serial or multicast bus (the
+/// factory takes it over), so the registry's objects talk on it.
+inline void installBus(VRNBus* bus)
+{
+    struct Access : BusFactory
+    {
+        static void install(VRNBus* bus)
+        {
+            (BusFactory::instance()->*(&Access::d_ptr))->setBus(bus, QStringLiteral("loopback"));
+        }
+    };
+    Access::install(bus);
+}
 
 /// Waits for the end of `job`'s run; false when it does not end.
 inline bool waitEnd(const Job& job, int ms = 3000)
