@@ -26,6 +26,7 @@
 #include "workqueue.h"
 
 #include "benchclock.h"
+#include "benchsim.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -75,18 +76,9 @@ int cpuPerDevice()
 {
     constexpr int Devices = 1000;
     QProcess sim;
-    sim.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim"),
-              {QStringLiteral("--mcast"), QStringLiteral("239.255.92.7:47927"), QStringLiteral("--devices"),
-               QStringLiteral("std:%1").arg(Devices), QStringLiteral("--reply-window"), QStringLiteral("5")});
-    if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(10000)) {
-        std::printf("cannot start vrnsim\n");
+    if (!openSimBus(sim, {QStringLiteral("--mcast"), QStringLiteral("239.255.92.7:47927"), QStringLiteral("--devices"),
+                          QStringLiteral("std:%1").arg(Devices), QStringLiteral("--reply-window"), QStringLiteral("5")}))
         return 1;
-    }
-    BusFactory* buses = BusFactory::instance();
-    if (!buses->openUUID(QString::fromLatin1(sim.readLine()).trimmed())) {
-        std::printf("cannot open the bus: %s\n", qPrintable(buses->lastError()));
-        return 1;
-    }
     QList<QSharedPointer<VRNObject>> keep;
     const Uuids uuids = registerDevices(Devices, nullptr, keep);
 
@@ -129,52 +121,58 @@ int cpuPerDevice()
     return 0;
 }
 
+// Standard nodes numbered from 0x100 on an in-process line, each a device of
+// the registry attached to it.
+struct LocalLine
+{
+    SimNetwork net;
+    VRNLoopbackBus bus;
+    QList<QSharedPointer<VRNObject>> keep;
+    Uuids uuids;
+
+    LocalLine(quint32 seed, int devices, int timeoutMs, const std::function<void(SimNetwork&)>& setUp)
+        : net(seed)
+    {
+        net.setReplyWindow(0);
+        setUp(net);
+        for (int i = 0; i < devices; ++i)
+            net.addNode(SimNode::Std, 0x100 + i)->setLabel("Room " + QByteArray::number(i));
+        bus.setTimeout(timeoutMs);
+        net.attach(&bus);
+        bus.open();
+        uuids = registerDevices(devices, &bus, keep);
+    }
+    ~LocalLine()
+    {
+        for (auto& obj : keep)
+            obj->attach(nullptr);
+        GroupFactory::destroy();
+    }
+};
+
 int labelReadsAt4800()
 {
     constexpr int Devices = 100;
-    SimNetwork net(5);
-    net.setBaud(4800);
-    net.setReplyWindow(0);
-    for (int i = 0; i < Devices; ++i)
-        net.addNode(SimNode::Std, 0x100 + i)->setLabel("Room " + QByteArray::number(i));
-    VRNLoopbackBus bus;
-    bus.setTimeout(1000);
-    net.attach(&bus);
-    bus.open();
-    QList<QSharedPointer<VRNObject>> keep;
-    const Uuids uuids = registerDevices(Devices, &bus, keep);
+    LocalLine line(5, Devices, 1000, [](SimNetwork& net) { net.setBaud(4800); });
     GetLabelJob job;
-    net.resetCounters();
+    line.net.resetCounters();
     QElapsedTimer wall;
     wall.start();
-    GroupTaskResultModel* result = runGroup(job, uuids);
+    GroupTaskResultModel* result = runGroup(job, line.uuids);
     const double seconds = wall.nsecsElapsed() / 1e9;
-    const double line = net.lineTimeUs(4800) / 1e6;
+    const double lineTime = line.net.lineTimeUs(4800) / 1e6;
     std::printf("label reads of %d devices through one group job at 4800 Bd:\n"
                 "  %llu frames, %.3f s wall, line time %.3f s, wall / line time = %.3f, %d failed\n",
-                Devices, (unsigned long long)(net.framesIn() + net.framesOut()), seconds, line, seconds / line,
-                result->failedCount());
-    for (auto& obj : keep)
-        obj->attach(nullptr);
-    GroupFactory::destroy();
+                Devices, (unsigned long long)(line.net.framesIn() + line.net.framesOut()), seconds, lineTime,
+                seconds / lineTime, result->failedCount());
     return 0;
 }
 
 int lossyLine()
 {
     constexpr int Devices = 200;
-    SimNetwork net(7);
-    net.setLoss(0.10);
-    net.setReplyWindow(0);
-    for (int i = 0; i < Devices; ++i)
-        net.addNode(SimNode::Std, 0x100 + i);
-    VRNLoopbackBus bus;
-    bus.setTimeout(30);
-    net.attach(&bus);
-    bus.open();
-    QList<QSharedPointer<VRNObject>> keep;
-    Uuids pending = registerDevices(Devices, &bus, keep);
-    const Uuids all = pending;
+    LocalLine line(7, Devices, 30, [](SimNetwork& net) { net.setLoss(0.10); });
+    Uuids pending = line.uuids;
     std::printf("group label write to %d devices, 10 %% of frames lost each way, failed devices run again:\n",
                 Devices);
     int round = 0;
@@ -193,12 +191,9 @@ int lossyLine()
     }
     int labelled = 0;
     for (int i = 0; i < Devices; ++i)
-        labelled += net.node(0x100 + i) && net.node(0x100 + i)->label() == "Lossy";
+        labelled += line.net.node(0x100 + i)->label() == "Lossy";
     std::printf("  ok on every device: %s (%d of %d nodes hold the label)\n", pending.isEmpty() ? "yes" : "no",
                 labelled, Devices);
-    for (auto& obj : keep)
-        obj->attach(nullptr);
-    GroupFactory::destroy();
     return pending.isEmpty() ? 0 : 1;
 }
 

@@ -23,7 +23,6 @@
 #include "workqueue.h"
 
 #include <QAbstractItemModelTester>
-#include <QSqlDatabase>
 #include <QStandardPaths>
 #include <QtTest>
 
@@ -63,7 +62,6 @@ private:
 
     QScopedPointer<Wire> m_wire;
     QList<SimNode*> m_nodes;
-    QHash<unsigned int, SimNode*> m_byUuid;
 };
 
 void tst_GroupTask::initTestCase()
@@ -73,24 +71,16 @@ void tst_GroupTask::initTestCase()
 
 void tst_GroupTask::init()
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(QStringLiteral(":memory:"));
-    QVERIFY(db.open());
     m_wire.reset(new Wire);
-    installBus(m_wire->bus);
-    QVERIFY(ObjectFactory::instance());
+    QVERIFY(openRegistry(*m_wire));
 }
 
 void tst_GroupTask::cleanup()
 {
     GroupFactory::destroy();
-    ObjectFactory::destroy();
-    BusFactory::destroy();
+    closeRegistry();
     m_wire.reset();
     m_nodes.clear();
-    m_byUuid.clear();
-    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
-    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
 }
 
 Uuids tst_GroupTask::addDevices(const QList<SimNode::Kind>& kinds)
@@ -104,7 +94,6 @@ Uuids tst_GroupTask::addDevices(const QList<SimNode::Kind>& kinds)
         m_nodes.append(node);
         const auto obj = ObjectFactory::instance()->createObject(types.value(kind), node->number());
         uuids.append(obj->uuid());
-        m_byUuid.insert(obj->uuid(), node);
     }
     return uuids;
 }

@@ -8,12 +8,14 @@
 #include "busfactory.h"
 #include "busfactory_p.h"
 #include "job.h"
+#include "objectfactory.h"
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 #include "vrnmessage.h"
 
 #include <QList>
 #include <QPointer>
+#include <QSqlDatabase>
 #include <QTest>
 #include <QTimer>
 
@@ -102,6 +104,26 @@ inline void installBus(VRNBus* bus)
         }
     };
     Access::install(bus);
+}
+
+/// A device registry on a fresh in-memory default connection, its bus the
+/// wire's; `closeRegistry()` ends it (the bus factory deletes the wire's bus).
+inline bool openRegistry(Wire& wire)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    if (!db.open())
+        return false;
+    installBus(wire.bus);
+    return ObjectFactory::instance();
+}
+
+inline void closeRegistry()
+{
+    ObjectFactory::destroy();
+    BusFactory::destroy();
+    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
+    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
 }
 
 /// Waits for the end of `job`'s run; false when it does not end.

@@ -61,21 +61,14 @@ void tst_BusDiscoverTask::initTestCase()
 
 void tst_BusDiscoverTask::init()
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(QStringLiteral(":memory:"));
-    QVERIFY(db.open());
     m_wire.reset(new Wire);
-    installBus(m_wire->bus);
-    QVERIFY(ObjectFactory::instance());
+    QVERIFY(openRegistry(*m_wire));
 }
 
 void tst_BusDiscoverTask::cleanup()
 {
-    ObjectFactory::destroy();
-    BusFactory::destroy(); // deletes the wire's bus
+    closeRegistry();
     m_wire.reset();
-    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
-    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
 }
 
 UuidList tst_BusDiscoverTask::discover(QString* error)
