@@ -24,6 +24,15 @@ public:
         return false;
     }
 
+    /// A move whose function lies in 0..`lastFunction` and value in 16 bits.
+    bool move(unsigned int group, int function, int lastFunction, int value,
+              const std::function<BusPendingCall(DTSGroupProxy&)>& request)
+    {
+        if (function < 0 || function > lastFunction || value < 0 || value > 0xFFFF)
+            return refuse(GroupControl::tr("Invalid move(%1, %2)").arg(function).arg(value));
+        return send(group, request);
+    }
+
     bool send(unsigned int group, const std::function<BusPendingCall(DTSGroupProxy&)>& request)
     {
         if (!GroupControl::isGroupAddress(group))
@@ -59,20 +68,14 @@ bool GroupControl::isGroupAddress(qint64 group)
 
 bool GroupControl::moveTo(unsigned int group, int function, int value)
 {
-    Q_D(GroupControl);
-    if (function < DTSMotor::MoveToDownLimit || function > DTSMotor::MoveToPercent || value < 0 || value > 0xFFFF)
-        return d->refuse(tr("Invalid move(%1, %2)").arg(function).arg(value));
-    return d->send(group, [=](DTSGroupProxy& proxy) {
+    return d_func()->move(group, function, DTSMotor::MoveToPercent, value, [=](DTSGroupProxy& proxy) {
         return proxy.moveTo(DTSMotor::MoveToFunction(function), quint16(value), Reserved);
     });
 }
 
 bool GroupControl::moveOf(unsigned int group, int function, int value)
 {
-    Q_D(GroupControl);
-    if (function < DTSMotor::MoveOfNextIPDown || function > DTSMotor::MoveOfPulsesUp || value < 0 || value > 0xFFFF)
-        return d->refuse(tr("Invalid move(%1, %2)").arg(function).arg(value));
-    return d->send(group, [=](DTSGroupProxy& proxy) {
+    return d_func()->move(group, function, DTSMotor::MoveOfPulsesUp, value, [=](DTSGroupProxy& proxy) {
         return proxy.moveOf(DTSMotor::MoveOfFunction(function), quint16(value), Reserved);
     });
 }
