@@ -16,6 +16,7 @@
 #include "objectfactory.h"
 #include "objectselectionmodel.h"
 #include "qmlgrouptaskresult.h"
+#include "setfactorydefaultjob.h"
 #include "setgroupsjob.h"
 #include "setlabeljob.h"
 #include "simclock.h"
@@ -317,8 +318,13 @@ void tst_GroupTask::membership()
     QSharedPointer<VRNObject> obj = registry->object(group.at(1));
     QVERIFY(registry->save(obj.data()));
     QCOMPARE(registry->deviceGroups(group.at(1)), Uuids({0x0F0002, 0x0F0007}));
-    QVERIFY(registry->destroyObject(group.at(1)));
-    QCOMPARE(registry->groupIds(), Uuids({0x0F0001}));
+    SetFactoryDefaultJob reset;
+    reset.setCommand(DTSMotor::FactoryGroups);
+    QVERIFY(runGroup(reset, group.mid(1)));
+    QCOMPARE(registry->deviceGroups(group.at(1)), Uuids());
+    QCOMPARE(m_nodes.at(1)->groups().count(0u), int(SimNode::GroupSlots));
+    QVERIFY(registry->destroyObject(group.at(0)));
+    QCOMPARE(registry->groupIds(), Uuids());
 }
 
 // One frame to a group moves its members only, and nobody answers.
