@@ -1,6 +1,6 @@
 // The firmware family: the package catalogue, the check of devices against
 // it, the standard update and the recovery through the bootloader. Updates
-// of several devices run one device after another.
+// of several devices run one device after another, through the group worker.
 #include "command.h"
 #include "devicerunner.h"
 #include "output.h"
@@ -9,7 +9,11 @@
 #include "checkfwjob.h"
 #include "directupdatefwjob.h"
 #include "firmwareloader.h"
-#include "firmwaretask.h"
+#include "busfactory.h"
+#include "dts.h"
+#include "vrnbus.h"
+#include "vrndatawriter.h"
+#include "vrnmessage.h"
 #include "settings.h"
 #include "updatefwjob.h"
 
@@ -90,7 +94,7 @@ void check(Cli& cli, const QStringList& args)
     if (!devicesOf(cli, args, "check", false, uuids))
         return;
     (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new CheckFwJob; }, [](DeviceRun& run, QString&) {
-        const QVariantMap r = run.job()->result().toMap();
+        const QVariantMap r = run.jobResult.toMap();
         const QString status = r.value(QStringLiteral("status")).toString();
         for (const char* key : {"status", "version", "available"})
             run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
@@ -105,60 +109,98 @@ void check(Cli& cli, const QStringList& args)
     });
 }
 
-// "[#####.....] 1200/2048 blocks, 1.3 kB/s, 25 s left"
-QString progressLine(const QString& node, int done, int total, int blockSize, qint64 elapsedMs, int startDone)
+// "0x000104 [#####.....] 1200/2048 blocks, 1.3 kB/s, 25 s left"
+QString progressLine(const QString& node, int done, int total, double bytesPerSecond, int blockSize)
 {
     const int width = 20;
-    const int filled = total > 0 ? done * width / total : 0;
-    const double seconds = qMax<qint64>(elapsedMs, 1) / 1000.0;
-    const double rate = (done - startDone) / seconds; // blocks a second
+    const int filled = total > 0 ? qBound(0, done * width / total, width) : 0;
     QString left = QStringLiteral("?");
-    if (rate > 0)
-        left = QString::number(qRound((total - done) / rate));
+    if (bytesPerSecond > 0)
+        left = QString::number(qRound((total - done) * blockSize / bytesPerSecond));
     return Cli::tr("%1 [%2%3] %4/%5 blocks, %6 kB/s, %7 s left")
         .arg(node, QString(filled, QLatin1Char('#')), QString(width - filled, QLatin1Char('.')))
         .arg(done).arg(total)
-        .arg(rate * blockSize / 1024.0, 0, 'f', 1)
+        .arg(bytesPerSecond / 1024.0, 0, 'f', 1)
         .arg(left);
 }
 
+// Follows the update frames the bus sends (the standard update's begin and
+// blocks, the bootloader's erase and writes) and keeps a progress line for
+// the device being updated: the group worker runs the jobs, the wire says
+// how far each one is.
+void showProgressOf(Cli& cli, QObject* owner)
+{
+    VRNBus* bus = BusFactory::instance()->bus();
+    if (!bus || !cli.output().onTerminal())
+        return;
+    struct State
+    {
+        quint32 node = 0;
+        int total = 0;
+        int blockSize = 16;
+        int first = -1;
+        QElapsedTimer clock;
+    };
+    auto state = std::make_shared<State>();
+    QObject::connect(bus, &Bus::messageSent, owner, [&cli, state](const BusMessage& frame) {
+        const VRNMessage m(frame);
+        VRNDataReader in(m.payload());
+        int done = -1;
+        switch (m.cmd()) {
+        case DTS::FwUpdateBegin:
+            in.readUint8();
+            Q_FALLTHROUGH();
+        case DTS::BlErase: {
+            const quint32 size = in.readUint32();
+            const int blockSize = m.cmd() == DTS::BlErase ? 16 : in.readUint8();
+            *state = State();
+            state->node = m.dstAddr();
+            state->blockSize = qMax(1, blockSize);
+            state->total = int((size + quint32(state->blockSize) - 1) / quint32(state->blockSize));
+            return;
+        }
+        case DTS::FwUpdateBlock:
+            done = in.readUint16();
+            break;
+        case DTS::BlWrite:
+            done = int(in.readUint24() / quint32(state->blockSize));
+            break;
+        default:
+            return;
+        }
+        if (m.dstAddr() != state->node || state->total == 0)
+            return;
+        if (state->first < 0) {
+            state->first = done; // a resumed update counts its rate from here
+            state->clock.start();
+        }
+        const double seconds = qMax<qint64>(state->clock.elapsed(), 1) / 1000.0;
+        const double rate = (done - state->first) * state->blockSize / seconds;
+        cli.output().progress(progressLine(Cli::nodeText(state->node), done, state->total, rate, state->blockSize));
+    });
+}
+
+// Updates the devices one after another through their group worker.
 void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::function<FirmwareJob*()>& make)
 {
     auto runner = new DeviceRunner(cli);
-    runner->setParallel(1);
-    runner->run(uuids, [&cli, make](DeviceRun& run) {
+    showProgressOf(cli, runner);
+    const QString package = cli.isSet(Package) ? QFileInfo(cli.value(Package)).absoluteFilePath() : QString();
+    runner->runJobs(uuids, [make, package](VRNStdObject&) {
         FirmwareJob* job = make();
-        if (cli.isSet(Package))
-            job->setPackage(QFileInfo(cli.value(Package)).absoluteFilePath());
-        const QString node = Cli::nodeText(VRN::getNumber(run.object->address()));
-        QObject::connect(job, &Job::started, &cli, [&cli, job, node] {
-            auto task = qobject_cast<FirmwareTask*>(job->task());
-            if (!task || !cli.output().onTerminal())
-                return;
-            auto clock = std::make_shared<QElapsedTimer>();
-            auto first = std::make_shared<int>(-1);
-            QObject::connect(task, &FirmwareTask::progress, &cli, [&cli, task, clock, first, node](int done, int total) {
-                if (*first < 0) {
-                    *first = done; // a resumed update counts its rate from here
-                    clock->start();
-                }
-                cli.output().progress(progressLine(node, done, total, task->blockSize(), clock->elapsed(), *first));
-            });
-        });
-        run.start(job, [&run](Job::Error error) {
-            if (error != Job::NoError)
-                return run.fail(run.jobError());
-            const QVariantMap r = run.job()->result().toMap();
-            for (const char* key : {"version", "package"})
-                run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
-            for (const char* key : {"blocks", "retries"})
-                run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toInt());
-            run.line = Cli::tr("now %1 (%2 blocks, %3 retries)")
-                           .arg(r.value(QStringLiteral("version")).toString())
-                           .arg(r.value(QStringLiteral("blocks")).toInt())
-                           .arg(r.value(QStringLiteral("retries")).toInt());
-            run.succeed();
-        });
+        job->setPackage(package);
+        return job;
+    }, [](DeviceRun& run, QString&) {
+        const QVariantMap r = run.jobResult.toMap();
+        for (const char* key : {"version", "package"})
+            run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
+        for (const char* key : {"blocks", "retries"})
+            run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toInt());
+        run.line = Cli::tr("now %1 (%2 blocks, %3 retries)")
+                       .arg(r.value(QStringLiteral("version")).toString())
+                       .arg(r.value(QStringLiteral("blocks")).toInt())
+                       .arg(r.value(QStringLiteral("retries")).toInt());
+        return true;
     });
 }
 
