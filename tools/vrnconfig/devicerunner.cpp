@@ -1,5 +1,7 @@
 #include "devicerunner.h"
 
+#include "bus.h"
+#include "busfactory.h"
 #include "objectfactory.h"
 #include "output.h"
 #include "qmljob.h"
@@ -106,8 +108,10 @@ void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action
             run->result.insert(QStringLiteral("node"), VrnConfigCli::nodeText(VRN::getNumber(run->object->address())));
         m_runs << run;
     }
-    if (m_cli.json())
+    if (m_cli.json() && !m_quiet)
         m_stream.reset(new JsonArrayStream(m_cli.output(), m_runs.size(), "{\"results\":["));
+    if (Bus* bus = BusFactory::instance()->bus())
+        connect(bus, &Bus::messageReceived, this, [this] { m_heard = true; });
     m_cli.setInterruptHandler([this] { interrupt(); });
     showProgress();
     launch();
@@ -138,8 +142,13 @@ void DeviceRunner::ended(DeviceRun& run)
     if (run.m_started)
         --m_running;
     ++m_done;
-    run.result.value(QStringLiteral("ok")).toBool() ? ++m_ok : ++m_failed;
+    const bool ok = run.result.value(QStringLiteral("ok")).toBool();
+    ok ? ++m_ok : ++m_failed;
+    m_silentFailures = ok || m_heard ? 0 : m_silentFailures + 1;
+    m_heard = false;
     report(run);
+    if (m_silentFailures >= SilentLimit && m_gaveUp.isEmpty())
+        giveUp(tr("bus not answering"));
     if (m_done == m_runs.size() || (m_interrupts > 0 && m_running == 0))
         return summarise();
     showProgress();
@@ -148,8 +157,31 @@ void DeviceRunner::ended(DeviceRun& run)
     QTimer::singleShot(0, this, [this] { launch(); });
 }
 
+// The waiting devices fail at once with `why`; the running ones are stopped.
+void DeviceRunner::giveUp(const QString& why)
+{
+    m_gaveUp = why;
+    while (m_next < m_runs.size()) {
+        DeviceRun& run = *m_runs.at(m_next++);
+        run.fail(why);
+    }
+    for (const auto& run : qAsConst(m_runs))
+        if (run->m_started && !run->m_ended)
+            run->stop(why);
+}
+
+QList<QJsonObject> DeviceRunner::results() const
+{
+    QList<QJsonObject> list;
+    for (const auto& run : m_runs)
+        list << run->result;
+    return list;
+}
+
 void DeviceRunner::report(const DeviceRun& run)
 {
+    if (m_quiet)
+        return;
     if (m_stream)
         return m_stream->append(run.result);
     const bool ok = run.result.value(QStringLiteral("ok")).toBool();
@@ -162,6 +194,8 @@ void DeviceRunner::report(const DeviceRun& run)
 
 void DeviceRunner::showProgress()
 {
+    if (m_quiet)
+        return;
     m_cli.output().progress(tr("%1/%2 done, %3 ok, %4 failed, %5 s")
                                 .arg(m_done).arg(m_runs.size()).arg(m_ok).arg(m_failed)
                                 .arg(m_clock.elapsed() / 1000.0, 0, 'f', 1));
@@ -189,6 +223,10 @@ void DeviceRunner::summarise()
     if (m_summarised || m_running > 0)
         return;
     m_summarised = true;
+    if (m_quiet) {
+        emit finished(m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok);
+        return;
+    }
     const int notRun = m_runs.size() - m_done;
     const bool interrupted = m_interrupts > 0 && notRun > 0;
     const int code = interrupted ? VrnConfigCli::Interrupted : m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok;

@@ -76,10 +76,18 @@ private:
 /// "exitCode" when a device failed), for people a line on standard error
 /// (on success only when it is a terminal).
 /// The exit code is 1 when any device failed.
+///
+/// When several devices in a row fail without a single frame heard on the
+/// bus meanwhile, the bus is taken as silent (unplugged, powered off, the
+/// wrong line): the devices still waiting fail at once with "bus not
+/// answering", and the running ones are stopped with it.
 class DeviceRunner : public QObject
 {
     Q_OBJECT
 public:
+    /// Failures in a row with nothing heard that make the bus silent.
+    static constexpr int SilentLimit = 3;
+
     using Action = std::function<void(DeviceRun&)>;
     /// A job for the device, or null when the device cannot do it.
     using JobFactory = std::function<QmlJob*(VRNStdObject&)>;
@@ -90,6 +98,10 @@ public:
     explicit DeviceRunner(VrnConfigCli& cli);
     ~DeviceRunner() override;
 
+    /// A quiet run prints nothing and does not end the command: its owner
+    /// reads `results()` once `finished` came.
+    void setQuiet(bool quiet) { m_quiet = quiet; }
+    QList<QJsonObject> results() const;
     /// How many devices run at a time.
     void setParallel(int parallel) { m_parallel = qMax(1, parallel); }
     int parallel() const { return m_parallel; }
@@ -113,6 +125,7 @@ private:
     void report(const DeviceRun& run);
     void showProgress();
     void summarise();
+    void giveUp(const QString& why);
 
     VrnConfigCli& m_cli;
     QList<std::shared_ptr<DeviceRun>> m_runs;
@@ -125,6 +138,12 @@ private:
     int m_parallel = 4;
     int m_interrupts = 0;
     bool m_summarised = false;
+    bool m_quiet = false;
+    /// Devices in a row that failed with the bus silent, and whether a frame
+    /// came since the last device ended.
+    int m_silentFailures = 0;
+    bool m_heard = false;
+    QString m_gaveUp;
     QElapsedTimer m_clock;
     std::unique_ptr<JsonArrayStream> m_stream;
 };

@@ -18,6 +18,8 @@
 #include <QJsonArray>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 using Cli = VrnConfigCli;
@@ -36,6 +38,21 @@ void putGroups(const QList<quint32>& list, DeviceRun& run)
     }
     run.line = words.join(QLatin1Char(' '));
     run.result.insert(QStringLiteral("groups"), array);
+}
+
+// A label the device takes and the registry can store: checked before
+// anything is sent, so a device is never renamed to something the registry
+// then refuses. The message never repeats the label (it may be long).
+bool labelFits(const QString& label, QString& why)
+{
+    const int bytes = label.toUtf8().size();
+    if (bytes > LabelMax)
+        why = Cli::tr("the label is %1 bytes of UTF-8; a device takes at most %2").arg(bytes).arg(LabelMax);
+    else if (label.contains(QLatin1Char('\'')))
+        why = Cli::tr("the registry cannot store a label with a single quote (')");
+    else if (std::any_of(label.begin(), label.end(), [](QChar c) { return c.category() == QChar::Other_Control; }))
+        why = Cli::tr("a label cannot hold control characters");
+    return why.isEmpty();
 }
 
 // Keeps what the device said in the registry, so `list` shows it.
@@ -96,8 +113,9 @@ void setLabel(Cli& cli, const QStringList& args)
     if (args.size() != 2)
         return cli.fail(Cli::Usage, Cli::tr("set label takes one DEVICE and one TEXT"));
     const QByteArray label = args.at(1).toUtf8();
-    if (label.size() > LabelMax)
-        return cli.fail(Cli::Usage, Cli::tr("label longer than %1 bytes: %2").arg(LabelMax).arg(args.at(1)));
+    QString why;
+    if (!labelFits(args.at(1), why))
+        return cli.fail(Cli::Usage, why);
     QList<VRNObject::UUID> uuids;
     if (!cli.resolveDevices(args.mid(0, 1), uuids) || !cli.openBus())
         return;
