@@ -118,10 +118,22 @@ private slots:
         row("group not multicast", {QStringLiteral("open"), QStringLiteral("mcast:10.1.1.1:5000:127.0.0.1")}, 2,
             QStringLiteral("not an IPv4 multicast group: '10.1.1.1'"));
         row("not a bus", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")}, 2, QStringLiteral("not a bus identifier"));
-        row("unconfirmed forget all", {QStringLiteral("forget"), QStringLiteral("all")}, 2, QStringLiteral("confirm with --yes"));
         row("unconfirmed set all", {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("all"), QStringLiteral("x")}, 2,
             QStringLiteral("confirm with --yes"));
-        row("no bus", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")}, 1, QStringLiteral("no bus"));
+        row("empty registry", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")}, 2, QStringLiteral("no device selected"));
+        row("no bus", {QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("up")}, 1,
+            QStringLiteral("no bus"));
+        const auto words = [](const char* line) { return QString::fromLatin1(line).split(QLatin1Char(' ')); };
+        row("group beyond 24 bits", words("get label group:0x1000000"), 2, QStringLiteral("0x1000000"));
+        row("group 0", words("get label group:0"), 2, QStringLiteral("not a valid group address: 0"));
+        row("group broadcast", words("group move 0xFFFFFF up"), 2, QStringLiteral("0xFFFFFF"));
+        row("group unknown", words("get label group:0x0F0099"), 2, QStringLiteral("0x0F0099"));
+        row("unknown kind", words("wink type:robot"), 2, QStringLiteral("robot"));
+        row("move what", words("group move 0x0F0001 sideways"), 2, QStringLiteral("group move takes"));
+        row("percent too big", words("group move 0x0F0001 to 101"), 2, QStringLiteral("percent from 0 to 100"));
+        row("bad priority", words("get label all --priority -1"), 2, QStringLiteral("-1"));
+        row("priority elsewhere", words("list --priority 2"), 2, QStringLiteral("--priority"));
+        row("duration not a number", words("monitor --duration nan"), 2, QStringLiteral("nan"));
         row("serial port missing", {QStringLiteral("open"), QStringLiteral("serial:/nonexistent/tty")}, 1, QStringLiteral("cannot open"));
     }
     void commandLine()
@@ -369,6 +381,46 @@ private slots:
         QCOMPARE(groups.at(1).toInt(), 7);
     }
 
+    // Selections by group and kind, mixed kinds, abort on error, the group list and a group move.
+    void selectionForms()
+    {
+        QCOMPARE(run({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("all")}).code, 0);
+        Result r = run({QStringLiteral("--json"), QStringLiteral("group"), QStringLiteral("list")});
+        QCOMPARE(r.code, 0);
+        QJsonArray members;
+        for (const QJsonValue& g : QJsonDocument::fromJson(r.out).array())
+            if (g.toObject().value(QStringLiteral("group")).toInt() == 0x0F0001)
+                members = g.toObject().value(QStringLiteral("members")).toArray();
+        QVERIFY2(members.contains(1), r.out.constData());
+
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("group:0x0F0001")});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.result().value(QStringLiteral("uuid")).toInt(), members.at(0).toInt());
+
+        // Every row is a standard node or built on one; three are motors (the DC motor among them).
+        const auto summary = [](const Result& r) { return QJsonDocument::fromJson(r.out).object().value(QStringLiteral("summary")).toObject(); };
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("type:std")});
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 6);
+        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("type:motor")});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 3);
+
+        // Mixed kinds: the motors wink, the others fail, the run goes on.
+        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 3);
+        QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 3);
+        r = run({QStringLiteral("--json"), QStringLiteral("--abort-on-error"), QStringLiteral("--priority"), QStringLiteral("5"),
+                 QStringLiteral("wink"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 1);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt() + summary(r).value(QStringLiteral("notRun")).toInt(), 5);
+
+        r = run({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("to"), QStringLiteral("50")});
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.startsWith("group 0x0F0001: to sent"), r.out.constData());
+    }
+
     // A refused slot leaves the library's job running: the tool stops it,
     // names the slot and fails.
     void refusedGroupSlotEndsTheRun()
@@ -510,6 +562,9 @@ private slots:
         r = run(QStringLiteral("--json list"));
         QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 5);
         QCOMPARE(run(QStringLiteral("get label 1")).code, 2);
+        r = run(QStringLiteral("forget all"));
+        QCOMPARE(r.code, 2);
+        QVERIFY2(r.err.contains("confirm with --yes"), r.err.constData());
         QCOMPARE(run(QStringLiteral("forget all --yes")).code, 0);
         QCOMPARE(QJsonDocument::fromJson(run(QStringLiteral("--json list")).out).array().size(), 0);
     }

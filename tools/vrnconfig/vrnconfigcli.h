@@ -54,8 +54,9 @@ public:
     bool checkBusUuid(const QString& uuid);
     /// Opens and remembers `uuid`; false with the reason (the run has ended).
     bool openBusUuid(const QString& uuid);
-    /// The devices named by `words` (uuids, node:NUMBER, all); false on a
-    /// usage error (the run has ended).
+    /// The devices named by `words` (uuids, node:NUMBER, group:ADDR,
+    /// type:KIND, all); false on a usage error, an empty selection included
+    /// (the run has ended).
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
     /// Asks "question [y/N]" on a terminal, or needs --yes; false when not
     /// confirmed (the run has ended).
@@ -70,6 +71,8 @@ public:
 
     /// A whole number in 0..max, decimal or 0x hexadecimal.
     static bool parseNumber(const QString& text, quint32 max, quint32& value);
+    /// A group address: 1 to 0xFFFFFE, decimal or 0x hexadecimal.
+    static bool parseGroupAddress(const QString& text, quint32& group);
     /// A node's number, written one way everywhere: 0x000102.
     static QString nodeText(quint32 node);
     /// A device kind as a person names it ("DC motor"); JSON carries the
