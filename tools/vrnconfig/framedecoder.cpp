@@ -1,9 +1,9 @@
 #include "framedecoder.h"
 
 #include "dts.h"
-#include "vrnconfigcli.h"
 #include "vrnmessage.h"
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QVector>
 
@@ -76,10 +76,15 @@ const QHash<quint8, QVector<Field>>& layouts()
     return table;
 }
 
+QString nodeText(quint32 node)
+{
+    return hexText(node, 6);
+}
+
 QString commandName(quint8 code)
 {
     const VRNCmdInfo info = DTS::cmdInfo(code);
-    return info.isValid() ? info.name() : VrnConfigCli::hex(code, 2);
+    return info.isValid() ? info.name() : hexText(code, 2);
 }
 
 // A label as a person reads it: quoted, control characters escaped.
@@ -120,8 +125,8 @@ bool readFields(const QByteArray& payload, const QVector<Field>& layout, QString
         at += n;
         switch (f.kind) {
         case Hex24:
-            json.insert(name, VrnConfigCli::nodeText(v));
-            words << QStringLiteral("%1 %2").arg(name, VrnConfigCli::nodeText(v));
+            json.insert(name, nodeText(v));
+            words << QStringLiteral("%1 %2").arg(name, nodeText(v));
             break;
         case Cmd:
             json.insert(name, commandName(quint8(v)));
@@ -131,7 +136,7 @@ bool readFields(const QByteArray& payload, const QVector<Field>& layout, QString
             const QString text = DTS::toString(DTS::NackStatus(v));
             json.insert(name, qint64(v));
             json.insert(QStringLiteral("statusText"), text);
-            words << QStringLiteral("%1 %2 (%3)").arg(name, VrnConfigCli::hex(v, 2), text);
+            words << QStringLiteral("%1 %2 (%3)").arg(name, hexText(v, 2), text);
             break;
         }
         default:
@@ -144,6 +149,31 @@ bool readFields(const QByteArray& payload, const QVector<Field>& layout, QString
 
 } // namespace
 
+QString hexText(quint32 value, int width)
+{
+    return QStringLiteral("0x") + QStringLiteral("%1").arg(value, width, 16, QLatin1Char('0')).toUpper();
+}
+
+QString nodeTypeName(int nodeType)
+{
+    auto tr = [](const char* text) { return QCoreApplication::translate("vrnconfig", text); };
+    switch (nodeType) {
+    case VRN::NodeTool: return tr("tool");
+    case VRN::NodeMotor: return tr("motor");
+    case VRN::NodeTX30: return QStringLiteral("TX30");
+    case VRN::NodeKeypad: return tr("keypad");
+    case VRN::NodeSensor: return tr("sensor");
+    case VRN::NodeInterface: return tr("interface");
+    case VRN::NodeMotorIO: return tr("motor with inputs");
+    case VRN::NodeLRU50: return QStringLiteral("LRU50");
+    case VRN::NodeTX50DC: return QStringLiteral("TX50DC");
+    case VRN::NodeDCMotor: return tr("DC motor");
+    case VRN::NodeSettingTool: return tr("setting tool");
+    case VRN::NodeAll: return tr("any");
+    default: return tr("type %1").arg(nodeType);
+    }
+}
+
 DecodedFrame decodeFrame(const QByteArray& bytes)
 {
     DecodedFrame d;
@@ -155,15 +185,15 @@ DecodedFrame decodeFrame(const QByteArray& bytes)
         return d;
     const VRN::Addr src = m.srcAddr();
     const int type = int(VRN::getType(src));
-    d.source = QStringLiteral("%1 %2").arg(VrnConfigCli::nodeTypeName(type), VrnConfigCli::nodeText(VRN::getNumber(src)));
-    const QString dstNode = VrnConfigCli::nodeText(m.dstAddr());
+    d.source = QStringLiteral("%1 %2").arg(nodeTypeName(type), nodeText(VRN::getNumber(src)));
+    const QString dstNode = nodeText(m.dstAddr());
     const QString dstKind = m.isBroadcast() ? QStringLiteral("broadcast")
                           : m.dstType() == VRN::AddrGroup ? QStringLiteral("group") : QStringLiteral("node");
     d.destination = m.isBroadcast() ? QStringLiteral("all") : m.dstType() == VRN::AddrGroup ? QStringLiteral("group ") + dstNode : dstNode;
     d.command = commandName(m.cmd());
-    d.json.insert(QStringLiteral("source"), QJsonObject{{QStringLiteral("node"), VrnConfigCli::nodeText(VRN::getNumber(src))},
+    d.json.insert(QStringLiteral("source"), QJsonObject{{QStringLiteral("node"), nodeText(VRN::getNumber(src))},
                                                          {QStringLiteral("nodeType"), type},
-                                                         {QStringLiteral("nodeTypeName"), VrnConfigCli::nodeTypeName(type)}});
+                                                         {QStringLiteral("nodeTypeName"), nodeTypeName(type)}});
     d.json.insert(QStringLiteral("destination"), QJsonObject{{QStringLiteral("node"), dstNode}, {QStringLiteral("kind"), dstKind}});
     d.json.insert(QStringLiteral("command"), d.command);
     d.json.insert(QStringLiteral("code"), int(m.cmd()));

@@ -27,4 +27,9 @@ struct DecodedFrame
 
 DecodedFrame decodeFrame(const QByteArray& bytes);
 
+/// `value` as 0x and `width` upper-case hexadecimal digits.
+QString hexText(quint32 value, int width);
+/// A node type of the wire protocol as a person names it ("motor").
+QString nodeTypeName(int nodeType);
+
 #endif // VRNCONFIG_FRAMEDECODER_H

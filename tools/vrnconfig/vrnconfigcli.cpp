@@ -1,5 +1,7 @@
 #include "vrnconfigcli.h"
 
+#include "framedecoder.h"
+
 #include "busfactory.h"
 #include "groupcontrol.h"
 #include "objectfactory.h"
@@ -497,7 +499,7 @@ bool VrnConfigCli::parseNumber(const QString& text, quint32 max, quint32& value)
 
 QString VrnConfigCli::hex(quint32 value, int width)
 {
-    return QStringLiteral("0x") + QStringLiteral("%1").arg(value, width, 16, QLatin1Char('0')).toUpper();
+    return hexText(value, width);
 }
 
 QString VrnConfigCli::nodeText(quint32 node)
@@ -516,25 +518,6 @@ QString VrnConfigCli::kindName(int type)
     case VRNObject::TX30: return QStringLiteral("TX30");
     case VRNObject::SettingTool: return tr("setting tool");
     default: return tr("unknown");
-    }
-}
-
-QString VrnConfigCli::nodeTypeName(int nodeType)
-{
-    switch (nodeType) {
-    case VRN::NodeTool: return tr("tool");
-    case VRN::NodeMotor: return tr("motor");
-    case VRN::NodeTX30: return QStringLiteral("TX30");
-    case VRN::NodeKeypad: return tr("keypad");
-    case VRN::NodeSensor: return tr("sensor");
-    case VRN::NodeInterface: return tr("interface");
-    case VRN::NodeMotorIO: return tr("motor with inputs");
-    case VRN::NodeLRU50: return QStringLiteral("LRU50");
-    case VRN::NodeTX50DC: return QStringLiteral("TX50DC");
-    case VRN::NodeDCMotor: return tr("DC motor");
-    case VRN::NodeSettingTool: return tr("setting tool");
-    case VRN::NodeAll: return tr("any");
-    default: return tr("type %1").arg(nodeType);
     }
 }
 

@@ -78,8 +78,6 @@ public:
     /// A device kind as a person names it ("DC motor"); JSON carries the
     /// enum key (`VRNObject::typeToString`) and the number beside it.
     static QString kindName(int type);
-    /// A node type of the wire protocol as a person names it ("motor").
-    static QString nodeTypeName(int nodeType);
     /// The registry file of a bus when --db is not given: one per bus, in
     /// the user's data folder, named from the bus identifier.
     static QString registryFile(const QString& dataFolder, const QString& busUuid);
