@@ -3,6 +3,7 @@
 #include "vrnconfigcli.h"
 
 #include "devicerunner.h"
+#include "labelcommands.h"
 
 #include "bus.h"
 #include "busdiscoverjob.h"
@@ -208,13 +209,7 @@ void readLabels(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates,
         report(cli, devices, duplicates, bus);
         cli.finish();
     });
-    runner->runJobs(uuids, [](VRNStdObject&) { return new GetLabelJob; }, [](DeviceRun& run, QString& error) {
-        run.result.insert(QStringLiteral("label"), QString::fromUtf8(run.device->proxyStdConfig().getConstData().label));
-        if (ObjectFactory::instance()->save(run.object.data()))
-            return true;
-        error = Cli::tr("the registry did not store the label");
-        return false;
-    });
+    runner->runJobs(uuids, [](VRNStdObject&) { return new GetLabelJob; }, readLabel);
 }
 
 void discover(Cli& cli, const QStringList& args)

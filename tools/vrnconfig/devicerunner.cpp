@@ -78,6 +78,16 @@ DeviceRunner::DeviceRunner(VrnConfigCli& cli) : QObject(&cli), m_cli(cli) {}
 
 DeviceRunner::~DeviceRunner() = default;
 
+std::function<void(VrnConfigCli&, const QStringList&)> DeviceRunner::onEach(const QString& name, const JobFactory& make,
+                                                                             const ValueReader& read, const QString& refusal)
+{
+    return [=](VrnConfigCli& cli, const QStringList& args) {
+        QList<VRNObject::UUID> uuids;
+        if (cli.selectDevices(name, args, uuids) && cli.openBus())
+            (new DeviceRunner(cli))->runJobs(uuids, make, read, refusal);
+    };
+}
+
 void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory& make, const ValueReader& read,
                            const QString& refusal)
 {

@@ -106,6 +106,12 @@ public:
     using ValueReader = std::function<bool(DeviceRun&, QString& error)>;
 
     explicit DeviceRunner(VrnConfigCli& cli);
+
+    /// A whole command "NAME DEVICE...": the devices named, the bus opened,
+    /// then `runJobs` with `make` and `read`.
+    static std::function<void(VrnConfigCli&, const QStringList&)> onEach(const QString& name, const JobFactory& make,
+                                                                          const ValueReader& read,
+                                                                          const QString& refusal = QString());
     ~DeviceRunner() override;
 
     /// A quiet run prints nothing and does not end the command: its owner

@@ -65,9 +65,7 @@ void list(Cli& cli, const QStringList& args)
 void forget(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("forget needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids))
+    if (!cli.selectDevices(QStringLiteral("forget"), args, uuids))
         return;
     if (args.contains(QStringLiteral("all")) && !cli.confirm(Cli::tr("Forget all %1 device(s) of the registry").arg(uuids.size())))
         return;

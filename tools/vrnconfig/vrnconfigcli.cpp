@@ -400,6 +400,15 @@ bool VrnConfigCli::parseGroupAddress(const QString& text, quint32& group)
     return parseNumber(text, 0xFFFFFF, group) && GroupControl::isGroupAddress(group);
 }
 
+bool VrnConfigCli::selectDevices(const QString& name, const QStringList& words, QList<VRNObject::UUID>& uuids)
+{
+    if (words.isEmpty()) {
+        fail(Usage, tr("%1 needs at least one DEVICE").arg(name));
+        return false;
+    }
+    return resolveDevices(words, uuids);
+}
+
 bool VrnConfigCli::confirm(const QString& question)
 {
     if (m_parser.optionNames().contains(QStringLiteral("yes")))

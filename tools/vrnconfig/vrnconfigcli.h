@@ -58,6 +58,8 @@ public:
     /// type:KIND, all); false on a usage error, an empty selection included
     /// (the run has ended).
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
+    /// `resolveDevices` for the command `name`, which needs at least one DEVICE.
+    bool selectDevices(const QString& name, const QStringList& words, QList<VRNObject::UUID>& uuids);
     /// Asks "question [y/N]" on a terminal, or needs --yes; false when not
     /// confirmed (the run has ended).
     bool confirm(const QString& question);
