@@ -49,7 +49,8 @@ const char OptionsText[] =
     "  --db FILE       device registry, an SQLite file (default: devices.sqlite in the\n"
     "                  user's data folder; :memory: for none)\n"
     "  --json          machine-readable output on standard output (see below)\n"
-    "  --timeout MS    time a device has to answer one request (default: 500)\n"
+    "  --timeout MS    time a device has to answer one request (default: 500); in\n"
+    "                  discovery, how long a round waits for late answers (default: 300)\n"
     "  -h, --help      this text; help COMMAND for one command\n"
     "  --version       the tool's version\n";
 
