@@ -2,7 +2,9 @@
 # The demo: a simulated network of 30 devices on a loopback multicast group,
 # opened, discovered, listed, every label read, one label written and read back;
 # then a motor winked, moved to 50 % while its position is printed, all its
-# settings read, and a DC motor's speeds set; last a group of motors moved at once.
+# settings read, and a DC motor's speeds set; then a group of motors moved at once;
+# last a firmware package built, signed with keys made for the run, and a motor
+# updated with it.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -73,6 +75,17 @@ vrnconfig get groups type:motor >/dev/null
 vrnconfig group list
 vrnconfig group move 0x0F0042 to 25
 vrnconfig watch position "$motor"
+
+step "Firmware: keys made for this run, a package built and signed, the catalogue, a check, an update of motor $motor"
+"$bin/vrnfwpack" keygen "$work/fw.secret" "$work/fw.keys"
+mkdir -p "$work/firmware"
+head -c 4096 /dev/urandom >"$work/image.bin"
+"$bin/vrnfwpack" build --key "$work/fw.secret" --types motor --version 9.1.0 "$work/image.bin" \
+  "$work/firmware/motor-9.1.0.bpk"
+vrnconfig firmware list --folder "$work/firmware" --keys "$work/fw.keys"
+vrnconfig firmware check "$motor"
+vrnconfig firmware update "$motor"
+vrnconfig firmware check "$motor"
 
 step "Stopping the simulator"
 kill -TERM "$sim_pid"; wait "$sim_pid" || true; sim_pid=

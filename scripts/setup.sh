@@ -8,7 +8,7 @@ set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 build=${VRN_BUILD_DIR:-$top/build}
 
-pkgs=(build-essential cmake qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite qtdeclarative5-dev qttools5-dev-tools)
+pkgs=(build-essential cmake qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite qtdeclarative5-dev qttools5-dev-tools pkg-config libsodium-dev libarchive-dev)
 read -r -a extra <<< "${VRN_EXTRA_PACKAGES:-}"
 pkgs+=("${extra[@]}")
 missing=()

@@ -70,6 +70,16 @@ QHash<quint8, VRNCmdInfo> buildTable()
         {PostNetworkErrorStat, "POST_NETWORK_ERROR_STAT", Rp, 0, 18, 18},
         {PostNodeSerialNumber, "POST_NODE_SERIAL_NUMBER", Rp, 0, 1, 12},
         {Nack, "NACK", Rp, 0, 2, 2},
+        {FwUpdateBegin, "FW_UPDATE_BEGIN", Rq, PostFwUpdate, 19, 19},
+        {PostFwUpdate, "POST_FW_UPDATE", Rp, 0, 4, 4},
+        {FwUpdateBlock, "FW_UPDATE_BLOCK", Rq, PostFwUpdate, 5, 20},
+        {FwUpdateEnd, "FW_UPDATE_END", Rq, Ack, 16, 16},
+        {BlEnter, "BL_ENTER", Rq, BlPostStatus, 1, 1},
+        {BlErase, "BL_ERASE", Rq, BlPostStatus, 9, 9},
+        {BlWrite, "BL_WRITE", Rq, BlPostStatus, 6, 21},
+        {BlVerify, "BL_VERIFY", Rq, BlPostStatus, 16, 16},
+        {BlExit, "BL_EXIT", Rq, BlPostStatus, 0, 0},
+        {BlPostStatus, "BL_POST_STATUS", Rp, 0, 4, 4},
         {GetNodeAppVersion, "GET_NODE_APP_VERSION", Rq, PostNodeAppVersion, 0, 0},
         {PostNodeAppVersion, "POST_NODE_APP_VERSION", Rp, 0, 5, 5},
         {Ack, "ACK", Rp, 0, 1, 1},
@@ -113,6 +123,10 @@ QString toString(NackStatus status)
     case NackEndLimitsNotSet: return QCoreApplication::translate("DTS", "end limits not set");
     case NackIpNotDefined: return QCoreApplication::translate("DTS", "intermediate position not defined");
     case NackObstacle: return QCoreApplication::translate("DTS", "obstacle detected");
+    case NackWrongKind: return QCoreApplication::translate("DTS", "firmware for another kind of node");
+    case NackBlockChecksum: return QCoreApplication::translate("DTS", "block checksum error");
+    case NackImageCheck: return QCoreApplication::translate("DTS", "image check failed");
+    case NackNotUpdating: return QCoreApplication::translate("DTS", "not updating");
     case NackUnknown: break;
     }
     return QCoreApplication::translate("DTS", "unknown status 0x%1")

@@ -76,8 +76,20 @@ enum Command : quint8 {
     PostNetworkErrorStat = 0x69,
     PostNodeSerialNumber = 0x6C,
     Nack = 0x6F,
+    // firmware update in the application (standard update)
+    FwUpdateBegin = 0x70,
+    PostFwUpdate = 0x71,
+    FwUpdateBlock = 0x72,
+    FwUpdateEnd = 0x73,
     GetNodeAppVersion = 0x74,
     PostNodeAppVersion = 0x75,
+    // motor bootloader (answered in bootloader mode; enter also from the application)
+    BlEnter = 0x78,
+    BlErase = 0x79,
+    BlWrite = 0x7A,
+    BlVerify = 0x7B,
+    BlExit = 0x7C,
+    BlPostStatus = 0x7D,
     Ack = 0x7F
 };
 
@@ -92,6 +104,10 @@ enum NackStatus : quint8 {
     NackEndLimitsNotSet = 0x23,
     NackIpNotDefined = 0x24,
     NackObstacle = 0x25,
+    NackWrongKind = 0x26,      ///< firmware for another kind of node
+    NackBlockChecksum = 0x27,  ///< a firmware block's checksum disagrees
+    NackImageCheck = 0x28,     ///< the received image fails its digest
+    NackNotUpdating = 0x29,    ///< a block or end without a begun update
     NackUnknown = 0xFF
 };
 

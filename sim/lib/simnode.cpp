@@ -55,6 +55,8 @@ int SimNodePrivate::execute(const VRNMessage& rq, VRNMessage& out)
 {
     const VRNCmdInfo info = DTS::cmdInfo(rq.cmd());
     const bool motorCmd = isMotorCommand(rq.cmd());
+    if (bootloader)
+        return executeBootloader(rq, out);
     if (!info.isRequest() || (motorCmd && !SimNode::hasMotor(kind))
         || (SimReply::isDCCommand(rq.cmd()) && !SimNode::isDC(kind))) {
         errorStat.unknownMessage++;
@@ -66,6 +68,8 @@ int SimNodePrivate::execute(const VRNMessage& rq, VRNMessage& out)
     }
     if (info.reply() != DTS::Ack)
         out.setCmd(info.reply());
+    if (isFirmwareCommand(rq.cmd()))
+        return executeFirmwareCommand(rq, out);
     return motorCmd ? executeMotorCommand(rq, out) : executeNodeCommand(rq, out);
 }
 

@@ -224,6 +224,29 @@ public:
     Diagnostics diagnostics() const;
     void setDiagnostics(const Diagnostics& diagnostics);
 
+    // Firmware (simfirmware.cpp). A node runs its application or, after a
+    // power loss in the middle of an update or when told to enter it, its
+    // bootloader; in the bootloader it answers nothing but bootloader frames.
+    QByteArray firmwareImage() const;
+    void setFirmwareImage(const QByteArray& image);
+    bool inBootloader() const;
+    /// Puts the node into its bootloader (as after a power loss) or back.
+    void setBootloader(bool on);
+    /// True while a standard update is begun and not ended.
+    bool isUpdating() const;
+    /// The block a standard update waits for next (0 when none is begun).
+    int updateNextBlock() const;
+    /// The node loses power when block `block` of a standard update arrives
+    /// (once; -1: never): it does not answer and restarts into its bootloader.
+    void setPowerLossAtBlock(int block);
+    int powerLossAtBlock() const;
+    /// Probability (0..1) that a block or bootloader write arrives damaged:
+    /// it is refused with its checksum error, as a device refuses a block
+    /// whose checksum disagrees.
+    void setBlockCorruption(double probability);
+    /// Blocks and writes refused as damaged so far.
+    quint32 refusedBlocks() const;
+
     /// The clock the node moves by: the network's, or its own (real time,
     /// `ownClock()`) when it is on none.
     const SimClock* clock() const;

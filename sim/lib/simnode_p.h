@@ -9,7 +9,9 @@
 #include "vrnmessage.h"
 
 #include <QDeadlineTimer>
+#include <QRandomGenerator>
 #include <array>
+#include <memory>
 
 // How every kind of node answers: shared by the files of the device kinds.
 namespace SimReply {
@@ -78,6 +80,13 @@ public:
     void setNetworkCounters(quint8 which, quint8 value);
     void randomizeMotor(QRandomGenerator& rng);
 
+    // simfirmware.cpp
+    static bool isFirmwareCommand(quint8 cmd);
+    /// Bootloader frames in bootloader mode, NoAnswer for anything else.
+    int executeBootloader(const VRNMessage& rq, VRNMessage& out);
+    int executeFirmwareCommand(const VRNMessage& rq, VRNMessage& out);
+    bool blockArrivesDamaged();
+
     // simdcmotor.cpp
     int executeDCCommand(const VRNMessage& rq, VRNMessage& out);
     int setSoftStartStop(const VRNMessage& rq);
@@ -144,6 +153,32 @@ public:
     mutable SimMotion motion;
     quint16 obstacle = SimNode::Unset16;
     qint64 winkUntilUs = -1;
+
+    struct FirmwareUpdate {
+        bool active = false;
+        quint32 size = 0;
+        quint8 blockSize = 0;
+        SimNode::AppVersion version;
+        QByteArray imageId;
+        QByteArray data;
+        quint16 next = 0;
+        quint16 count() const { return quint16((size + blockSize - 1) / blockSize); }
+    };
+    struct BootloaderState {
+        bool erased = false;
+        bool verified = false;
+        quint32 size = 0;
+        SimNode::AppVersion version;
+        QByteArray data;
+    };
+    QByteArray image;
+    bool bootloader = false;
+    FirmwareUpdate update;
+    BootloaderState boot;
+    int powerLossAt = -1;
+    double blockCorruption = 0;
+    quint32 refusedBlocks = 0;
+    std::unique_ptr<QRandomGenerator> faultRng;
     quint32 winkCount = 0;
 };
 

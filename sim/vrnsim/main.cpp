@@ -77,6 +77,10 @@ int main(int argc, char* argv[])
     network.setBaud(options.baud);
     network.setReplyWindow(options.replyWindowMs);
     network.setTimeScale(options.timeScale);
+    for (SimNode* node : network.nodes()) {
+        node->setPowerLossAtBlock(options.powerLossAt);
+        node->setBlockCorruption(options.corruptBlocks);
+    }
 
     QString identifier;
     QString where;

@@ -86,6 +86,11 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
                                                       "and line timing alike (default 1)."), QStringLiteral("X")},
         {QStringLiteral("reply-window"), QStringLiteral("Span in ms within which nodes answer a broadcast "
                                                         "(default 50)."), QStringLiteral("MS")},
+        {QStringLiteral("power-loss-at"), QStringLiteral("Every node loses power once, when block N of a firmware "
+                                                         "update arrives, and restarts into its bootloader."),
+         QStringLiteral("N")},
+        {QStringLiteral("corrupt-blocks"), QStringLiteral("Probability (0..1) that a firmware block arrives "
+                                                          "damaged and is refused."), QStringLiteral("P")},
     });
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
@@ -129,6 +134,8 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         && readInt(parser, QStringLiteral("baud"), 50, 4000000, &baud, error)
         && readInt(parser, QStringLiteral("silent"), 0, 1000000, &silent, error)
         && readInt(parser, QStringLiteral("reply-window"), 0, 60000, &replyWindowMs, error)
+        && readInt(parser, QStringLiteral("power-loss-at"), 0, 65535, &powerLossAt, error)
+        && readProbability(parser, QStringLiteral("corrupt-blocks"), &corruptBlocks, error)
         && readNumber(parser, QStringLiteral("time-scale"), 0.01, 10000.0, &timeScale, error,
                       [](const QString& t, bool* ok) { return t.toDouble(ok); });
     seed = quint32(seedValue);

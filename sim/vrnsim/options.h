@@ -24,6 +24,8 @@ struct SimOptions
     int silent = 0;
     int replyWindowMs = 50;
     double timeScale = 1.0;
+    int powerLossAt = -1;
+    double corruptBlocks = 0.0;
 
     /// Reads `arguments` (program name first); on Error `error` says why,
     /// on Help `error` holds the help text.

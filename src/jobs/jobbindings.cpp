@@ -28,6 +28,11 @@
 #include "getrampjob.h"
 #include "setrampjob.h"
 
+// firmware
+#include "checkfwjob.h"
+#include "directupdatefwjob.h"
+#include "updatefwjob.h"
+
 #include "busdiscovertask.h"
 #include "getfwversiontask.h"
 #include "getgroupstask.h"
@@ -54,9 +59,17 @@
 #include "getramptask.h"
 #include "setramptask.h"
 
+// firmware
+#include "checkfwtask.h"
+#include "motorblupdatetask.h"
+#include "settingtoolblupdatetask.h"
+#include "settingtoolupdatetask.h"
+#include "stdupdatetask.h"
+
 #include "jobregistration.h"
 #include "vrnbus.h"
 #include "vrndcmotorobject.h"
+#include "settingtoolobject.h"
 #include "vrnstdobject.h"
 
 namespace {
@@ -90,6 +103,9 @@ const JobRegistration jobs[] = {
     JobRegistration(SetSpeedJob::staticMetaObject),
     JobRegistration(GetRampJob::staticMetaObject),
     JobRegistration(SetRampJob::staticMetaObject),
+    JobRegistration(CheckFwJob::staticMetaObject),
+    JobRegistration(UpdateFwJob::staticMetaObject),
+    JobRegistration(DirectUpdateFwJob::staticMetaObject),
 };
 
 const WorkerRegistration bindings[] = {
@@ -115,6 +131,11 @@ const WorkerRegistration bindings[] = {
     bind<SetSpeedJob, VRNDCMotorObject, SetSpeedTask>(),
     bind<GetRampJob, VRNDCMotorObject, GetRampTask>(),
     bind<SetRampJob, VRNDCMotorObject, SetRampTask>(),
+    bind<CheckFwJob, VRNStdObject, CheckFwTask>(),
+    bind<UpdateFwJob, VRNObject, StdUpdateTask>(),
+    bind<UpdateFwJob, SettingToolObject, SettingToolUpdateTask>(),
+    bind<DirectUpdateFwJob, VRNMotorObject, MotorBLUpdateTask>(),
+    bind<DirectUpdateFwJob, SettingToolObject, SettingToolBLUpdateTask>(),
 };
 
 } // namespace

@@ -84,17 +84,8 @@ void DeviceTask::onCallFinished()
     // An aborted task still hears of the call it cancelled.
     if (!isRunning() || !checkObject())
         return;
-    switch (d->watcher.error()) {
-    case BusPendingCall::NoError:
-        break;
-    case BusPendingCall::TimeoutError:
-        fail(translated(QT_TR_NOOP("Timeout error")));
-        return;
-    case BusPendingCall::BusNotAvailableError:
-        fail(translated(QT_TR_NOOP("Bus not available")));
-        return;
-    default:
-        fail(failedText());
+    if (d->watcher.error() != BusPendingCall::NoError) {
+        treatBusPendingCallError(d->watcher.error());
         return;
     }
     const BusMessage frame = d->watcher.reply();
@@ -104,11 +95,32 @@ void DeviceTask::onCallFinished()
         fail(translated(QT_TR_NOOP("Invalid message(%1)")).arg(QString::fromLatin1(frame.data().toHex().toUpper())));
         return;
     }
-    if (reply.cmd() == DTS::Nack) {
+    if (reply.cmd() == DTS::Nack && !takesNack(reply)) {
         fail(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
     onReply(reply);
+}
+
+void DeviceTask::treatBusPendingCallError(const BusPendingCall::Error& error)
+{
+    switch (error) {
+    case BusPendingCall::TimeoutError:
+        fail(translated(QT_TR_NOOP("Timeout error")));
+        break;
+    case BusPendingCall::BusNotAvailableError:
+        fail(translated(QT_TR_NOOP("Bus not available")));
+        break;
+    default:
+        fail(failedText());
+        break;
+    }
+}
+
+bool DeviceTask::takesNack(const VRNMessage& reply) const
+{
+    Q_UNUSED(reply)
+    return false;
 }
 
 void DeviceTask::onReply(const VRNMessage& reply)

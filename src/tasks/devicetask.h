@@ -86,6 +86,14 @@ protected:
     /// Text for a call error other than timeout and bus failure: the class
     /// name followed by " failed" unless a class says otherwise.
     virtual QString failedText() const;
+    /// Ends the run for a call that ended with `error` (not `NoError`): 2
+    /// "Timeout error", 4 "Bus not available", any other `failedText()`.
+    /// A task that tries a request again overrides it.
+    virtual void treatBusPendingCallError(const BusPendingCall::Error& error);
+    /// True when the negative acknowledgement `reply` goes to `onReply()`
+    /// instead of failing with "Nack(%1)" (a refusal the task answers
+    /// itself, such as a damaged block sent again); false by default.
+    virtual bool takesNack(const VRNMessage& reply) const;
 
     /// A failure text in the context of the task's own class, or, when that
     /// has no translation, in the context of `DeviceTask`, where the shared

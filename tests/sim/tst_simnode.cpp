@@ -117,7 +117,10 @@ void tst_SimNode::everyCommand_data()
     const QHash<quint8, QByteArray> payloads = validPayloads();
     const QMetaEnum kinds = QMetaEnum::fromType<SimNode::Kind>();
     for (auto it = DTS::cmds().cbegin(); it != DTS::cmds().cend(); ++it) {
-        if (!it->isRequest())
+        // The firmware requests only make sense in their order; the firmware tests run them.
+        const bool firmware = (it->cmd() >= DTS::FwUpdateBegin && it->cmd() <= DTS::FwUpdateEnd)
+            || (it->cmd() >= DTS::BlEnter && it->cmd() <= DTS::BlExit);
+        if (!it->isRequest() || firmware)
             continue;
         if (!payloads.contains(it->cmd()))
             QFAIL(qPrintable(QStringLiteral("no test payload for %1").arg(it->name())));
@@ -201,6 +204,13 @@ void tst_SimNode::refusals_data()
     QTest::newRow("ramps 3") << int(SetMotorSoftStartStop) << bytes({0, 3, 0}) << range;
     QTest::newRow("ramp value 101") << int(SetMotorSoftStartStop) << bytes({2, 0, 101}) << range;
     QTest::newRow("factory function 3") << int(SetFactoryDefault) << bytes({3}) << range;
+    const QByteArray id(8, '\x01');
+    QTest::newRow("update for a motor") << int(FwUpdateBegin) << bytes({1, 0, 0, 1, 0, 16, 2, 0, 0, 0, 0}) + id
+                                        << int(NackWrongKind);
+    QTest::newRow("update block size 17") << int(FwUpdateBegin) << bytes({9, 0, 0, 1, 0, 17, 2, 0, 0, 0, 0}) + id << range;
+    QTest::newRow("block before begin") << int(FwUpdateBlock) << bytes({0, 0, 0xAA, 0, 0}) << int(NackNotUpdating);
+    QTest::newRow("end before begin") << int(FwUpdateEnd) << QByteArray(16, '\0') << int(NackNotUpdating);
+    QTest::newRow("bootloader erase in application") << int(BlErase) << QByteArray(9, '\1') << int(NackUnknownMessage);
 }
 
 // A refused request changes nothing; the NACK names the status and the command.

@@ -150,6 +150,7 @@ void DeviceRunner::deviceDone(unsigned int uuid)
     const GroupTaskResultModel* results = m_groupTask->result();
     if (results->error(uuid) != Job::NoError)
         return run->fail(results->errorString(uuid));
+    run->jobResult = results->result(uuid);
     QString why;
     if (m_read && !m_read(*run, why))
         return run->fail(why);

@@ -38,6 +38,8 @@ public:
     QJsonObject result;
     /// The value for people, printed after "ok".
     QString line;
+    /// With `runJobs`: the result (`Job::result()`) the job gave on this device.
+    QVariant jobResult;
 
     /// Queues `job` (owned by the run from now on) on the device's worker;
     /// `then` is called when it ended. False when it could not be queued:

@@ -72,6 +72,8 @@ const QHash<quint8, QVector<Field>>& layouts()
         {0x31, {{"up", U16}, {"down", U16}}},
         {0x6F, {{"status", Status}, {"refused", Cmd}}},
         {0x7F, {{"acknowledged", Cmd}}},
+        {0x71, {{"nextBlock", U16}, {"blockCount", U16}}},
+        {0x7D, {{"status", U8}, {"value", Hex24}}},
     };
     return table;
 }

@@ -36,13 +36,18 @@ local commands = {
     [0x59] = "SET_NETWORK_STAT", [0x60] = "POST_NODE_ADDR", [0x61] = "POST_GROUP_ADDR",
     [0x62] = "POST_NETWORK_CONFIG", [0x65] = "POST_NODE_LABEL", [0x68] = "POST_NETWORK_STAT",
     [0x69] = "POST_NETWORK_ERROR_STAT", [0x6C] = "POST_NODE_SERIAL_NUMBER", [0x6F] = "NACK",
-    [0x74] = "GET_NODE_APP_VERSION", [0x75] = "POST_NODE_APP_VERSION", [0x7F] = "ACK",
+    [0x70] = "FW_UPDATE_BEGIN", [0x71] = "POST_FW_UPDATE", [0x72] = "FW_UPDATE_BLOCK", [0x73] = "FW_UPDATE_END",
+    [0x74] = "GET_NODE_APP_VERSION", [0x75] = "POST_NODE_APP_VERSION",
+    [0x78] = "BL_ENTER", [0x79] = "BL_ERASE", [0x7A] = "BL_WRITE", [0x7B] = "BL_VERIFY", [0x7C] = "BL_EXIT",
+    [0x7D] = "BL_POST_STATUS", [0x7F] = "ACK",
 }
 
 local nack_status = {
     [0x01] = "data out of range", [0x10] = "unknown message", [0x11] = "message length error",
     [0x20] = "busy", [0x21] = "node locked", [0x22] = "wrong position", [0x23] = "end limits not set",
     [0x24] = "intermediate position not defined", [0x25] = "obstacle",
+    [0x26] = "firmware for another kind of node", [0x27] = "block checksum error", [0x28] = "image check failed",
+    [0x29] = "not updating",
 }
 
 local f = vrn.fields

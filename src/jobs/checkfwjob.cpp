@@ -1,0 +1,8 @@
+#include "checkfwjob.h"
+
+CheckFwJob::CheckFwJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+CheckFwJob::~CheckFwJob() = default;

@@ -1,0 +1,8 @@
+#include "directupdatefwjob.h"
+
+DirectUpdateFwJob::DirectUpdateFwJob(QObject* parent)
+    : FirmwareJob(parent)
+{
+}
+
+DirectUpdateFwJob::~DirectUpdateFwJob() = default;

@@ -1,0 +1,46 @@
+#ifndef FIRMWAREJOB_H
+#define FIRMWAREJOB_H
+
+#include "qmljob.h"
+
+#include <QScopedPointer>
+
+class FirmwareJobPrivate;
+
+/// The parameters of a firmware update, shared by the standard and the
+/// bootloader update jobs.
+class FirmwareJob : public QmlJob
+{
+    Q_OBJECT
+    /// Path of the package; empty: the newest package of the catalogue that fits the device.
+    Q_PROPERTY(QString package READ package WRITE setPackage NOTIFY packageChanged)
+    /// Key file that verifies and decrypts the package; empty: the setting "firmwareKeyFile".
+    Q_PROPERTY(QString keyFile READ keyFile WRITE setKeyFile NOTIFY keyFileChanged)
+    /// Times one request is sent again in a row before the update gives up (default 5).
+    Q_PROPERTY(int retries READ retries WRITE setRetries NOTIFY retriesChanged)
+
+public:
+    ~FirmwareJob() override;
+
+    QString package() const;
+    void setPackage(const QString& package);
+    QString keyFile() const;
+    void setKeyFile(const QString& keyFile);
+    int retries() const;
+    void setRetries(int retries);
+
+Q_SIGNALS:
+    void packageChanged(const QString& package);
+    void keyFileChanged(const QString& keyFile);
+    void retriesChanged(int retries);
+
+protected:
+    explicit FirmwareJob(QObject* parent);
+
+private:
+    QScopedPointer<FirmwareJobPrivate> d_ptr;
+    Q_DECLARE_PRIVATE(FirmwareJob)
+    Q_DISABLE_COPY(FirmwareJob)
+};
+
+#endif // FIRMWAREJOB_H

@@ -1,0 +1,15 @@
+// Internal header of the job classes, not API: may change without notice.
+#ifndef FIRMWAREJOB_P_H
+#define FIRMWAREJOB_P_H
+
+#include <QString>
+
+class FirmwareJobPrivate
+{
+public:
+    QString package;
+    QString keyFile;
+    int retries = 5;
+};
+
+#endif // FIRMWAREJOB_P_H

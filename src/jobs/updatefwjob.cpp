@@ -1,0 +1,8 @@
+#include "updatefwjob.h"
+
+UpdateFwJob::UpdateFwJob(QObject* parent)
+    : FirmwareJob(parent)
+{
+}
+
+UpdateFwJob::~UpdateFwJob() = default;

@@ -1,0 +1,28 @@
+// Internal header of the device tasks, not API: may change without notice.
+#ifndef FIRMWARETASK_P_H
+#define FIRMWARETASK_P_H
+
+#include "bpkmanifest.h"
+#include "devicetask_p.h"
+#include "dtsupdateproxy.h"
+
+#include <memory>
+
+class FirmwareTaskPrivate : public DeviceTaskPrivate
+{
+public:
+    QString packagePath;
+    QString keyFile;
+    int maxRetries = 5;
+    int retriesInRow = 0;
+    int retries = 0;
+    int done = 0;
+    int total = 0;
+    bool readingVersion = false;
+    BpkManifest manifest;
+    QByteArray image;
+    /// Reads the version back; made when the version is read.
+    std::unique_ptr<DTSUpdateProxy> versionProxy;
+};
+
+#endif // FIRMWARETASK_P_H

@@ -1,0 +1,123 @@
+#include "motorblupdatetask.h"
+
+#include "dts.h"
+#include "firmwaretask_p.h"
+#include "motorbl.h"
+#include "vrnmessage.h"
+#include "vrnmotorobject.h"
+
+class MotorBLUpdateTaskPrivate : public FirmwareTaskPrivate
+{
+public:
+    std::unique_ptr<MotorBL> proxy;
+    MotorBLStates::State step = MotorBLStates::Enter;
+    quint32 offset = 0;
+};
+
+MotorBLUpdateTask::MotorBLUpdateTask(Worker&, QObject* object, const Job& job, QObject* parent)
+    : MotorBLUpdateTask(object, job, parent)
+{
+}
+
+MotorBLUpdateTask::MotorBLUpdateTask(QObject* object, const Job& job, QObject* parent)
+    : FirmwareTask(object, job, parent, new MotorBLUpdateTaskPrivate)
+{
+}
+
+MotorBLUpdateTask::~MotorBLUpdateTask() = default;
+
+MotorBLStates::State MotorBLUpdateTask::step() const
+{
+    return d_func()->step;
+}
+
+const QMetaObject& MotorBLUpdateTask::objectClass() const
+{
+    return VRNMotorObject::staticMetaObject;
+}
+
+void MotorBLUpdateTask::begin()
+{
+    Q_D(MotorBLUpdateTask);
+    d->proxy.reset(new MotorBL(nodeAddress(), nodeBus()));
+    d->offset = 0;
+    enterStep(MotorBLStates::Enter);
+}
+
+void MotorBLUpdateTask::enterStep(MotorBLStates::State step)
+{
+    d_func()->step = step;
+    resend();
+}
+
+void MotorBLUpdateTask::resend()
+{
+    Q_D(MotorBLUpdateTask);
+    const BpkManifest& m = manifest();
+    MotorBL& bl = *d->proxy;
+    switch (d->step) {
+    case MotorBLStates::Enter:
+        watch(bl.enter(quint8(nodeType())));
+        break;
+    case MotorBLStates::Erase:
+        watch(bl.erase(quint32(m.size), packageVersion()));
+        break;
+    case MotorBLStates::Write:
+        watch(bl.write(d->offset, image().mid(int(d->offset), m.blockSize)));
+        break;
+    case MotorBLStates::Verify:
+        watch(bl.verify(m.digest));
+        break;
+    case MotorBLStates::Exit:
+        watch(bl.exit());
+        break;
+    case MotorBLStates::ReadVersion:
+        readVersion();
+        break;
+    }
+}
+
+quint8 MotorBLUpdateTask::expectedReply() const
+{
+    return d_func()->step == MotorBLStates::ReadVersion ? quint8(DTS::PostNodeAppVersion)
+                                                        : quint8(DTS::BlPostStatus);
+}
+
+void MotorBLUpdateTask::onReply(const VRNMessage& reply)
+{
+    Q_D(MotorBLUpdateTask);
+    if (onVersionReply(reply))
+        return;
+    MotorBL::Status status = MotorBL::Ok;
+    quint32 value = 0;
+    if (!d->proxy->statusReply(reply, status, value)) {
+        failUnexpected(reply);
+        return;
+    }
+    const BpkManifest& m = manifest();
+    if (d->step == MotorBLStates::Write) {
+        if (status == MotorBL::ChecksumError) {
+            if (!retry())
+                fail(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
+            return;
+        }
+        // The motor names the offset it waits for: a lost answer is no gap.
+        const bool moved = status == MotorBL::Ok || (status == MotorBL::OutOfOrder && value != d->offset);
+        if (moved && value <= quint32(m.size)) {
+            answered();
+            d->offset = value;
+            setProgress(int((value + quint32(m.blockSize) - 1) / quint32(m.blockSize)), m.blockCount());
+            if (value < quint32(m.size))
+                resend();
+            else
+                enterStep(MotorBLStates::Verify);
+            return;
+        }
+    }
+    if (status != MotorBL::Ok) {
+        fail(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
+        return;
+    }
+    answered();
+    enterStep(MotorBLStates::next(d->step));
+}

@@ -1,0 +1,214 @@
+// Firmware packages: the round trip, the refusal of each kind of bad
+// package, and vrnfwpack end to end. Keys are made at run time.
+#include "bpkpackage.h"
+#include "cryptography.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+namespace {
+
+QByteArray testImage(int size)
+{
+    QByteArray image(size, Qt::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        image[i] = char((i * 31 + i / 7) & 0xFF);
+    return image;
+}
+
+BpkManifest motorManifest()
+{
+    BpkManifest m;
+    m.nodeTypes = {1, 9};
+    m.major = 2;
+    m.minor = 1;
+    m.build = 17;
+    m.chunkSize = 1000; // several chunks, the last one short
+    return m;
+}
+
+/// The entries of a tar archive, in order.
+QList<QPair<QByteArray, QByteArray>> entries(const QByteArray& tar)
+{
+    QList<QPair<QByteArray, QByteArray>> out;
+    archive* a = archive_read_new();
+    archive_read_support_format_tar(a);
+    archive_read_open_memory(a, tar.constData(), size_t(tar.size()));
+    archive_entry* e = nullptr;
+    while (archive_read_next_header(a, &e) == ARCHIVE_OK) {
+        QByteArray data(int(archive_entry_size(e)), '\0');
+        archive_read_data(a, data.data(), size_t(data.size()));
+        out.append({archive_entry_pathname(e), data});
+    }
+    archive_read_free(a);
+    return out;
+}
+
+la_ssize_t append(archive*, void* client, const void* buffer, size_t length)
+{
+    static_cast<QByteArray*>(client)->append(static_cast<const char*>(buffer), int(length));
+    return la_ssize_t(length);
+}
+
+QByteArray tarOf(const QList<QPair<QByteArray, QByteArray>>& files)
+{
+    QByteArray out;
+    archive* a = archive_write_new();
+    archive_write_set_format_ustar(a);
+    archive_write_open(a, &out, nullptr, append, nullptr);
+    for (const auto& f : files) {
+        archive_entry* e = archive_entry_new();
+        archive_entry_set_pathname(e, f.first.constData());
+        archive_entry_set_size(e, f.second.size());
+        archive_entry_set_filetype(e, AE_IFREG);
+        archive_entry_set_perm(e, 0644);
+        archive_write_header(a, e);
+        archive_write_data(a, f.second.constData(), size_t(f.second.size()));
+        archive_entry_free(e);
+    }
+    archive_write_close(a);
+    archive_write_free(a);
+    return out;
+}
+
+} // namespace
+
+class tst_BpkPackage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void roundTrip();
+    void refused_data();
+    void refused();
+    void vrnfwpack();
+
+private:
+    BpkKeys m_keys;
+    QByteArray m_image;
+    QByteArray m_package;
+};
+
+void tst_BpkPackage::initTestCase()
+{
+    m_keys = BpkKeys::generate();
+    QVERIFY(m_keys.canSign() && m_keys.canVerify() && m_keys.canDecrypt());
+    m_image = testImage(4500);
+    QString error;
+    m_package = BpkPackage::build(motorManifest(), m_image, m_keys, &error);
+    QVERIFY2(!m_package.isEmpty(), qPrintable(error));
+}
+
+void tst_BpkPackage::roundTrip()
+{
+    const BpkPackage pkg = BpkPackage::read(m_package);
+    QVERIFY2(pkg.isReadable(), qPrintable(pkg.errorString()));
+    QCOMPARE(pkg.manifest().nodeTypes, QList<int>({1, 9}));
+    QCOMPARE(pkg.manifest().versionString(), QStringLiteral("2.1.0.17"));
+    QCOMPARE(pkg.manifest().size, m_image.size());
+    QCOMPARE(pkg.manifest().blockCount(), (4500 + 15) / 16);
+    QString error;
+    QCOMPARE(pkg.image(m_keys, &error), m_image);
+    // The image is not stored in the clear.
+    QVERIFY(!m_package.contains(m_image.left(64)));
+    // Ordinary tools list the archive: three plain files.
+    const auto files = entries(m_package);
+    QCOMPARE(files.size(), 3);
+    QCOMPARE(files[0].first, QByteArray("manifest.json"));
+}
+
+void tst_BpkPackage::refused_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::addColumn<bool>("otherKeys");
+    QTest::addColumn<QString>("error");
+
+    const auto files = entries(m_package);
+    auto with = [&](const QByteArray& name, const QByteArray& data) {
+        auto copy = files;
+        for (auto& f : copy) {
+            if (f.first == name)
+                f.second = data;
+        }
+        return tarOf(copy);
+    };
+    QByteArray flippedImage = files[1].second;
+    flippedImage[100] = char(flippedImage[100] ^ 1);
+    QByteArray manifest = files[0].second;
+    manifest.replace("[2,1,0,17]", "[9,1,0,17]");
+
+    // A package signed again after the image was swapped with another
+    // chunk order still fails: chunks are bound to their place.
+    QTest::newRow("signed with another key") << m_package << true << "package signature does not verify";
+    QTest::newRow("image byte changed") << with("image.enc", flippedImage) << false << "package signature does not verify";
+    QTest::newRow("manifest changed") << with("manifest.json", manifest) << false << "package signature does not verify";
+    QTest::newRow("signature cut") << with("signature", files[2].second.left(10)) << false
+                                   << "package signature does not verify";
+    QTest::newRow("image cut") << with("image.enc", files[1].second.left(500)) << false
+                               << "package damaged: image size does not match the manifest";
+    QTest::newRow("manifest not JSON") << with("manifest.json", "{nope") << false
+                                       << "package damaged: manifest is not a JSON object";
+    QTest::newRow("block size too large") << with("manifest.json", QByteArray(files[0].second).replace("\"blockSize\":16", "\"blockSize\":17"))
+                                          << false << "package damaged: manifest block size out of range";
+    QTest::newRow("entry missing") << tarOf(files.mid(0, 2)) << false
+                                   << "package damaged: manifest, image or signature missing";
+    QTest::newRow("extra entry") << tarOf(files + QList<QPair<QByteArray, QByteArray>>{{"../evil", "x"}}) << false
+                                 << "package damaged: unexpected entry \"../evil\"";
+    QTest::newRow("entry twice") << tarOf(files + files.mid(2)) << false << "package damaged: entry \"signature\" twice";
+    QTest::newRow("truncated archive") << m_package.left(1700) << false << "package damaged: entry \"image.enc\" cut short";
+    QTest::newRow("not an archive") << QByteArray(2048, 'x') << false << "package damaged: not an archive";
+    QTest::newRow("empty") << QByteArray() << false << "package damaged: not an archive";
+}
+
+void tst_BpkPackage::refused()
+{
+    QFETCH(QByteArray, archive);
+    QFETCH(bool, otherKeys);
+    QFETCH(QString, error);
+    const BpkPackage pkg = BpkPackage::read(archive);
+    QString why;
+    QVERIFY(pkg.image(otherKeys ? BpkKeys::generate() : m_keys, &why).isEmpty());
+    QCOMPARE(why, error);
+}
+
+void tst_BpkPackage::vrnfwpack()
+{
+    QTemporaryDir dir;
+    auto run = [&](const QStringList& args, QByteArray* err = nullptr) {
+        QProcess p;
+        p.setWorkingDirectory(dir.path());
+        p.start(QStringLiteral(VRNFWPACK), args);
+        p.waitForFinished(30000);
+        if (err)
+            *err = p.readAllStandardError();
+        return p.exitCode();
+    };
+    QFile image(dir.filePath(QStringLiteral("image.bin")));
+    QVERIFY(image.open(QIODevice::WriteOnly));
+    image.write(testImage(1000));
+    image.close();
+    QCOMPARE(run({"keygen", "secret.key", "public.key"}), 0);
+    QCOMPARE(run({"keygen", "other.key", "other.pub"}), 0);
+    QFile pub(dir.filePath(QStringLiteral("public.key")));
+    QVERIFY(pub.open(QIODevice::ReadOnly));
+    QVERIFY(!pub.readAll().contains("sign-key"));
+    QCOMPARE(run({"build", "--key", "secret.key", "--types", "motor,tx30", "--version", "3.0.1", "image.bin", "a.bpk"}), 0);
+    QCOMPARE(run({"verify", "--key", "public.key", "a.bpk"}), 0);
+    QByteArray err;
+    QCOMPARE(run({"verify", "--key", "other.pub", "a.bpk"}, &err), 1);
+    QCOMPARE(err, QByteArray("vrnfwpack: a.bpk: package signature does not verify\n"));
+    QCOMPARE(run({"build", "--key", "public.key", "--types", "motor", "--version", "3.0.1", "image.bin", "b.bpk"}), 1);
+    QCOMPARE(run({"build", "--key", "secret.key", "--types", "toaster", "--version", "3.0.1", "image.bin", "b.bpk"}), 2);
+    QCOMPARE(run({"inspect"}), 2);
+    const BpkPackage pkg = BpkPackage::load(dir.filePath(QStringLiteral("a.bpk")));
+    QCOMPARE(pkg.manifest().nodeTypes, QList<int>({1, 2}));
+    QCOMPARE(pkg.manifest().versionString(), QStringLiteral("3.0.1"));
+}
+
+QTEST_GUILESS_MAIN(tst_BpkPackage)
+#include "tst_bpkpackage.moc"
