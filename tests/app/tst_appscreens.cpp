@@ -131,10 +131,16 @@ void tst_AppScreens::devices()
     QVERIFY(row >= 0);
     call(devicesView, "clickRow", row, 0);
     QCOMPARE(devicesView->property("selectedCount").toInt(), 1);
-    QTRY_VERIFY_WITH_TIMEOUT(proxy("upRollingSpeed").isValid(), 5000);
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
+    QVERIFY(proxy("upRollingSpeed").isValid());
 
     QObject* labelEdit = m_window->findChild<QObject*>(QStringLiteral("labelEdit"));
     labelEdit->setProperty("text", QStringLiteral("Living room"));
+    QStringList pending;
+    for (const QVariant& job : panel()->property("pendingJobs").toList())
+        pending.append(job.toList().value(0).toString());
+    QVERIFY2(pending == QStringList{QStringLiteral("SetLabelJob")}, qPrintable(pending.join(QLatin1Char(' ')) + QStringLiteral(" %1 %2").arg(m_window->findChild<QObject*>(QStringLiteral("upSpeedEdit"))->property("value").toInt()).arg(proxy("upRollingSpeed").toInt())));
     QCOMPARE(call(panel(), "writePending").toInt(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(proxy("label").toString(), QStringLiteral("Living room"), 5000);
     panel()->setProperty("uuid", QVariant());
@@ -147,13 +153,15 @@ void tst_AppScreens::devices()
 // The same motor moves: the position shown changes while it runs.
 void tst_AppScreens::motor()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(runtime("posPulse").isValid(), 5000);
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
+    QVERIFY(runtime("posPulse").isValid());
     const int before = runtime("posPulse").toInt();
-    call(panel(), "move", before > 30000 ? 0 : 1);
+    call(panel(), "move", before > 30000 ? 0 : 1, 0);
     QTRY_VERIFY_WITH_TIMEOUT(panel()->property("watching").toBool(), 3000);
     QTRY_VERIFY_WITH_TIMEOUT(runtime("posPulse").toInt() != before, 5000);
     save(QStringLiteral("motor"));
-    call(panel(), "move", 255);
+    call(panel(), "move", 255, 0);
 }
 
 void tst_AppScreens::actions()

@@ -15,9 +15,10 @@ ScrollView {
     property int commonType: 0
     readonly property bool isMotor: Format.isMotorType(commonType)
     readonly property bool isDCMotor: Format.isDCMotorType(commonType)
-    readonly property var proxy: records.proxy
-    readonly property var runtime: records.runtime
+    readonly property var proxy: Format.known(records.proxy)
+    readonly property var runtime: Format.known(records.runtime)
     property var shared: null
+    property string nodeText: ""
     // Texts of the jobs that ended, newest first.
     property alias log: logModel
     property bool watching: false
@@ -75,16 +76,26 @@ ScrollView {
         for (var i = 0; i < names.length; ++i)
             run(names[i])
     }
+    // A write changes the local record only: what the device then has is
+    // read back (end limits and positions read themselves back).
+    readonly property var readBack: ({ SetLabelJob: "GetLabelJob", SetGroupsJob: "GetGroupsJob",
+                                       SetDirectionJob: "GetDirectionJob", SetSpeedJob: "GetSpeedJob",
+                                       SetRampJob: "GetRampJob" })
     function writePending() {
         var todo = pendingJobs
-        for (var i = 0; i < todo.length; ++i)
-            run(todo[i][0], todo[i][1])
+        for (var i = 0; i < todo.length; ++i) {
+            var name = todo[i][0]
+            run(name, todo[i][1], function(name) {
+                return function(ok) { if (ok && readBack[name]) run(readBack[name]) }
+            }(name))
+        }
         return todo.length
     }
-    // Editors start from the device's values (the local record's where it
-    // has them), each once per device, so that the user's edits stay.
-    property var seeded: ({})
-    function seedEditors(all) {
+    // Editors follow the device's values until the user changes them
+    // (`touched`), so that reads arriving later never undo an edit.
+    property var touched: ({})
+    function touch(key) { touched[key] = true }
+    function seedEditors() {
         var setters = {
             label: function(v) { labelEdit.text = String(v) },
             groups: function(v) { groupsEdit.text = Format.groupsText(v) },
@@ -99,15 +110,18 @@ ScrollView {
             softStartStatus: function(v) { softStartOn.checked = !!v },
             softStopStatus: function(v) { softStopOn.checked = !!v }
         }
+        // records.proxy, not the binding on it: this runs as the records change.
+        var known = Format.known(records.proxy)
         for (var key in setters) {
-            var v = records.local[key] !== undefined ? records.local[key] : proxy[key]
-            if (v !== undefined && (all || !seeded[key])) {
-                seeded[key] = true
+            var v = known[key]
+            if (v !== undefined && !touched[key])
                 setters[key](v)
-            }
         }
     }
-    function resetEditors() { seedEditors(true) }
+    function resetEditors() {
+        touched = {}
+        seedEditors()
+    }
     // Moves, then reads the position until it stays the same a few times.
     function move(command, value) {
         run("MotorControlJob", { command: command, value: value || 0 }, function(ok) {
@@ -121,19 +135,22 @@ ScrollView {
     onUuidChanged: {
         watching = false
         logModel.clear()
-        seeded = {}
+        touched = {}
         labelEdit.text = ""
         groupsEdit.text = ""
         if (shared)
             shared.destroy()
         shared = uuid !== undefined ? ObjectFactory.objectQml(panel, uuid) : null
+        nodeText = shared && shared.data ? Format.hex(shared.data.address & 0xFFFFFF, 6) : ""
         if (uuid !== undefined)
             readAll()
     }
     Connections {
         target: records
-        function onRecordsChanged() { panel.seedEditors(false) }
+        function onRecordsChanged() { panel.seedEditors() }
     }
+
+    background: Rectangle { color: panel.palette.window }
 
     DeviceRecords { id: records; device: panel.shared ? panel.shared.data : null }
     ListModel { id: logModel }
@@ -166,12 +183,12 @@ ScrollView {
             font.pixelSize: 16
             text: panel.selectedCount > 1
                   ? qsTr("%1 devices selected (%2); showing the first").arg(panel.selectedCount).arg(Format.typeNames[panel.commonType])
-                  : qsTr("%1 %2").arg(Format.typeNames[panel.commonType] || "").arg(records.device ? Format.hex(records.device.address & 0xFFFFFF, 6) : "")
+                  : qsTr("%1 %2").arg(Format.typeNames[panel.commonType] || "").arg(panel.nodeText)
         }
         RowLayout {
             visible: panel.uuid !== undefined
             Label { text: records.sync ? qsTr("Synchronised") : qsTr("Not synchronised"); color: records.sync ? "green" : "darkorange" }
-            Label { text: records.dirty ? qsTr("changed, not saved") : "" ; color: "darkorange" }
+            Label { text: records.dirty ? qsTr("dirty") : qsTr("clean"); color: records.dirty ? "darkorange" : "green" }
             Item { Layout.fillWidth: true }
             Button { text: qsTr("Read again"); onClicked: panel.readAll() }
             Button {
@@ -197,7 +214,13 @@ ScrollView {
                     name: qsTr("Label")
                     deviceValue: panel.proxy.label
                     pending: labelEdit.text !== String(panel.proxy.label || "")
-                    TextField { id: labelEdit; objectName: "labelEdit"; width: 170; maximumLength: 16 }
+                    TextField {
+                        id: labelEdit
+                        objectName: "labelEdit"
+                        width: 170
+                        maximumLength: 16
+                        onTextEdited: panel.touch("label")
+                    }
                 }
                 FieldRow {
                     name: qsTr("Groups (hex)")
@@ -206,6 +229,7 @@ ScrollView {
                     TextField {
                         id: groupsEdit
                         width: 170
+                        onTextEdited: panel.touch("groups")
                         validator: RegularExpressionValidator { regularExpression: /^\s*([0-9A-Fa-f]{1,6}(\s*,\s*[0-9A-Fa-f]{1,6})*)?\s*$/ }
                     }
                 }
@@ -224,19 +248,24 @@ ScrollView {
                     deviceValue: panel.proxy.rotDirection === undefined ? undefined
                                  : panel.proxy.rotDirection ? qsTr("reversed") : qsTr("standard")
                     pending: panel.proxy.rotDirection !== undefined && directionEdit.currentIndex !== panel.proxy.rotDirection
-                    ComboBox { id: directionEdit; width: 170; model: [qsTr("standard"), qsTr("reversed")] }
+                    ComboBox {
+                        id: directionEdit
+                        width: 170
+                        model: [qsTr("standard"), qsTr("reversed")]
+                        onActivated: panel.touch("rotDirection")
+                    }
                 }
                 FieldRow {
                     name: qsTr("Up end limit")
                     deviceValue: panel.proxy.upEndLimit
                     pending: panel.proxy.upEndLimit !== undefined && upLimitEdit.value !== panel.proxy.upEndLimit
-                    SpinBox { id: upLimitEdit; width: 170; from: 0; to: 65535; editable: true }
+                    SpinBox { id: upLimitEdit; width: 170; from: 0; to: 65535; editable: true; onValueModified: panel.touch("upEndLimit") }
                 }
                 FieldRow {
                     name: qsTr("Down end limit")
                     deviceValue: panel.proxy.downEndLimit
                     pending: panel.proxy.downEndLimit !== undefined && downLimitEdit.value !== panel.proxy.downEndLimit
-                    SpinBox { id: downLimitEdit; width: 170; from: 0; to: 65535; editable: true }
+                    SpinBox { id: downLimitEdit; width: 170; from: 0; to: 65535; editable: true; onValueModified: panel.touch("downEndLimit") }
                 }
                 FieldRow {
                     name: qsTr("Position")
@@ -288,27 +317,27 @@ ScrollView {
                     name: qsTr("Up speed")
                     deviceValue: panel.proxy.upRollingSpeed
                     pending: panel.proxy.upRollingSpeed !== undefined && upSpeedEdit.value !== panel.proxy.upRollingSpeed
-                    SpinBox { id: upSpeedEdit; objectName: "upSpeedEdit"; width: 170; from: 6; to: 28; editable: true }
+                    SpinBox { id: upSpeedEdit; objectName: "upSpeedEdit"; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("upRollingSpeed") }
                 }
                 FieldRow {
                     name: qsTr("Down speed")
                     deviceValue: panel.proxy.downRollingSpeed
                     pending: panel.proxy.downRollingSpeed !== undefined && downSpeedEdit.value !== panel.proxy.downRollingSpeed
-                    SpinBox { id: downSpeedEdit; width: 170; from: 6; to: 28; editable: true }
+                    SpinBox { id: downSpeedEdit; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("downRollingSpeed") }
                 }
                 FieldRow {
                     name: qsTr("Slow speed")
                     deviceValue: panel.proxy.slowRollingSpeed
                     pending: panel.proxy.slowRollingSpeed !== undefined && slowSpeedEdit.value !== panel.proxy.slowRollingSpeed
-                    SpinBox { id: slowSpeedEdit; width: 170; from: 6; to: 28; editable: true }
+                    SpinBox { id: slowSpeedEdit; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("slowRollingSpeed") }
                 }
                 FieldRow {
                     name: qsTr("Soft start")
                     deviceValue: panel.proxy.softStartValue === undefined ? undefined
                                  : (panel.proxy.softStartStatus ? qsTr("on, %1").arg(panel.proxy.softStartValue) : qsTr("off"))
                     RowLayout {
-                        CheckBox { id: softStartOn }
-                        SpinBox { id: softStartEdit; from: 0; to: 100; editable: true }
+                        CheckBox { id: softStartOn; onClicked: panel.touch("softStartStatus") }
+                        SpinBox { id: softStartEdit; from: 0; to: 100; editable: true; onValueModified: panel.touch("softStartValue") }
                     }
                 }
                 FieldRow {
@@ -316,8 +345,8 @@ ScrollView {
                     deviceValue: panel.proxy.softStopValue === undefined ? undefined
                                  : (panel.proxy.softStopStatus ? qsTr("on, %1").arg(panel.proxy.softStopValue) : qsTr("off"))
                     RowLayout {
-                        CheckBox { id: softStopOn }
-                        SpinBox { id: softStopEdit; from: 0; to: 100; editable: true }
+                        CheckBox { id: softStopOn; onClicked: panel.touch("softStopStatus") }
+                        SpinBox { id: softStopEdit; from: 0; to: 100; editable: true; onValueModified: panel.touch("softStopValue") }
                     }
                 }
             }

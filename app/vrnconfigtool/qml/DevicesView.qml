@@ -58,6 +58,8 @@ SplitView {
         }
     }
 
+    background: Rectangle { color: view.palette.window }
+
     Connections {
         target: view.selection
         function onModelReset() {

@@ -42,3 +42,25 @@ function groupsText(groups) {
 var typeNames = ["Unknown", "Standard", "Motor", "DC motor", "LRU50", "TX50DC", "TX30", "Setting tool"];
 function isMotorType(type) { return type >= 2 && type <= 6; }
 function isDCMotorType(type) { return type === 3 || type === 5 || type === 6; }
+
+// Values a record holds for "not known" beside null.
+var unsetValues = { rotDirection: 0xFF, upEndLimit: 0xFFFF, downEndLimit: 0xFFFF,
+                    upRollingSpeed: 0, downRollingSpeed: 0, slowRollingSpeed: 0,
+                    softStartValue: 0xFF, softStopValue: 0xFF }
+// Fields that are known only when another one is.
+var knownWith = { softStartStatus: "softStartValue", softStopStatus: "softStopValue" }
+
+// The fields of a record map that hold a known value.
+function known(map) {
+    var out = {}
+    for (var key in map) {
+        var v = map[key]
+        if (v !== undefined && v !== null && unsetValues[key] !== v)
+            out[key] = v
+    }
+    for (var field in knownWith) {
+        if (out[knownWith[field]] === undefined)
+            delete out[field]
+    }
+    return out
+}

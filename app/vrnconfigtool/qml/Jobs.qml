@@ -39,6 +39,10 @@ QtObject {
     property Component setRamp: Component { SetRampJob {} }
     property Component factoryDefault: Component { SetFactoryDefaultJob {} }
 
+    // Jobs after which the device's row in the registry is stored, so that
+    // the device list shows what was read or written.
+    readonly property var stored: ["GetLabelJob", "SetLabelJob"]
+
     // Jobs still running, so that their end is counted.
     property int running: 0
 
@@ -60,6 +64,13 @@ QtObject {
             var ok = job.error === 0;
             var text = job.errorString;
             var result = job.result;
+            if (ok && stored.indexOf(name) >= 0) {
+                var shared = ObjectFactory.objectQml(jobs, uuid);
+                if (shared && shared.data)
+                    ObjectFactory.save(shared.data);
+                if (shared)
+                    shared.destroy();
+            }
             done(name, uuid, ok, text, result);
             if (then) then(ok, text, result);
             job.destroy();

@@ -20,6 +20,7 @@ ApplicationWindow {
     property alias devicesView: devicesView
     property alias actionsView: actionsView
     property alias trafficView: trafficView
+    property alias jobs: jobs
 
     function showView(name) { tabs.currentIndex = viewNames.indexOf(name) }
     function showMessage(text, isError) {

@@ -9,15 +9,21 @@
 
 namespace {
 
-/// The wrapper's dynamic properties as a map; byte strings as text.
+/// The wrapper's dynamic properties that hold a value, into a map; byte
+/// strings as text. A null property is left out (undefined in QML), so a
+/// deeper wrapper's unset fields never hide a shallower one's values.
 void copyProperties(const QObject& wrapper, QVariantMap& into)
 {
     for (const QByteArray& name : wrapper.dynamicPropertyNames()) {
         QVariant value = wrapper.property(name.constData());
-        if (value.userType() == QMetaType::QByteArray)
-            value = QString::fromUtf8(value.toByteArray());
-        else if (value.userType() == QMetaType::Nullptr)
-            value = QVariant();
+        if (value.userType() == QMetaType::Nullptr || !value.isValid())
+            continue;
+        if (value.userType() == QMetaType::QByteArray) {
+            const QByteArray bytes = value.toByteArray();
+            if (bytes.isNull()) // not known; empty is a known, empty text
+                continue;
+            value = QString::fromUtf8(bytes);
+        }
         into.insert(QString::fromLatin1(name), value);
     }
 }

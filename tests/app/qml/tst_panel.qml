@@ -37,12 +37,7 @@ TestCase {
         }
         fail("no device of type " + type)
     }
-    function logTexts() {
-        var out = []
-        for (var i = 0; i < panel.log.count; ++i)
-            out.push(panel.log.get(i).text)
-        return out
-    }
+    function records() { return panel.proxy }
     function show(row) {
         panel.commonType = row.type
         panel.selectedCount = 1
@@ -60,7 +55,7 @@ TestCase {
     function test_readsWhatTheTypeHas(data) {
         show(device(data.type))
         for (var i = 0; i < data.known.length; ++i)
-            verify(panel.proxy[data.known[i]] !== undefined, data.known[i] + " " + JSON.stringify(logTexts()))
+            verify(panel.proxy[data.known[i]] !== undefined, data.known[i] + " " + JSON.stringify(records()))
         for (var j = 0; j < data.unknown.length; ++j)
             verify(panel.proxy[data.unknown[j]] === undefined, data.unknown[j])
         compare(JSON.stringify(panel.pendingJobs), "[]")
@@ -75,8 +70,7 @@ TestCase {
         var wanted = speed.value
         compare(panel.pendingJobs.length, 2)
         compare(panel.writePending(), 2)
-        tryCompare(panel.proxy, "label", "Terrace", 3000)
-        tryCompare(panel.proxy, "upRollingSpeed", wanted, 3000)
+        tryVerify(function() { return panel.proxy.label === "Terrace" && panel.proxy.upRollingSpeed === wanted }, 3000)
         compare(panel.pendingJobs.length, 0)
         compare(simulator.label(row.nodeID & 0xFFFFFF), "Terrace")
     }
@@ -105,10 +99,11 @@ TestCase {
         var row = device(1)
         show(row)
         simulator.unplug(row.nodeID & 0xFFFFFF)
+        panel.log.clear()
         panel.readAll()
         tryCompare(jobs, "running", 0, 3000)
         simulator.unplug(row.nodeID & 0xFFFFFF, false)
-        verify(panel.log.count >= 3)
+        compare(panel.log.count, 3)
         for (var i = 0; i < panel.log.count; ++i) {
             verify(!panel.log.get(i).ok)
             verify(/failed: \S/.test(panel.log.get(i).text), panel.log.get(i).text)
