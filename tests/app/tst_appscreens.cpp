@@ -129,8 +129,15 @@ void tst_AppScreens::devices()
     QObject* devicesView = view("devicesView");
     const int row = firstRowOfType(6); // a TX30: a DC motor
     QVERIFY(row >= 0);
-    call(devicesView, "clickRow", row, 0);
+    // A real click on the row, where the window renders.
+    auto* list = devicesView->property("list").value<QQuickItem*>();
+    QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 3 /* Contain */));
+    QQuickItem* rowItem = nullptr;
+    QTRY_VERIFY((QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, rowItem), Q_ARG(int, row)),
+                 rowItem && rowItem->isVisible()));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, rowItem->mapToScene(QPointF(20, 10)).toPoint());
     QCOMPARE(devicesView->property("selectedCount").toInt(), 1);
+    QTRY_VERIFY(rowItem->property("selected").toBool());
     QObject* jobs = m_window->property("jobs").value<QObject*>();
     QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
     QVERIFY(proxy("upRollingSpeed").isValid());

@@ -5,7 +5,7 @@ import VRNConfigTool 1.0
 import "Format.js" as Format
 
 // The device list (sortable, selectable) and the panel of the selection.
-SplitView {
+Pane {
     id: view
     property ObjectQueryModel model
     property var jobs
@@ -58,7 +58,7 @@ SplitView {
         }
     }
 
-    background: Rectangle { color: view.palette.window }
+    padding: 0
 
     Connections {
         target: view.selection
@@ -71,14 +71,14 @@ SplitView {
     }
 
     Item {
-        SplitView.preferredWidth: 660
-        SplitView.minimumWidth: 300
-    ColumnLayout {
-        anchors.fill: parent
-        spacing: 0
+        id: listPane
+        anchors.left: parent.left
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        width: Math.min(660, parent.width * 0.55)
 
         Row {
-            Layout.fillWidth: true
+            id: columnHeader
             Repeater {
                 model: view.columns
                 Button {
@@ -94,8 +94,9 @@ SplitView {
         ListView {
             id: list
             objectName: "deviceList"
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+            anchors.top: columnHeader.bottom
+            anchors.bottom: parent.bottom
+            width: parent.width
             clip: true
             model: view.model
             reuseItems: true
@@ -133,11 +134,14 @@ SplitView {
             }
         }
     }
-    }
 
     DevicePanel {
         id: panel
-        SplitView.fillWidth: true
+        anchors.left: listPane.right
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.leftMargin: 4
         jobs: view.jobs
         uuid: view.firstSelected
         selectedCount: view.selectedCount
