@@ -1,7 +1,8 @@
 // The application's device list at scale, offscreen: with a registry of
 // 100,000 devices (or the sizes given), the time from start to the first
 // frame that shows rows, and the time of a jump to the end of the list (and
-// back to the top) until the frame that shows it.
+// back to the top) until the frame that shows it, and the frames of
+// scrolling through it a screen at a time.
 //
 //     bench_app [sizes...]        (default 100000)
 
@@ -78,9 +79,21 @@ void run(int size)
         QMetaObject::invokeMethod(list, "positionViewAtBeginning");
         toTop.append(untilFrame(window, jump, [&] { return list->property("atYBeginning").toBool(); }));
     }
+    // Scrolling: the view moved by one screen at a time, from the top
+    // through the middle of the list, each step until its frame.
+    QVector<double> steps;
+    const double screen = list->height();
+    for (int i = 0; i < 200; ++i) {
+        QElapsedTimer step;
+        step.start();
+        const double target = list->property("contentY").toDouble() + screen;
+        list->setProperty("contentY", target);
+        steps.append(untilFrame(window, step, [] { return true; }));
+    }
     std::printf("%7d devices: first rows shown %.0f ms after start (target < 500 ms, %d rows listed); "
-                "jump to the end %.1f ms median, max %.1f (target < 100 ms); back to the top %.1f ms median\n",
-                size, firstRows, rows, median(toEnd), *std::max_element(toEnd.begin(), toEnd.end()), median(toTop));
+                "jump to the end %.1f ms median, max %.1f (target < 100 ms); back to the top %.1f ms median; scrolling by a screen %.1f ms per frame median, max %.1f\n",
+                size, firstRows, rows, median(toEnd), *std::max_element(toEnd.begin(), toEnd.end()), median(toTop), median(steps),
+                *std::max_element(steps.begin(), steps.end()));
 }
 
 } // namespace
