@@ -12,6 +12,8 @@ Pane {
     readonly property var selection: devices ? devices.selection : null
     property alias results: results
     property int pending: 0
+    property int doneCount: 0
+    property int failedCount: 0
 
     // What can be run on a selection: the job, its parameters, and whether
     // it needs a motor.
@@ -30,6 +32,8 @@ Pane {
     // Queues `action` on each selected device, one result row per device.
     function runOnSelection(action) {
         results.clear()
+        doneCount = 0
+        failedCount = 0
         var count = selection ? selection.rowCount : 0
         for (var i = 0; i < count; ++i) {
             var uuid = selection.data(i)
@@ -44,6 +48,7 @@ Pane {
         pending += 1
         jobs.run(uuid, action.job, action.props, function(ok, text) {
             pending -= 1
+            if (ok) doneCount += 1; else failedCount += 1
             results.setProperty(row, "state", ok ? qsTr("done") : qsTr("failed"))
             results.setProperty(row, "error", ok ? "" : text)
         }, 5)
@@ -70,13 +75,7 @@ Pane {
             BusyIndicator { running: view.pending > 0; implicitHeight: 32; implicitWidth: 32 }
         }
         Label {
-            text: qsTr("%1 done, %2 failed, %3 running").arg(count("done")).arg(count("failed")).arg(view.pending)
-            function count(state) {
-                var n = 0
-                for (var i = 0; i < results.count; ++i)
-                    if (results.get(i).state === qsTr(state)) n += 1
-                return n + view.pending * 0
-            }
+            text: qsTr("%1 done, %2 failed, %3 running").arg(view.doneCount).arg(view.failedCount).arg(view.pending)
         }
         ListView {
             objectName: "actionResults"

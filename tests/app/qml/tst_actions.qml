@@ -43,5 +43,7 @@ TestCase {
         }
         compare(done, data.done)
         compare(failed, data.failed)
+        compare(view.doneCount, data.done)
+        compare(view.failedCount, data.failed)
     }
 }
