@@ -29,15 +29,22 @@ Pane {
         { title: qsTr("Read end limits"), job: "GetEndLimitsJob", motor: true }
     ]
 
-    // Queues `action` on each selected device, one result row per device.
-    function runOnSelection(action) {
+    // Queues action number `index` on each selected device, one result row per device.
+    function runOnSelection(index) {
+        var action = actions[index]
+        actionBox.currentIndex = index
         results.clear()
         doneCount = 0
         failedCount = 0
         var count = selection ? selection.rowCount : 0
         for (var i = 0; i < count; ++i) {
             var uuid = selection.data(i)
-            results.append({ uuid: uuid, state: qsTr("queued"), error: "" })
+            var shared = ObjectFactory.objectQml(view, uuid)
+            var device = shared && shared.data
+                ? Format.hex(shared.data.address & 0xFFFFFF, 6) + " " + (Format.typeNames[shared.data.type] || "") : String(uuid)
+            if (shared)
+                shared.destroy()
+            results.append({ uuid: uuid, device: device, state: qsTr("queued"), error: "" })
         }
         for (var j = 0; j < count; ++j)
             runOne(action, j)
@@ -70,7 +77,7 @@ Pane {
                 objectName: "runAction"
                 text: qsTr("Run")
                 enabled: view.selection && view.selection.rowCount > 0 && view.pending === 0
-                onClicked: view.runOnSelection(view.actions[actionBox.currentIndex])
+                onClicked: view.runOnSelection(actionBox.currentIndex)
             }
             BusyIndicator { running: view.pending > 0; implicitHeight: 32; implicitWidth: 32 }
         }
@@ -84,12 +91,12 @@ Pane {
             clip: true
             model: results
             header: Row {
-                Label { width: 120; text: qsTr("Device"); font.bold: true }
+                Label { width: 160; text: qsTr("Device"); font.bold: true }
                 Label { width: 100; text: qsTr("Result"); font.bold: true }
                 Label { text: qsTr("Error"); font.bold: true }
             }
             delegate: Row {
-                Label { width: 120; text: String(model.uuid) }
+                Label { width: 160; text: model.device }
                 Label { width: 100; text: model.state; color: model.state === qsTr("failed") ? "firebrick" : palette.text }
                 Label { text: model.error }
             }

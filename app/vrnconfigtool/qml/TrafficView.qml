@@ -37,7 +37,7 @@ Pane {
         Row {
             Repeater {
                 model: [[qsTr("Time"), 110], [qsTr("Dir"), 50], [qsTr("Source"), 110], [qsTr("Destination"), 110],
-                        [qsTr("Command"), 160], [qsTr("Payload"), 300]]
+                        [qsTr("Command"), 220], [qsTr("Payload"), 300]]
                 Label { width: modelData[1]; text: modelData[0]; font.bold: true; leftPadding: 4 }
             }
         }
@@ -57,7 +57,7 @@ Pane {
                 Label { width: 50; leftPadding: 4; color: tint; text: model.direction === 0 ? "\u2192" : "\u2190" }
                 Label { width: 110; leftPadding: 4; color: tint; text: model.source === undefined ? "" : Format.hex(model.source & 0xFFFFFF, 6) }
                 Label { width: 110; leftPadding: 4; color: tint; text: model.destination === undefined ? "" : Format.hex(model.destination, 6) }
-                Label { width: 160; leftPadding: 4; color: tint; text: model.commandName }
+                Label { width: 220; leftPadding: 4; color: tint; text: model.commandName; elide: Text.ElideRight }
                 Label { leftPadding: 4; color: tint; text: model.payload }
             }
         }

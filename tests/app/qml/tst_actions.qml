@@ -33,7 +33,7 @@ TestCase {
         for (var r = 0; r < devices.rowCount(); ++r)
             if (data.type < 0 || devices.get(r).type === data.type)
                 view.selection.addItems(ObjectFactory.UuidColumn, devices.get(r).uuid)
-        compare(view.runOnSelection(view.actions[data.action]), data.done + data.failed)
+        compare(view.runOnSelection(data.action), data.done + data.failed)
         tryCompare(view, "pending", 0, 5000)
         var done = 0, failed = 0
         for (var i = 0; i < view.results.count; ++i) {
