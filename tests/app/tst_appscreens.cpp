@@ -112,11 +112,11 @@ QQuickItem* tst_AppScreens::rowItem(int row)
     auto* list = view("devicesView")->property("list").value<QQuickItem*>();
     QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 3 /* ListView.Contain */));
     QQuickItem* item = nullptr;
-    QTest::qWaitFor([&] {
+    const bool shown = QTest::qWaitFor([&] {
         QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, row));
         return item && item->isVisible();
     });
-    return item;
+    return shown ? item : nullptr;
 }
 
 void tst_AppScreens::show(const char* name)
