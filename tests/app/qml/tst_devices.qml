@@ -28,7 +28,6 @@ TestCase {
     function test_sortOrder_data() {
         return [
             { tag: "node ascending", role: ObjectQueryModel.NodeIDRole, clicks: 1, key: "nodeID", sign: 1 },
-            { tag: "node descending", role: ObjectQueryModel.NodeIDRole, clicks: 2, key: "nodeID", sign: -1 },
             { tag: "type descending", role: ObjectQueryModel.TypeRole, clicks: 2, key: "type", sign: -1 }
         ]
     }
