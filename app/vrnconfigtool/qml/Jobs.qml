@@ -45,6 +45,13 @@ QtObject {
 
     // Jobs still running, so that their end is counted.
     property int running: 0
+    // Their end handlers, let go when this object goes: a job that ends
+    // later (the window closed) finds nobody to tell.
+    property var waiting: ({})
+    Component.onDestruction: {
+        for (var key in waiting)
+            waiting[key].job.finished.disconnect(waiting[key].ended)
+    }
 
     signal done(string name, var uuid, bool ok, string errorText, var result)
 
@@ -59,7 +66,8 @@ QtObject {
         }
         var job = kinds[name].createObject(jobs, props || {});
         running += 1;
-        job.finished.connect(function() {
+        var ended = function() {
+            delete waiting[job];
             running -= 1;
             var ok = job.error === 0;
             var text = job.errorString;
@@ -75,7 +83,9 @@ QtObject {
             if (then) then(ok, text, result);
             job.destroy();
             worker.destroy();
-        });
+        };
+        waiting[job] = { job: job, ended: ended };
+        job.finished.connect(ended);
         return worker.data.enqueue(job, priority === undefined ? 10 : priority);
     }
 }
