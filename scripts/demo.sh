@@ -2,7 +2,7 @@
 # The demo: a simulated network of 30 devices on a loopback multicast group,
 # opened, discovered, listed, every label read, one label written and read back;
 # then a motor winked, moved to 50 % while its position is printed, all its
-# settings read, and a DC motor's speeds set.
+# settings read, and a DC motor's speeds set; last a group of motors moved at once.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -66,6 +66,13 @@ vrnconfig get speed "$dc"
 vrnconfig set speed "$dc" 24 18 8
 vrnconfig get speed "$dc"
 vrnconfig get ramp "$dc"
+
+step "Groups: motor $motor put in group 0x0F0042, every motor's groups read, the groups known, the group moved to 25 %"
+vrnconfig set groups "$motor" 0x0F0042
+vrnconfig get groups type:motor >/dev/null
+vrnconfig group list
+vrnconfig group move 0x0F0042 to 25
+vrnconfig watch position "$motor"
 
 step "Stopping the simulator"
 kill -TERM "$sim_pid"; wait "$sim_pid" || true; sim_pid=

@@ -47,9 +47,9 @@ void tst_QmlPlugin::types_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("kind");
-    for (const char* name : {"Settings", "BusFactory", "ObjectFactory"})
+    for (const char* name : {"Settings", "BusFactory", "ObjectFactory", "GroupFactory"})
         QTest::newRow(name) << name << int(Singleton);
-    for (const char* name : {"QMLSerialPortList", "DeviceRecords", "BusDiscoverJob", "SetNodeDiscoveryJob",
+    for (const char* name : {"QMLSerialPortList", "DeviceRecords", "GroupControl", "BusDiscoverJob", "SetNodeDiscoveryJob",
                              "GetFwVersionJob", "GetGroupsJob", "SetGroupsJob", "GetLabelJob", "SetLabelJob",
                              "VisualFeedbackJob", "MotorControlJob", "MotorCtrlMoveJob", "GetDirectionJob",
                              "SetDirectionJob", "GetEndLimitsJob", "SetEndLimitsJob", "GetPositionJob",
@@ -59,7 +59,8 @@ void tst_QmlPlugin::types_data()
     for (const char* name : {"ObjectQueryModel", "ObjectSelectionModel", "VRNListenerViewModel", "VRNObject",
                              "VRNStdObject", "VRNMotorObject", "VRNDCMotorObject", "LRU50Object", "TX50DCObject",
                              "TX30Object", "SettingToolObject", "VRNObjectWorker", "QmlStdConfigData",
-                             "QmlMotorConfigData", "QmlDCMotorConfigData", "QmlRuntimeData", "QmlSharedObject"})
+                             "QmlMotorConfigData", "QmlDCMotorConfigData", "QmlRuntimeData", "QmlSharedObject",
+                             "GroupWorker", "GroupTaskResultModel", "QmlGroupTaskResult"})
         QTest::newRow(name) << name << int(Uncreatable);
 }
 

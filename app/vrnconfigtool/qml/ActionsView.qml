@@ -10,8 +10,10 @@ Pane {
     property ObjectQueryModel devices
     property var jobs
     readonly property var selection: devices ? devices.selection : null
-    property alias results: results
-    property int pending: 0
+    // The last group job and its results, one entry per device.
+    property var groupJob: null
+    readonly property var results: groupJob && groupJob.state >= Job.Running ? groupJob.result : null
+    readonly property int pending: groupJob && groupJob.state !== Job.Finished && groupJob.state !== Job.Idle ? 1 : 0
     property int doneCount: 0
     property int failedCount: 0
 
@@ -29,39 +31,45 @@ Pane {
         { title: qsTr("Read end limits"), job: "GetEndLimitsJob", motor: true }
     ]
 
-    // Queues action number `index` on each selected device, one result row per device.
+    // Queues action number `index` on the group worker of the selected
+    // devices; the group runs it device by device. The number of devices.
     function runOnSelection(index) {
         var action = actions[index]
         actionBox.currentIndex = index
-        results.clear()
+        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
+        if (!group)
+            return 0
+        if (groupJob)
+            groupJob.destroy()
         doneCount = 0
         failedCount = 0
-        var count = selection ? selection.rowCount : 0
-        for (var i = 0; i < count; ++i) {
-            var uuid = selection.data(i)
-            var shared = ObjectFactory.objectQml(view, uuid)
-            var device = shared && shared.data
-                ? Format.hex(shared.data.address & 0xFFFFFF, 6) + " " + (Format.typeNames[shared.data.type] || "") : String(uuid)
-            if (shared)
-                shared.destroy()
-            results.append({ uuid: uuid, device: device, state: qsTr("queued"), error: "" })
-        }
-        for (var j = 0; j < count; ++j)
-            runOne(action, j)
-        return count
+        groupJob = jobs.kinds[action.job].createObject(view, action.props || {})
+        group.enqueue(groupJob, 5)
+        return group.count
     }
-    function runOne(action, row) {
-        var uuid = results.get(row).uuid
-        pending += 1
-        jobs.run(uuid, action.job, action.props, function(ok, text) {
-            pending -= 1
-            if (ok) doneCount += 1; else failedCount += 1
-            results.setProperty(row, "state", ok ? qsTr("done") : qsTr("failed"))
-            results.setProperty(row, "error", ok ? "" : text)
-        }, 5)
+    function recount() {
+        doneCount = results ? results.okCount() : 0
+        failedCount = results ? results.failedCount() : 0
+    }
+    function deviceText(uuid) {
+        var shared = ObjectFactory.objectQml(view, uuid)
+        var text = shared && shared.data
+            ? Format.hex(shared.data.address & 0xFFFFFF, 6) + " " + (Format.typeNames[shared.data.type] || "") : String(uuid)
+        if (shared)
+            shared.destroy()
+        return text
     }
 
-    ListModel { id: results }
+    Connections {
+        target: view.results
+        function onDataChanged() { view.recount() }
+        function onRowsInserted() { view.recount() }
+    }
+    Connections {
+        target: view.groupJob
+        function onFinished() { view.recount() }
+    }
+
 
     ColumnLayout {
         anchors.fill: parent
@@ -76,7 +84,7 @@ Pane {
             Button {
                 objectName: "runAction"
                 text: qsTr("Run")
-                enabled: view.selection && view.selection.rowCount > 0 && view.pending === 0
+                enabled: view.pending === 0
                 onClicked: view.runOnSelection(actionBox.currentIndex)
             }
             BusyIndicator { running: view.pending > 0; implicitHeight: 32; implicitWidth: 32 }
@@ -96,9 +104,14 @@ Pane {
                 Label { text: qsTr("Error"); font.bold: true }
             }
             delegate: Row {
-                Label { width: 160; text: model.device }
-                Label { width: 100; text: model.state; color: model.state === qsTr("failed") ? "firebrick" : palette.text }
-                Label { text: model.error }
+                readonly property bool failed: model.state === Job.Finished && model.error !== Job.NoError
+                Label { width: 160; text: view.deviceText(model.uuid) }
+                Label {
+                    width: 100
+                    text: failed ? qsTr("failed") : [qsTr("idle"), qsTr("queued"), qsTr("running"), qsTr("done")][model.state]
+                    color: failed ? "firebrick" : palette.text
+                }
+                Label { text: model.errorString }
             }
         }
     }

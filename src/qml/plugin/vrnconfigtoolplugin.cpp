@@ -3,6 +3,11 @@
 #include "devicerecords.h"
 
 #include "busfactory.h"
+#include "groupcontrol.h"
+#include "groupfactory.h"
+#include "grouptaskresultmodel.h"
+#include "groupworker.h"
+#include "qmlgrouptaskresult.h"
 #include "objectfactory.h"
 #include "objectquerymodel.h"
 #include "objectselectionmodel.h"
@@ -90,6 +95,7 @@ const Registration registrations[] = {
     {"Settings", singleton<Settings>},
     {"BusFactory", singleton<BusFactory>},
     {"ObjectFactory", singleton<ObjectFactory>},
+    {"GroupFactory", singleton<GroupFactory>},
     // models
     {"ObjectQueryModel", uncreatable<ObjectQueryModel>},
     {"ObjectSelectionModel", uncreatable<ObjectSelectionModel>},
@@ -121,6 +127,11 @@ const Registration registrations[] = {
     {"SetSpeedJob", creatable<SetSpeedJob>},
     {"GetRampJob", creatable<GetRampJob>},
     {"SetRampJob", creatable<SetRampJob>},
+    // groups
+    {"GroupWorker", uncreatable<GroupWorker>},
+    {"GroupTaskResultModel", uncreatable<GroupTaskResultModel>},
+    {"QmlGroupTaskResult", uncreatable<QmlGroupTaskResult>},
+    {"GroupControl", creatable<GroupControl>},
     // workers and buses
     {"QmlObjectWorker", uncreatable<QmlObjectWorker>},
     {"VRNObjectWorker", uncreatable<VRNObjectWorker>},

@@ -7,9 +7,8 @@
 /// `VRNConfigToolQml::pluginFileName()` names): registers the library's
 /// published classes under `import VRNConfigTool 1.0`.
 ///
-/// Singletons: Settings, BusFactory, ObjectFactory (and GroupFactory where
-/// the library has it). Creatable: every job class, QMLSerialPortList and
-/// DeviceRecords. Everything else (models handed out by the factories,
+/// Singletons: Settings, BusFactory, ObjectFactory, GroupFactory. Creatable:
+/// every job class, QMLSerialPortList, GroupControl and DeviceRecords. Everything else (models handed out by the factories,
 /// device objects, workers, record wrappers, QmlSharedObject) is known to
 /// QML for its properties and enums but cannot be created there.
 class VRNConfigToolPlugin : public QQmlExtensionPlugin

@@ -3,7 +3,7 @@ import QtTest 1.15
 import VRNConfigTool 1.0
 import "qrc:/vrnconfigtool"
 
-// A job run on every selected device, one result per device.
+// A job run through the group worker of the selection, one result per device.
 TestCase {
     id: testCase
     name: "Actions"
@@ -35,14 +35,12 @@ TestCase {
                 view.selection.addItems(ObjectFactory.UuidColumn, devices.get(r).uuid)
         compare(view.runOnSelection(data.action), data.done + data.failed)
         tryCompare(view, "pending", 0, 5000)
-        var done = 0, failed = 0
-        for (var i = 0; i < view.results.count; ++i) {
-            var row = view.results.get(i)
-            if (row.state === "done") done += 1
-            if (row.state === "failed") { failed += 1; verify(row.error !== "") }
+        var uuids = view.results.uuids()
+        compare(uuids.length, data.done + data.failed)
+        for (var i = 0; i < uuids.length; ++i) {
+            verify(view.selection.contains(uuids[i]))
+            compare(view.results.errorString(uuids[i]) !== "", view.results.error(uuids[i]) !== Job.NoError)
         }
-        compare(done, data.done)
-        compare(failed, data.failed)
         compare(view.doneCount, data.done)
         compare(view.failedCount, data.failed)
     }
