@@ -53,8 +53,7 @@ Pane {
     }
     function deviceText(uuid) {
         var shared = ObjectFactory.objectQml(view, uuid)
-        var text = shared && shared.data
-            ? Format.hex(shared.data.address & 0xFFFFFF, 6) + " " + (Format.typeNames[shared.data.type] || "") : String(uuid)
+        var text = shared && shared.data ? Format.deviceText(shared.data) : String(uuid)
         if (shared)
             shared.destroy()
         return text

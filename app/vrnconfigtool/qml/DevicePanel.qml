@@ -141,7 +141,7 @@ ScrollView {
         if (shared)
             shared.destroy()
         shared = uuid !== undefined ? ObjectFactory.objectQml(panel, uuid) : null
-        nodeText = shared && shared.data ? Format.hex(shared.data.address & 0xFFFFFF, 6) : ""
+        nodeText = shared && shared.data ? Format.deviceText(shared.data) : ""
         if (uuid !== undefined)
             readAll()
     }
@@ -183,7 +183,7 @@ ScrollView {
             font.pixelSize: 16
             text: panel.selectedCount > 1
                   ? qsTr("%1 devices selected (%2); showing the first").arg(panel.selectedCount).arg(Format.typeNames[panel.commonType])
-                  : qsTr("%1 %2").arg(Format.typeNames[panel.commonType] || "").arg(panel.nodeText)
+                  : panel.nodeText
         }
         RowLayout {
             visible: panel.uuid !== undefined

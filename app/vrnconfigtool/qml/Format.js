@@ -64,3 +64,8 @@ function known(map) {
     }
     return out
 }
+
+// A device object as the views name it: node number and kind.
+function deviceText(device) {
+    return hex(device.address & 0xFFFFFF, 6) + " " + (typeNames[device.type] || "")
+}
