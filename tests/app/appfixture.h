@@ -5,8 +5,12 @@
 // and simulated devices on a loopback wire that the bus factory holds as
 // its open bus.
 
+#include "../tasks/taskfixture.h"
+
 #include "busfactory.h"
-#include "busfactory_p.h"
+#include "groupfactory.h"
+#include "objectfactory.h"
+#include "settings.h"
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 
@@ -25,16 +29,14 @@ inline void redirectUserFolders(const QTemporaryDir& home)
     QStandardPaths::setTestModeEnabled(true);
 }
 
-/// Reaches the factory's private part to put the loopback wire in place of
-/// a serial or multicast bus.
-struct BusFactoryAccess : BusFactory
+/// Ends the process-wide singletons, once the engine that used them is gone.
+inline void destroySingletons()
 {
-    static void install(VRNBus* bus)
-    {
-        BusFactory* factory = BusFactory::instance();
-        (factory->*(&BusFactoryAccess::d_ptr))->setBus(bus, QStringLiteral("loopback"));
-    }
-};
+    GroupFactory::destroy();
+    ObjectFactory::destroy();
+    BusFactory::destroy();
+    Settings::destroy();
+}
 
 /// The simulated network the application talks to; the bus factory owns the wire.
 class Network
@@ -51,7 +53,7 @@ public:
         net.addDevices(devices);
         net.attach(bus);
         bus->open();
-        BusFactoryAccess::install(bus);
+        TaskFixture::installBus(bus);
     }
 
     QPointer<VRNLoopbackBus> bus = new VRNLoopbackBus;

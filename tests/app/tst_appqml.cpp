@@ -50,6 +50,12 @@ public slots:
         engine->rootContext()->setContextProperty(QStringLiteral("startBusUUID"), QString());
     }
 
+    void cleanupTestCase()
+    {
+        m_network.reset();
+        AppFixture::destroySingletons();
+    }
+
 private:
     QTemporaryDir m_home;
     QScopedPointer<AppFixture::Network> m_network;

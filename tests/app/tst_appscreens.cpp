@@ -75,6 +75,8 @@ void tst_AppScreens::initTestCase()
 void tst_AppScreens::cleanupTestCase()
 {
     m_engine.reset();
+    m_network.reset();
+    AppFixture::destroySingletons();
 }
 
 QVariant tst_AppScreens::call(QObject* object, const char* method, const QVariant& a, const QVariant& b)
