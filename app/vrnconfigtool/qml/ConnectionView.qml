@@ -1,0 +1,180 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+import VRNConfigTool 1.0
+
+// Opening the bus (a serial port, or a multicast group) and discovering its devices.
+Pane {
+    id: view
+    property ObjectQueryModel devices
+    property var jobs
+    property int deviceCount: 0
+
+    // Last discovery: running, and its summary.
+    property bool discovering: false
+    property int foundCount: -1
+    property int newCount: 0
+    property int knownCount: 0
+    property int missingCount: 0
+    property string lastError: ""
+
+    signal message(string text, bool isError)
+
+    function report(ok, errorText) {
+        lastError = ok ? "" : errorText
+        message(ok ? qsTr("Opened %1").arg(BusFactory.busUUID) : errorText, !ok)
+        return ok
+    }
+    function openSerial(name) { return report(BusFactory.openSerial(name), BusFactory.lastError) }
+    function openMCast(group, port, bind) {
+        return report(BusFactory.openMCast(group + ":" + port, bind), BusFactory.lastError)
+    }
+
+    // Discovery runs on the bus worker; the summary compares the devices
+    // found with the rows known before.
+    function discover() {
+        if (discovering || !BusFactory.busWorker)
+            return false
+        var before = devices.rowCount()
+        var job = discoverJob.createObject(view)
+        discovering = true
+        foundCount = -1
+        job.finished.connect(function() {
+            discovering = false
+            if (job.error !== 0) {
+                lastError = job.errorString
+                message(qsTr("Discovery failed: %1").arg(job.errorString), true)
+            } else {
+                var found = job.result ? job.result.length : 0
+                var added = devices.rowCount() - before
+                foundCount = found
+                newCount = added
+                knownCount = found - added
+                missingCount = before - knownCount
+                message(qsTr("Discovery: %1 found, %2 new, %3 known, %4 missing")
+                        .arg(found).arg(newCount).arg(knownCount).arg(missingCount), false)
+            }
+            job.destroy()
+        })
+        return BusFactory.busWorker.enqueue(job, 100)
+    }
+
+    Component { id: discoverJob; BusDiscoverJob {} }
+    QMLSerialPortList { id: ports }
+
+    ColumnLayout {
+        width: Math.min(view.availableWidth, 720)
+        spacing: 12
+
+        GroupBox {
+            title: qsTr("Serial port")
+            Layout.fillWidth: true
+            RowLayout {
+                anchors.fill: parent
+                ComboBox {
+                    id: portBox
+                    objectName: "serialPort"
+                    Layout.fillWidth: true
+                    editable: true
+                    model: ports
+                    textRole: "description"
+                    valueRole: "name"
+                }
+                Button {
+                    text: qsTr("Reload")
+                    onClicked: ports.reload()
+                }
+                Button {
+                    text: qsTr("Open")
+                    // A pseudo-terminal is not listed: the typed path opens too.
+                    onClicked: view.openSerial(portBox.currentIndex >= 0 && portBox.editText === portBox.currentText
+                                               ? portBox.currentValue : portBox.editText)
+                }
+            }
+        }
+
+        GroupBox {
+            title: qsTr("Multicast")
+            Layout.fillWidth: true
+            GridLayout {
+                anchors.fill: parent
+                columns: 4
+                Label { text: qsTr("Group") }
+                TextField {
+                    id: groupField
+                    objectName: "mcastGroup"
+                    text: "239.255.42.1"
+                    validator: RegularExpressionValidator { regularExpression: /^(\d{1,3}\.){3}\d{1,3}$/ }
+                }
+                Label { text: qsTr("Port") }
+                SpinBox {
+                    id: portField
+                    objectName: "mcastPort"
+                    from: 1; to: 65535; value: 47001
+                    editable: true
+                    textFromValue: function(v) { return String(v) }
+                }
+                Label { text: qsTr("Bind address") }
+                TextField {
+                    id: bindField
+                    objectName: "mcastBind"
+                    text: "127.0.0.1"
+                    validator: RegularExpressionValidator { regularExpression: /^(\d{1,3}\.){3}\d{1,3}$/ }
+                }
+                Item { Layout.fillWidth: true }
+                Button {
+                    text: qsTr("Open")
+                    onClicked: view.openMCast(groupField.text, portField.value, bindField.text)
+                }
+            }
+        }
+
+        RowLayout {
+            Label {
+                Layout.fillWidth: true
+                text: BusFactory.busUUID !== "" ? qsTr("Open: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
+            }
+            Button {
+                text: qsTr("Close")
+                enabled: BusFactory.busUUID !== ""
+                onClicked: BusFactory.close()
+            }
+        }
+        Label {
+            objectName: "connectionError"
+            visible: view.lastError !== ""
+            text: view.lastError
+            color: "firebrick"
+            wrapMode: Text.Wrap
+            Layout.fillWidth: true
+        }
+
+        GroupBox {
+            title: qsTr("Discovery")
+            Layout.fillWidth: true
+            ColumnLayout {
+                anchors.fill: parent
+                RowLayout {
+                    Button {
+                        text: qsTr("Discover devices")
+                        enabled: BusFactory.busUUID !== "" && !view.discovering
+                        onClicked: view.discover()
+                    }
+                    ProgressBar {
+                        Layout.fillWidth: true
+                        indeterminate: view.discovering
+                        value: view.discovering ? 0 : (view.foundCount >= 0 ? 1 : 0)
+                    }
+                }
+                Label {
+                    objectName: "discoverySummary"
+                    text: view.discovering
+                          ? qsTr("Searching... %1 devices listed").arg(view.deviceCount)
+                          : view.foundCount < 0 ? qsTr("No discovery yet")
+                          : qsTr("%1 found: %2 new, %3 already known, %4 missing")
+                                .arg(view.foundCount).arg(view.newCount).arg(view.knownCount).arg(view.missingCount)
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,91 @@
+import QtQuick 2.15
+import VRNConfigTool 1.0
+
+// Queues the library's jobs by name on a device's worker and reports each
+// end: done(name, ok, errorText, result).
+QtObject {
+    id: jobs
+
+    readonly property var kinds: ({
+        "GetLabelJob": getLabel, "SetLabelJob": setLabel,
+        "GetGroupsJob": getGroups, "SetGroupsJob": setGroups,
+        "GetFwVersionJob": getFwVersion, "VisualFeedbackJob": wink,
+        "MotorControlJob": motorControl, "MotorCtrlMoveJob": motorMove,
+        "GetDirectionJob": getDirection, "SetDirectionJob": setDirection,
+        "GetEndLimitsJob": getEndLimits, "SetEndLimitsJob": setEndLimits,
+        "GetPositionJob": getPosition, "GetMotorIpsJob": getMotorIps, "SetMotorIpJob": setMotorIp,
+        "GetSpeedJob": getSpeed, "SetSpeedJob": setSpeed,
+        "GetRampJob": getRamp, "SetRampJob": setRamp,
+        "SetFactoryDefaultJob": factoryDefault
+    })
+    property Component getLabel: Component { GetLabelJob {} }
+    property Component setLabel: Component { SetLabelJob {} }
+    property Component getGroups: Component { GetGroupsJob {} }
+    property Component setGroups: Component { SetGroupsJob {} }
+    property Component getFwVersion: Component { GetFwVersionJob {} }
+    property Component wink: Component { VisualFeedbackJob {} }
+    property Component motorControl: Component { MotorControlJob {} }
+    property Component motorMove: Component { MotorCtrlMoveJob {} }
+    property Component getDirection: Component { GetDirectionJob {} }
+    property Component setDirection: Component { SetDirectionJob {} }
+    property Component getEndLimits: Component { GetEndLimitsJob {} }
+    property Component setEndLimits: Component { SetEndLimitsJob {} }
+    property Component getPosition: Component { GetPositionJob {} }
+    property Component getMotorIps: Component { GetMotorIpsJob {} }
+    property Component setMotorIp: Component { SetMotorIpJob {} }
+    property Component getSpeed: Component { GetSpeedJob {} }
+    property Component setSpeed: Component { SetSpeedJob {} }
+    property Component getRamp: Component { GetRampJob {} }
+    property Component setRamp: Component { SetRampJob {} }
+    property Component factoryDefault: Component { SetFactoryDefaultJob {} }
+
+    // Jobs after which the device's row in the registry is stored, so that
+    // the device list shows what was read or written.
+    readonly property var stored: ["GetLabelJob", "SetLabelJob"]
+
+    // Jobs still running, so that their end is counted.
+    property int running: 0
+    // Their end handlers, let go when this object goes: a job that ends
+    // later (the window closed) finds nobody to tell.
+    property var waiting: ({})
+    Component.onDestruction: {
+        for (var key in waiting)
+            waiting[key].job.finished.disconnect(waiting[key].ended)
+    }
+
+    signal done(string name, var uuid, bool ok, string errorText, var result)
+
+    // Queues job `name` with `props` on the worker of device `uuid`; `then`
+    // (optional) is called with (ok, errorText, result) after `done`.
+    function run(uuid, name, props, then, priority) {
+        var worker = ObjectFactory.objectWorkerQml(jobs, uuid);
+        if (!worker || !worker.data) {
+            done(name, uuid, false, qsTr("device not found"), undefined);
+            if (then) then(false, qsTr("device not found"), undefined);
+            return false;
+        }
+        var job = kinds[name].createObject(jobs, props || {});
+        running += 1;
+        var ended = function() {
+            delete waiting[job];
+            running -= 1;
+            var ok = job.error === 0;
+            var text = job.errorString;
+            var result = job.result;
+            if (ok && stored.indexOf(name) >= 0) {
+                var shared = ObjectFactory.objectQml(jobs, uuid);
+                if (shared && shared.data)
+                    ObjectFactory.save(shared.data);
+                if (shared)
+                    shared.destroy();
+            }
+            done(name, uuid, ok, text, result);
+            if (then) then(ok, text, result);
+            job.destroy();
+            worker.destroy();
+        };
+        waiting[job] = { job: job, ended: ended };
+        job.finished.connect(ended);
+        return worker.data.enqueue(job, priority === undefined ? 10 : priority);
+    }
+}

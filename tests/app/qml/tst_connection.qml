@@ -1,0 +1,40 @@
+import QtQuick 2.15
+import QtTest 1.15
+import VRNConfigTool 1.0
+import "qrc:/vrnconfigtool"
+
+// Opening a bus, and discovery with its summary.
+TestCase {
+    id: testCase
+    name: "Connection"
+    when: windowShown
+
+    Jobs { id: jobs }
+    property ObjectQueryModel devices: ObjectFactory.createQueryModel(this)
+    ConnectionView { id: view; devices: testCase.devices; jobs: jobs; width: 600; height: 500 }
+
+    function test_1_badBusShowsLibraryText() {
+        verify(!view.openMCast("not a group", 47001, "127.0.0.1"))
+        compare(view.lastError, BusFactory.lastError)
+        verify(view.lastError.indexOf("Failed to parse MultiCast URI") === 0, view.lastError)
+        compare(BusFactory.busUUID, "loopback")   // the open bus stays
+    }
+
+    function test_2_discoverySummary() {
+        verify(view.discover())
+        tryCompare(view, "discovering", false, 5000)
+        compare(view.foundCount, 8)
+        compare(view.newCount + view.knownCount, 8)
+        compare(view.missingCount, 0)
+        compare(devices.rowCount(), 8)
+
+        simulator.unplug(simulator.numbers()[0])
+        verify(view.discover())
+        tryCompare(view, "discovering", false, 5000)
+        compare(view.foundCount, 7)
+        compare(view.newCount, 0)
+        compare(view.knownCount, 7)
+        compare(view.missingCount, 1)
+        simulator.unplug(simulator.numbers()[0], false)
+    }
+}

@@ -1,0 +1,65 @@
+// The application's QML logic (tests in qml/), run against simulated devices
+// on the in-process wire. `simulator` lets a test look at or change a node.
+#include "appfixture.h"
+#include "vrnconfigtoolqml.h"
+
+#include "simnode.h"
+
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QtQuickTest>
+
+class Simulator : public QObject
+{
+    Q_OBJECT
+public:
+    /// The label node `number` holds.
+    Q_INVOKABLE QString label(int number) const
+    {
+        SimNode* node = m_network->net.node(quint32(number));
+        return node ? QString::fromUtf8(node->label()) : QString();
+    }
+    /// Makes node `number` stop answering, as an unplugged device would.
+    Q_INVOKABLE void unplug(int number, bool gone = true)
+    {
+        if (SimNode* node = m_network->net.node(quint32(number)))
+            node->setSilent(gone);
+    }
+    /// Node numbers, in the order the nodes were added.
+    Q_INVOKABLE QVariantList numbers() const
+    {
+        QVariantList out;
+        for (SimNode* node : m_network->net.nodes())
+            out.append(node->number());
+        return out;
+    }
+
+public slots:
+    void applicationAvailable()
+    {
+        AppFixture::redirectUserFolders(m_home);
+        QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    }
+    void qmlEngineAvailable(QQmlEngine* engine)
+    {
+        if (!m_network)
+            m_network.reset(new AppFixture::Network(QStringLiteral("std:3,motor:2,tx30:1,tx50dc:1,settingtool:1")));
+        VRNConfigToolQml::load(engine);
+        engine->rootContext()->setContextProperty(QStringLiteral("simulator"), this);
+        engine->rootContext()->setContextProperty(QStringLiteral("startBusUUID"), QString());
+    }
+
+    void cleanupTestCase()
+    {
+        m_network.reset();
+        AppFixture::destroySingletons();
+    }
+
+private:
+    QTemporaryDir m_home;
+    QScopedPointer<AppFixture::Network> m_network;
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(tst_appqml, Simulator)
+#include "tst_appqml.moc"

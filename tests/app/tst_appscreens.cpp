@@ -1,0 +1,246 @@
+// The application on a simulated network of 30 devices of every kind,
+// offscreen: each main view opened and checked, and saved as a PNG under
+// the build folder (screenshots/).
+#include "appengine.h"
+#include "appfixture.h"
+
+#include "objectfactory.h"
+#include "settings.h"
+#include "simnode.h"
+
+#include <QDir>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickItemGrabResult>
+#include <QQuickWindow>
+#include <QtTest>
+
+class tst_AppScreens : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void connection();
+    void devices();
+    void motor();
+    void actions();
+    void traffic();
+
+private:
+    QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
+    QObject* panel() const { return view("devicesView")->property("panel").value<QObject*>(); }
+    QVariant call(QObject* object, const char* method, const QVariant& a = {}, const QVariant& b = {});
+    QVariant proxy(const char* field) const { return panel()->property("proxy").toMap().value(field); }
+    QVariant runtime(const char* field) const { return panel()->property("runtime").toMap().value(field); }
+    int firstRowOfType(int type);
+    QVariantMap values(int row) const;
+    /// The delegate showing `row`, scrolled into view.
+    QQuickItem* rowItem(int row);
+    void show(const char* name);
+    void save(const QString& name);
+
+    QTemporaryDir m_home;
+    QScopedPointer<AppFixture::Network> m_network;
+    QScopedPointer<QQmlApplicationEngine> m_engine;
+    QQuickWindow* m_window = nullptr;
+};
+
+void tst_AppScreens::initTestCase()
+{
+    AppFixture::redirectUserFolders(m_home);
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    // The bus of the last run is reopened at start; when it fails, the
+    // library's text is what the user sees.
+    Settings::instance()->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:/dev/vrn-unplugged"));
+    m_engine.reset(new QQmlApplicationEngine);
+    QString error;
+    QVERIFY2(AppEngine::start(*m_engine, QString(), &error), qPrintable(error));
+    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().first());
+    QVERIFY(m_window);
+    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    const QString shown = m_window->findChild<QObject*>(QStringLiteral("statusMessage"))->property("text").toString();
+    QVERIFY(!BusFactory::instance()->lastError().isEmpty());
+    QCOMPARE(shown, BusFactory::instance()->lastError());
+
+    m_network.reset(new AppFixture::Network(
+        QStringLiteral("std:5,motor:5,dcmotor:5,lru50:4,tx50dc:4,tx30:4,settingtool:2"), 20));
+    // A standard node on a motor's number: two devices, one node number.
+    m_network->net.addNode(SimNode::Std, m_network->net.nodes().at(5)->number());
+    QCOMPARE(m_network->net.nodes().size(), 30);
+    QDir().mkpath(QStringLiteral(VRN_SCREENSHOT_DIR));
+}
+
+void tst_AppScreens::cleanupTestCase()
+{
+    m_engine.reset();
+    m_network.reset();
+    AppFixture::destroySingletons();
+}
+
+QVariant tst_AppScreens::call(QObject* object, const char* method, const QVariant& a, const QVariant& b)
+{
+    QVariant result;
+    const bool ok = b.isValid()
+        ? QMetaObject::invokeMethod(object, method, Q_RETURN_ARG(QVariant, result), Q_ARG(QVariant, a), Q_ARG(QVariant, b))
+        : a.isValid() ? QMetaObject::invokeMethod(object, method, Q_RETURN_ARG(QVariant, result), Q_ARG(QVariant, a))
+                      : QMetaObject::invokeMethod(object, method, Q_RETURN_ARG(QVariant, result));
+    if (!ok)
+        qWarning("[tst_AppScreens]: no method %s", method);
+    return result;
+}
+
+QVariantMap tst_AppScreens::values(int row) const
+{
+    QVariantMap values;
+    QMetaObject::invokeMethod(m_window->property("devices").value<QObject*>(), "get",
+                              Q_RETURN_ARG(QVariantMap, values), Q_ARG(int, row));
+    return values;
+}
+
+int tst_AppScreens::firstRowOfType(int type)
+{
+    const int rows = view("devicesView")->property("deviceCount").toInt();
+    for (int row = 0; row < rows; ++row) {
+        if (values(row).value(QStringLiteral("type")).toInt() == type)
+            return row;
+    }
+    return -1;
+}
+
+QQuickItem* tst_AppScreens::rowItem(int row)
+{
+    auto* list = view("devicesView")->property("list").value<QQuickItem*>();
+    QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 3 /* ListView.Contain */));
+    QQuickItem* item = nullptr;
+    const bool shown = QTest::qWaitFor([&] {
+        QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, row));
+        return item && item->isVisible();
+    });
+    return shown ? item : nullptr;
+}
+
+void tst_AppScreens::show(const char* name)
+{
+    call(m_window, "showView", QString::fromLatin1(name));
+    QTest::qWait(50);
+}
+
+void tst_AppScreens::save(const QString& name)
+{
+    QTest::qWait(100);
+    // The software renderer grabs items, not offscreen windows.
+    const QSharedPointer<QQuickItemGrabResult> grab = m_window->contentItem()->grabToImage();
+    QVERIFY(grab);
+    bool ready = false;
+    connect(grab.data(), &QQuickItemGrabResult::ready, this, [&ready] { ready = true; });
+    QTRY_VERIFY(ready);
+    const QImage image = grab->image();
+    QCOMPARE(image.size(), m_window->size());
+    QVERIFY(image.save(QStringLiteral(VRN_SCREENSHOT_DIR "/") + name + QStringLiteral(".png")));
+}
+
+void tst_AppScreens::connection()
+{
+    show("connection");
+    QObject* connection = view("connectionView");
+    QVERIFY(call(connection, "discover").toBool());
+    QTRY_COMPARE_WITH_TIMEOUT(connection->property("discovering").toBool(), false, 10000);
+    QCOMPARE(connection->property("foundCount").toInt(), 30);
+    QCOMPARE(view("devicesView")->property("deviceCount").toInt(), 30);
+    QCOMPARE(m_window->findChild<QObject*>(QStringLiteral("discoverySummary"))->property("text").toString(),
+             QStringLiteral("30 found: 30 new, 0 already known, 0 missing"));
+    save(QStringLiteral("connection"));
+}
+
+// A DC motor's panel: a label written, then read back from the device.
+void tst_AppScreens::devices()
+{
+    show("devices");
+    QObject* devicesView = view("devicesView");
+    const int row = firstRowOfType(6); // a TX30: a DC motor
+    QVERIFY(row >= 0);
+    // Both devices on one node number are flagged, no other.
+    QList<int> flagged;
+    for (int r = 0; r < 30; ++r) {
+        QQuickItem* item = rowItem(r);
+        QVERIFY(item);
+        if (item->property("duplicate").toBool())
+            flagged.append(r);
+    }
+    QCOMPARE(flagged.size(), 2);
+    QCOMPARE(values(flagged.at(0)).value(QStringLiteral("nodeID")), values(flagged.at(1)).value(QStringLiteral("nodeID")));
+
+    // A real click on the row, where the window renders.
+    QQuickItem* clicked = rowItem(row);
+    QVERIFY(clicked);
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, clicked->mapToScene(QPointF(20, 10)).toPoint());
+    QCOMPARE(devicesView->property("selectedCount").toInt(), 1);
+    QTRY_VERIFY(clicked->property("selected").toBool());
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
+    QVERIFY(proxy("upRollingSpeed").isValid());
+
+    QObject* labelEdit = m_window->findChild<QObject*>(QStringLiteral("labelEdit"));
+    labelEdit->setProperty("text", QStringLiteral("Living room"));
+    QStringList pending;
+    for (const QVariant& job : panel()->property("pendingJobs").toList())
+        pending.append(job.toList().value(0).toString());
+    QVERIFY2(pending == QStringList{QStringLiteral("SetLabelJob")}, qPrintable(pending.join(QLatin1Char(' ')) + QStringLiteral(" %1 %2").arg(m_window->findChild<QObject*>(QStringLiteral("upSpeedEdit"))->property("value").toInt()).arg(proxy("upRollingSpeed").toInt())));
+    QCOMPARE(call(panel(), "writePending").toInt(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(proxy("label").toString(), QStringLiteral("Living room"), 5000);
+    panel()->setProperty("uuid", QVariant());
+    call(devicesView, "clickRow", row, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(proxy("label").toString(), QStringLiteral("Living room"), 5000);
+    QTRY_COMPARE(labelEdit->property("text").toString(), QStringLiteral("Living room"));
+    save(QStringLiteral("devices"));
+}
+
+// The same motor moves: the position shown changes while it runs.
+void tst_AppScreens::motor()
+{
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
+    QVERIFY(runtime("posPulse").isValid());
+    const int before = runtime("posPulse").toInt();
+    call(panel(), "move", before > 30000 ? 0 : 1, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(panel()->property("watching").toBool(), 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(runtime("posPulse").toInt() != before, 5000);
+    save(QStringLiteral("motor"));
+    call(panel(), "move", 255, 0);
+}
+
+void tst_AppScreens::actions()
+{
+    QObject* devicesView = view("devicesView");
+    QObject* selection = devicesView->property("selection").value<QObject*>();
+    QMetaObject::invokeMethod(selection, "clear");
+    QMetaObject::invokeMethod(selection, "setItems", Q_ARG(ObjectFactory::DevicesTableColumn, ObjectFactory::TypeColumn),
+                              Q_ARG(QVariant, 2));
+    QCOMPARE(selection->property("rowCount").toUInt(), 5u);
+    show("actions");
+    QObject* actions = view("actionsView");
+    QCOMPARE(call(actions, "runOnSelection", 3).toInt(), 5); // wink
+    QTRY_COMPARE_WITH_TIMEOUT(actions->property("pending").toInt(), 0, 5000);
+    QObject* results = actions->property("results").value<QObject*>();
+    QCOMPARE(results->property("count").toInt(), 5);
+    save(QStringLiteral("actions"));
+}
+
+void tst_AppScreens::traffic()
+{
+    show("traffic");
+    QObject* traffic = view("trafficView");
+    const int all = traffic->property("count").toInt();
+    QVERIFY(all > 30);
+    const SimNode* node = m_network->net.nodes().first();
+    m_window->findChild<QObject*>(QStringLiteral("nodeFilter"))
+        ->setProperty("text", QString::number(node->number(), 16));
+    QTRY_VERIFY(traffic->property("count").toInt() < all);
+    QVERIFY(traffic->property("count").toInt() > 0);
+    save(QStringLiteral("traffic"));
+}
+
+QTEST_MAIN(tst_AppScreens)
+#include "tst_appscreens.moc"
