@@ -10,6 +10,8 @@
 #include "setgroupsjob.h"
 #include "setlabeljob.h"
 #include "setnodediscoveryjob.h"
+#include "getnetworkstatsjob.h"
+#include "setnetworkstatsjob.h"
 
 // motors
 #include "visualfeedbackjob.h"
@@ -27,6 +29,7 @@
 #include "setspeedjob.h"
 #include "getrampjob.h"
 #include "setrampjob.h"
+#include "getmotordiagnosticjob.h"
 
 #include "busdiscovertask.h"
 #include "getfwversiontask.h"
@@ -36,6 +39,8 @@
 #include "setgroupstask.h"
 #include "setlabeltask.h"
 #include "stdsetnodediscoverytask.h"
+#include "getnetworkstatstask.h"
+#include "setnetworkstatstask.h"
 
 // motors
 #include "motorctrlwinktask.h"
@@ -53,6 +58,7 @@
 #include "setspeedtask.h"
 #include "getramptask.h"
 #include "setramptask.h"
+#include "getmotordiagnostictask.h"
 
 #include "jobregistration.h"
 #include "vrnbus.h"
@@ -75,6 +81,8 @@ const JobRegistration jobs[] = {
     JobRegistration(SetGroupsJob::staticMetaObject),
     JobRegistration(GetLabelJob::staticMetaObject),
     JobRegistration(SetLabelJob::staticMetaObject),
+    JobRegistration(GetNetworkStatsJob::staticMetaObject),
+    JobRegistration(SetNetworkStatsJob::staticMetaObject),
     JobRegistration(VisualFeedbackJob::staticMetaObject),
     JobRegistration(MotorControlJob::staticMetaObject),
     JobRegistration(MotorCtrlMoveJob::staticMetaObject),
@@ -90,6 +98,7 @@ const JobRegistration jobs[] = {
     JobRegistration(SetSpeedJob::staticMetaObject),
     JobRegistration(GetRampJob::staticMetaObject),
     JobRegistration(SetRampJob::staticMetaObject),
+    JobRegistration(GetMotorDiagnosticJob::staticMetaObject),
 };
 
 const WorkerRegistration bindings[] = {
@@ -100,6 +109,8 @@ const WorkerRegistration bindings[] = {
     bind<SetGroupsJob, VRNStdObject, SetGroupsTask>(),
     bind<GetLabelJob, VRNStdObject, GetLabelTask>(),
     bind<SetLabelJob, VRNStdObject, SetLabelTask>(),
+    bind<GetNetworkStatsJob, VRNStdObject, GetNetworkStatsTask>(),
+    bind<SetNetworkStatsJob, VRNStdObject, SetNetworkStatsTask>(),
     bind<VisualFeedbackJob, VRNMotorObject, MotorCtrlWinkTask>(),
     bind<MotorControlJob, VRNMotorObject, MotorControlTask>(),
     bind<MotorCtrlMoveJob, VRNMotorObject, MotorCtrlMoveTask>(),
@@ -115,6 +126,7 @@ const WorkerRegistration bindings[] = {
     bind<SetSpeedJob, VRNDCMotorObject, SetSpeedTask>(),
     bind<GetRampJob, VRNDCMotorObject, GetRampTask>(),
     bind<SetRampJob, VRNDCMotorObject, SetRampTask>(),
+    bind<GetMotorDiagnosticJob, VRNMotorObject, GetMotorDiagnosticTask>(),
 };
 
 } // namespace

@@ -84,17 +84,8 @@ void DeviceTask::onCallFinished()
     // An aborted task still hears of the call it cancelled.
     if (!isRunning() || !checkObject())
         return;
-    switch (d->watcher.error()) {
-    case BusPendingCall::NoError:
-        break;
-    case BusPendingCall::TimeoutError:
-        fail(translated(QT_TR_NOOP("Timeout error")));
-        return;
-    case BusPendingCall::BusNotAvailableError:
-        fail(translated(QT_TR_NOOP("Bus not available")));
-        return;
-    default:
-        fail(failedText());
+    if (d->watcher.error() != BusPendingCall::NoError) {
+        treatBusPendingCallError(d->watcher.error());
         return;
     }
     const BusMessage frame = d->watcher.reply();
@@ -104,21 +95,56 @@ void DeviceTask::onCallFinished()
         fail(translated(QT_TR_NOOP("Invalid message(%1)")).arg(QString::fromLatin1(frame.data().toHex().toUpper())));
         return;
     }
-    if (reply.cmd() == DTS::Nack) {
+    if (d->stepTestsNack && reply.cmd() == DTS::Nack) {
         fail(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
     onReply(reply);
 }
 
+void DeviceTask::treatBusPendingCallError(const BusPendingCall::Error& error)
+{
+    switch (error) {
+    case BusPendingCall::TimeoutError:
+        failCall(error, translated(QT_TR_NOOP("Timeout error")));
+        break;
+    case BusPendingCall::BusNotAvailableError:
+        failCall(error, translated(QT_TR_NOOP("Bus not available")));
+        break;
+    default:
+        failCall(error, failedText());
+        break;
+    }
+}
+
+void DeviceTask::failCall(const BusPendingCall::Error& error, const QString& text)
+{
+    switch (error) {
+    case BusPendingCall::TimeoutError:
+    case BusPendingCall::WriteError:
+    case BusPendingCall::BusNotAvailableError:
+        failTransient(text);
+        break;
+    default:
+        fail(text);
+        break;
+    }
+}
+
 void DeviceTask::onReply(const VRNMessage& reply)
 {
-    failUnexpected(reply);
+    Q_D(DeviceTask);
+    if (!d->stepParser) {
+        failUnexpected(reply);
+        return;
+    }
+    if (!d->stepParser(reply) && isRunning())
+        failUnexpected(reply);
 }
 
 quint8 DeviceTask::expectedReply() const
 {
-    return DTS::Ack;
+    return d_func()->stepExpected;
 }
 
 QString DeviceTask::failedText() const
@@ -204,6 +230,21 @@ void DeviceTask::leaveOnReply(QState* from, QAbstractState* to)
 {
     // Connected after onCallFinished(): the reply is checked before the machine moves.
     from->addTransition(&d_func()->watcher, &BusPendingCallWatcher::finished, to);
+}
+
+void DeviceTask::chainOnReply(const QList<QState*>& steps, QAbstractState* end)
+{
+    for (int i = 0; i < steps.size(); ++i)
+        leaveOnReply(steps.at(i), i + 1 < steps.size() ? steps.at(i + 1) : end);
+}
+
+void DeviceTask::sendStep(const BusPendingCall& call, quint8 expected, StepParser parse, bool testNack)
+{
+    Q_D(DeviceTask);
+    d->stepParser = std::move(parse);
+    d->stepExpected = expected;
+    d->stepTestsNack = testNack;
+    watch(call);
 }
 
 bool DeviceTask::isIn(const QAbstractState* state) const
