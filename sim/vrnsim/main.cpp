@@ -71,6 +71,8 @@ int main(int argc, char* argv[])
         return fail(QStringLiteral("--devices: ") + error, 2);
     network.addDuplicates(options.duplicates);
     network.setSilentCount(options.silent);
+    for (SimNode* node : network.nodes())
+        node->setEncoderFault(options.encoderFaults);
     network.setLoss(options.loss);
     network.setCorrupt(options.corrupt);
     network.setLatency(options.latencyMs);

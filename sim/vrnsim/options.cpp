@@ -82,6 +82,8 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         {QStringLiteral("baud"), QStringLiteral("Take the time of a serial line at N baud (11 bits a byte)."),
          QStringLiteral("N")},
         {QStringLiteral("silent"), QStringLiteral("N nodes that never answer."), QStringLiteral("N")},
+        {QStringLiteral("encoder-faults"), QStringLiteral("Every N-th move of a motor counts an encoder error "
+                                                          "(default 0: never)."), QStringLiteral("N")},
         {QStringLiteral("time-scale"), QStringLiteral("Run simulated time X times as fast as real time, moves "
                                                       "and line timing alike (default 1)."), QStringLiteral("X")},
         {QStringLiteral("reply-window"), QStringLiteral("Span in ms within which nodes answer a broadcast "
@@ -128,6 +130,7 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         && readInt(parser, QStringLiteral("latency"), 0, 60000, &latencyMs, error)
         && readInt(parser, QStringLiteral("baud"), 50, 4000000, &baud, error)
         && readInt(parser, QStringLiteral("silent"), 0, 1000000, &silent, error)
+        && readInt(parser, QStringLiteral("encoder-faults"), 0, 1000000, &encoderFaults, error)
         && readInt(parser, QStringLiteral("reply-window"), 0, 60000, &replyWindowMs, error)
         && readNumber(parser, QStringLiteral("time-scale"), 0.01, 10000.0, &timeScale, error,
                       [](const QString& t, bool* ok) { return t.toDouble(ok); });

@@ -95,30 +95,34 @@ void SetNetworkStatsTask::guardUpdate()
         Q_EMIT doneSignal();
 }
 
+template <class Stat>
+void SetNetworkStatsTask::readBack(const BusPendingCall& call, quint8 expected,
+                                   bool (DTSStdProxy::*parse)(const BusMessage&, Stat&) const,
+                                   Stat RuntimeDataData::*field, bool& read)
+{
+    sendStep(call, expected, [this, parse, field, &read](const BusMessage& m) {
+        RuntimeData runtime = object()->proxyRuntime();
+        if (!(node()->*parse)(m, runtime.data().*field))
+            return false;
+        object()->updateProxyRuntime(runtime);
+        return read = true;
+    });
+}
+
 void SetNetworkStatsTask::updateNetworkStats()
 {
     Q_D(SetNetworkStatsTask);
     if (checkObject())
-        sendStep(node()->getNetworkStat(), DTS::PostNetworkStat, [this, d](const BusMessage& m) {
-            RuntimeData runtime = object()->proxyRuntime();
-            if (!node()->getNetworkStatReply(m, runtime.data().networkStat))
-                return false;
-            object()->updateProxyRuntime(runtime);
-            return d->networkRead = true;
-        });
+        readBack(node()->getNetworkStat(), DTS::PostNetworkStat, &DTSStdProxy::getNetworkStatReply,
+                 &RuntimeDataData::networkStat, d->networkRead);
 }
 
 void SetNetworkStatsTask::updateErrorStats()
 {
     Q_D(SetNetworkStatsTask);
     if (checkObject())
-        sendStep(node()->getNetworkErrorStat(), DTS::PostNetworkErrorStat, [this, d](const BusMessage& m) {
-            RuntimeData runtime = object()->proxyRuntime();
-            if (!node()->getNetworkErrorStatReply(m, runtime.data().networkErrorStat))
-                return false;
-            object()->updateProxyRuntime(runtime);
-            return d->errorsRead = true;
-        });
+        readBack(node()->getNetworkErrorStat(), DTS::PostNetworkErrorStat, &DTSStdProxy::getNetworkErrorStatReply,
+                 &RuntimeDataData::networkErrorStat, d->errorsRead);
 }
 
 void SetNetworkStatsTask::end()

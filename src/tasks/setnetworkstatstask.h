@@ -58,6 +58,12 @@ protected:
 private:
     void buildMachine();
     void reset(unsigned char counters);
+    /// Sends `call` and stores the counters `parse` reads into `field` of the
+    /// proxy runtime record; `read` is set once they are stored.
+    template <class Stat>
+    void readBack(const BusPendingCall& call, quint8 expected,
+                  bool (DTSStdProxy::*parse)(const BusMessage&, Stat&) const, Stat RuntimeDataData::*field,
+                  bool& read);
     Q_DECLARE_PRIVATE(SetNetworkStatsTask)
 };
 
