@@ -64,9 +64,9 @@ private slots:
 
 private:
     Job::Error run(VRNObjectWorker& worker, Job& job);
-    /// From request `step` (1 = the first) on the node is silent; `reply`, when
+    /// From request `step` (1 = the first) on `node` is silent; `reply`, when
     /// not empty, answers request `step` instead.
-    void faultAt(int step, const QByteArray& reply);
+    void faultAt(SimNode* node, int step, const QByteArray& reply);
     QList<quint8> sentCodes() const;
 
     QScopedPointer<Wire> m_wire;
@@ -110,17 +110,17 @@ Job::Error tst_DiagTasks::run(VRNObjectWorker& worker, Job& job)
     return job.error();
 }
 
-void tst_DiagTasks::faultAt(int step, const QByteArray& reply)
+void tst_DiagTasks::faultAt(SimNode* node, int step, const QByteArray& reply)
 {
     // The network answers inside the transmission: silence the node after
     // the request before `step` has been answered.
     if (step == 1)
-        m_sim->setSilent(true);
+        node->setSilent(true);
     auto count = QSharedPointer<int>::create(0);
-    connect(m_wire->bus, &VRNLoopbackBus::transmitted, this, [this, count, step, reply] {
+    connect(m_wire->bus, &VRNLoopbackBus::transmitted, this, [this, node, count, step, reply] {
         ++*count;
         if (*count == step - 1)
-            m_sim->setSilent(true);
+            node->setSilent(true);
         if (*count == step && !reply.isEmpty())
             QTimer::singleShot(0, m_wire->bus, [this, reply] { m_wire->bus->inject(reply); });
     });
@@ -198,7 +198,7 @@ void tst_DiagTasks::diagnosticFailures()
     else if (step == 0)
         m_wire->bus->failWrites = true;
     else
-        faultAt(step, reply);
+        faultAt(m_sim, step, reply);
     const RuntimeData before = m_motor->proxyRuntime();
 
     GetMotorDiagnosticJob job;
@@ -234,16 +234,7 @@ void tst_DiagTasks::networkStats()
     m_simStd->setNetworkErrorStat(errors);
     if (badStep) {
         const quint8 code = badStep == 1 ? DTS::PostNetworkStat : DTS::PostNetworkErrorStat;
-        const QByteArray bad = nodeFrame(code, m_simStd->address(), QByteArray(3, '\0'));
-        auto count = QSharedPointer<int>::create(0);
-        connect(m_wire->bus, &VRNLoopbackBus::transmitted, this, [=] {
-            if (++*count == badStep - 1)
-                m_simStd->setSilent(true);
-            if (*count == badStep)
-                QTimer::singleShot(0, m_wire->bus, [=] { m_wire->bus->inject(bad); });
-        });
-        if (badStep == 1)
-            m_simStd->setSilent(true);
+        faultAt(m_simStd, badStep, nodeFrame(code, m_simStd->address(), QByteArray(3, '\0')));
     }
     const RuntimeData before = m_std->proxyRuntime();
 
