@@ -43,9 +43,10 @@ class TstVrnConfig : public QObject
     }
 
     QJsonArray jsonArray(const QByteArray& out) { return QJsonDocument::fromJson(out).array(); }
-    QJsonObject jsonLine(const QByteArray& out, int line = 0)
+    // One device's result in a run's document.
+    QJsonObject result(const QByteArray& out, int i = 0)
     {
-        return QJsonDocument::fromJson(out.split('\n').value(line)).object();
+        return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(i).toObject();
     }
 
 private slots:
@@ -157,7 +158,7 @@ private slots:
 
         Result r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), uuid});
         QCOMPARE(r.code, 0);
-        QJsonObject o = jsonLine(r.out);
+        QJsonObject o = result(r.out);
         QCOMPARE(o.value(QStringLiteral("ok")).toBool(), true);
         const QString before = o.value(QStringLiteral("label")).toString();
         QVERIFY(!before.isEmpty());
@@ -166,7 +167,7 @@ private slots:
         QCOMPARE(r.code, 0);
         r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), node});
         QCOMPARE(r.code, 0);
-        QCOMPARE(jsonLine(r.out).value(QStringLiteral("label")).toString(), QStringLiteral("Hall 2"));
+        QCOMPARE(result(r.out).value(QStringLiteral("label")).toString(), QStringLiteral("Hall 2"));
 
         // The registry keeps what was read.
         r = run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("label")});
@@ -183,7 +184,7 @@ private slots:
         QCOMPARE(r.code, 0);
         r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("1")});
         QCOMPARE(r.code, 0);
-        const QJsonArray groups = jsonLine(r.out).value(QStringLiteral("groups")).toArray();
+        const QJsonArray groups = result(r.out).value(QStringLiteral("groups")).toArray();
         QCOMPARE(groups.size(), 16);
         QCOMPARE(groups.at(0).toInt(), 0x0F0001);
         QCOMPARE(groups.at(1).toInt(), 7);
@@ -196,7 +197,7 @@ private slots:
         const Result r = run({QStringLiteral("--json"), QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
                               QStringLiteral("0x10"), QStringLiteral("0xFFFFFF"), QStringLiteral("0x30")});
         QCOMPARE(r.code, 1);
-        const QJsonObject o = jsonLine(r.out);
+        const QJsonObject o = result(r.out);
         QCOMPARE(o.value(QStringLiteral("ok")).toBool(), false);
         QCOMPARE(o.value(QStringLiteral("slot")).toInt(), 1);
         QVERIFY2(o.value(QStringLiteral("error")).toString().startsWith(QLatin1String("group slot 1 refused: Nack(")), r.out.constData());
@@ -245,8 +246,8 @@ private slots:
         Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), QStringLiteral("mcast:239.255.77.4:47704:127.0.0.1"),
                         QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1"), QStringLiteral("2")});
         QCOMPARE(r.code, 1);
-        QCOMPARE(jsonLine(r.out, 0).value(QStringLiteral("error")).toString(), QStringLiteral("Timeout error"));
-        QCOMPARE(jsonLine(r.out, 1).value(QStringLiteral("ok")).toBool(), false);
+        QCOMPARE(result(r.out, 0).value(QStringLiteral("error")).toString(), QStringLiteral("Timeout error"));
+        QCOMPARE(result(r.out, 1).value(QStringLiteral("ok")).toBool(), false);
         // --bus served that run only: the remembered bus still answers.
         r = run({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1")});
         QCOMPARE(r.code, 0);

@@ -2,6 +2,7 @@
 // motor (TX30) simulated on their own multicast group at ten times real
 // time; settings and registry in a temporary folder.
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -36,7 +37,12 @@ class TstVrnConfigMotor : public QObject
                 p.readAllStandardError()};
     }
     Result run(const QString& line) { return run(line.split(QLatin1Char(' '))); }
-    static QJsonObject json(const QByteArray& out, int line = 0)
+    // The first device's result in a run's document.
+    static QJsonObject json(const QByteArray& out)
+    {
+        return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(0).toObject();
+    }
+    static QJsonObject jsonLine(const QByteArray& out, int line)
     {
         return QJsonDocument::fromJson(out.trimmed().split('\n').value(line)).object();
     }
@@ -112,7 +118,7 @@ private slots:
         QCOMPARE(r.code, 0);
         const QList<QByteArray> lines = r.out.trimmed().split('\n');
         QVERIFY2(lines.size() >= 2, r.out.constData());  // it was seen moving
-        QCOMPARE(json(r.out, lines.size() - 1).value(QStringLiteral("percent")).toInt(), 50);
+        QCOMPARE(jsonLine(r.out, lines.size() - 1).value(QStringLiteral("percent")).toInt(), 50);
         QCOMPARE(json(run(QStringLiteral("get position node:0x102 --json")).out)
                      .value(QStringLiteral("position")).toObject().value(QStringLiteral("percent")).toInt(), 50);
     }

@@ -15,6 +15,7 @@ int main(int argc, char** argv)
         QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.warning=false"));
     QCoreApplication::setOrganizationName(QStringLiteral("Velmo"));
     QCoreApplication::setApplicationName(QStringLiteral("vrnconfig"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VRNCONFIG_VERSION));
     VrnConfigCli cli;
     QObject::connect(&cli, &VrnConfigCli::done, &app, &QCoreApplication::exit, Qt::QueuedConnection);
     const int code = cli.start(app.arguments()) ? app.exec() : cli.exitCode();

@@ -2,6 +2,8 @@
 // settings, factory defaults and watching a move. Each runs the library's
 // motor jobs on the device's worker; values are checked before anything is
 // sent.
+#include "command.h"
+#include "devicerunner.h"
 #include "vrnconfigcli.h"
 
 #include "getdirectionjob.h"
@@ -25,13 +27,21 @@
 #include "workqueue.h"
 
 #include <QJsonArray>
-#include <QTextStream>
 #include <QTimer>
 
-#include <cstdio>
-#include <unistd.h>
-
 namespace {
+
+using Cli = VrnConfigCli;
+using OldReader = std::function<void(VRNStdObject&, QJsonObject&, QString&)>;
+
+// A reader of the values a motor job left on its device.
+DeviceRunner::ValueReader reader(OldReader read)
+{
+    return [read](DeviceRun& run, QString&) {
+        read(*run.device, run.result, run.line);
+        return true;
+    };
+}
 
 constexpr int MinSpeed = 6;
 constexpr int MaxSpeed = 28;
@@ -46,7 +56,7 @@ constexpr int WatchStableReads = 3;
 using Make = std::function<QmlJob*()>;
 
 // A job for motors only (or DC motors only): none for other devices.
-std::function<QmlJob*(VRNStdObject&)> forMotor(Make make, bool dcOnly = false)
+DeviceRunner::JobFactory forMotor(Make make, bool dcOnly = false)
 {
     return [make, dcOnly](VRNStdObject& o) -> QmlJob* {
         const bool fits = dcOnly ? qobject_cast<VRNDCMotorObject*>(&o) != nullptr
@@ -133,21 +143,20 @@ QString onOff(quint8 status, quint8 value)
     return status ? QStringLiteral("on %1").arg(value) : QStringLiteral("off (%1)").arg(value);
 }
 
-} // namespace
-
-void VrnConfigCli::cmdWink(const QStringList& args)
+void wink(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
     if (args.isEmpty())
-        return fail(Usage, tr("wink needs at least one DEVICE"));
-    if (!resolveDevices(args, uuids) || !openBus())
+        return cli.fail(Cli::Usage, Cli::tr("wink needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
         return;
-    runOnDevices(uuids, forMotor([] { return new VisualFeedbackJob; }),
-                 [](VRNStdObject&, QJsonObject&, QString& line) { line = QStringLiteral("winked"); }, false,
-                 notA(false));
+    (new DeviceRunner(cli))->runJobs(uuids, forMotor([] { return new VisualFeedbackJob; }), [](DeviceRun& run, QString&) {
+        run.line = QStringLiteral("winked");
+        return true;
+    }, notA(false));
 }
 
-void VrnConfigCli::cmdMove(const QStringList& args)
+void move(Cli& cli, const QStringList& args)
 {
     static const QStringList verbs{QStringLiteral("up"), QStringLiteral("down"), QStringLiteral("stop"),
                                    QStringLiteral("to"), QStringLiteral("to-pulse"), QStringLiteral("to-ip"),
@@ -156,12 +165,12 @@ void VrnConfigCli::cmdMove(const QStringList& args)
     while (at < args.size() && !verbs.contains(args.at(at)))
         ++at;
     if (at == 0 || at == args.size())
-        return fail(Usage, tr("move needs DEVICE... and up, down, stop, to PERCENT, to-pulse N, to-ip INDEX or by PULSES"));
+        return cli.fail(Cli::Usage, Cli::tr("move needs DEVICE... and up, down, stop, to PERCENT, to-pulse N, to-ip INDEX or by PULSES"));
     const QString verb = args.at(at);
     const bool needsValue = at < args.size() && verb != QLatin1String("up") && verb != QLatin1String("down")
         && verb != QLatin1String("stop");
     if (args.size() != at + 1 + int(needsValue))
-        return fail(Usage, needsValue ? tr("move %1 takes one value").arg(verb) : tr("move %1 takes no value").arg(verb));
+        return cli.fail(Cli::Usage, needsValue ? Cli::tr("move %1 takes one value").arg(verb) : Cli::tr("move %1 takes no value").arg(verb));
     qint64 value = 0;
     int command = MotorControlTask::Stop;
     if (verb == QLatin1String("up")) {
@@ -170,102 +179,66 @@ void VrnConfigCli::cmdMove(const QStringList& args)
         command = MotorControlTask::ToDownLimit;
     } else if (verb == QLatin1String("to")) {
         if (!readInt(args.last(), 0, 100, value))
-            return fail(Usage, tr("move to takes a percent from 0 to 100: %1").arg(args.last()));
+            return cli.fail(Cli::Usage, Cli::tr("move to takes a percent from 0 to 100: %1").arg(args.last()));
         command = MotorControlTask::ToPercent;
     } else if (verb == QLatin1String("to-pulse")) {
         if (!readInt(args.last(), 0, MaxPulse, value))
-            return fail(Usage, tr("move to-pulse takes pulses from 0 to %1: %2").arg(MaxPulse).arg(args.last()));
+            return cli.fail(Cli::Usage, Cli::tr("move to-pulse takes pulses from 0 to %1: %2").arg(MaxPulse).arg(args.last()));
         command = MotorControlTask::ToPulse;
     } else if (verb == QLatin1String("to-ip")) {
         if (!readInt(args.last(), 0, MaxIpIndex, value))
-            return fail(Usage, tr("move to-ip takes an index from 0 to %1: %2").arg(MaxIpIndex).arg(args.last()));
+            return cli.fail(Cli::Usage, Cli::tr("move to-ip takes an index from 0 to %1: %2").arg(MaxIpIndex).arg(args.last()));
         command = MotorControlTask::ToIP;
     } else if (verb == QLatin1String("by")) {
         if (!readInt(args.last(), -MaxPulse, MaxPulse, value))
-            return fail(Usage, tr("move by takes pulses from -%1 to %1: %2").arg(MaxPulse).arg(args.last()));
+            return cli.fail(Cli::Usage, Cli::tr("move by takes pulses from -%1 to %1: %2").arg(MaxPulse).arg(args.last()));
     }
     QList<VRNObject::UUID> uuids;
-    if (!resolveDevices(args.mid(0, at), uuids) || !openBus())
+    if (!cli.resolveDevices(args.mid(0, at), uuids) || !cli.openBus())
         return;
     if (verb != QLatin1String("by")) {
         const int v = int(value);
-        runOnDevices(uuids, forMotor([command, v] {
+        (new DeviceRunner(cli))->runJobs(uuids, forMotor([command, v] {
             auto job = new MotorControlJob;
             job->setCommand(command);
             job->setValue(v);
             return job;
-        }), [verb](VRNStdObject&, QJsonObject& json, QString& line) {
-            line = verb == QLatin1String("stop") ? QStringLiteral("stopped") : QStringLiteral("moving");
-            json.insert(QStringLiteral("move"), verb);
-        }, false, notA(false));
+        }), [verb](DeviceRun& run, QString&) {
+            run.line = verb == QLatin1String("stop") ? QStringLiteral("stopped") : QStringLiteral("moving");
+            run.result.insert(QStringLiteral("move"), verb);
+            return true;
+        }, notA(false));
         return;
     }
     // A relative move is the position read, then a move to the pulse that far from it.
-    auto pending = std::make_shared<int>(uuids.size());
-    auto results = std::make_shared<QVector<QJsonObject>>(uuids.size());
-    auto code = std::make_shared<int>(Ok);
-    auto done = [this, pending, results, code](int i, const QJsonObject& result) {
-        (*results)[i] = result;
-        if (!result.value(QStringLiteral("ok")).toBool())
-            *code = Failed;
-        if (--*pending > 0)
-            return;
-        for (const QJsonObject& r : qAsConst(*results)) {
-            if (m_json)
-                outJson(r);
-            else
-                out(QStringLiteral("%1 %2 %3").arg(r.value(QStringLiteral("uuid")).toInt(), 8)
-                        .arg(r.value(QStringLiteral("ok")).toBool() ? QStringLiteral("ok    ") : QStringLiteral("FAILED"),
-                             r.value(QStringLiteral("ok")).toBool() ? r.value(QStringLiteral("line")).toString()
-                                                                    : r.value(QStringLiteral("error")).toString()));
-        }
-        finish(*code);
-    };
-    ObjectFactory* factory = ObjectFactory::instance();
-    for (int i = 0; i < uuids.size(); ++i) {
-        QJsonObject result{{QStringLiteral("uuid"), qint64(uuids.at(i))}, {QStringLiteral("ok"), false}};
-        QSharedPointer<VRNObject> object = factory->object(uuids.at(i));
-        QSharedPointer<VRNObjectWorker> worker = factory->objectWorker(uuids.at(i));
-        if (!qobject_cast<VRNMotorObject*>(object.data()) || !worker) {
-            result.insert(QStringLiteral("error"), notA(false));
-            done(i, result);
-            continue;
-        }
-        auto read = new GetPositionJob(this);
-        connect(read, &Job::finished, this, [=](Job::Error error) mutable {
-            QJsonObject r = result;
-            if (error != Job::NoError) {
-                r.insert(QStringLiteral("error"), read->errorString());
-                return done(i, r);
-            }
-            const qint64 target = qint64(object->proxyRuntime().getConstData().posPulse) + value;
-            if (target < 0 || target > MaxPulse) {
-                r.insert(QStringLiteral("error"), tr("%1 pulses is outside 0..%2").arg(target).arg(MaxPulse));
-                return done(i, r);
-            }
-            auto move = new MotorControlJob(this);
+    (new DeviceRunner(cli))->run(uuids, [value](DeviceRun& run) {
+        if (!qobject_cast<VRNMotorObject*>(run.device))
+            return run.fail(notA(false));
+        run.start(new GetPositionJob, [&run, value](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            const qint64 target = qint64(run.device->proxyRuntime().getConstData().posPulse) + value;
+            if (target < 0 || target > MaxPulse)
+                return run.fail(Cli::tr("%1 pulses is outside 0..%2").arg(target).arg(MaxPulse));
+            auto move = new MotorControlJob;
             move->setCommand(MotorControlTask::ToPulse);
             move->setValue(int(target));
-            connect(move, &Job::finished, this, [=](Job::Error error) mutable {
-                QJsonObject r2 = r;
-                r2.insert(QStringLiteral("ok"), error == Job::NoError);
-                r2.insert(QStringLiteral("error"), error == Job::NoError ? QString() : move->errorString());
-                r2.insert(QStringLiteral("move"), QStringLiteral("by"));
-                r2.insert(QStringLiteral("target"), int(target));
-                r2.insert(QStringLiteral("line"), tr("moving to %1 pulses").arg(target));
-                worker.reset();
-                done(i, r2);
+            run.start(move, [&run, target](Job::Error error) {
+                if (error != Job::NoError)
+                    return run.fail(run.jobError());
+                run.result.insert(QStringLiteral("move"), QStringLiteral("by"));
+                run.result.insert(QStringLiteral("target"), int(target));
+                run.line = Cli::tr("moving to %1 pulses").arg(target);
+                run.succeed();
             });
-            worker->queue()->enqueue(*move, 0);
         });
-        worker->queue()->enqueue(*read, 0);
-    }
+    });
 }
 
-bool VrnConfigCli::getMotor(const QString& what, const QList<VRNObject::UUID>& uuids)
+bool getMotor(Cli& cli, const QString& what, const QList<VRNObject::UUID>& uuids)
 {
     std::function<QmlJob*()> make;
-    ValueReader read;
+    OldReader read;
     bool dcOnly = false;
     if (what == QLatin1String("position")) {
         make = [] { return new GetPositionJob; };
@@ -311,22 +284,22 @@ bool VrnConfigCli::getMotor(const QString& what, const QList<VRNObject::UUID>& u
     } else {
         return false;
     }
-    if (openBus())
-        runOnDevices(uuids, forMotor(make, dcOnly), read, false, notA(dcOnly));
+    if (cli.openBus())
+        (new DeviceRunner(cli))->runJobs(uuids, forMotor(make, dcOnly), reader(read), notA(dcOnly));
     return true;
 }
 
-bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& uuids, const QStringList& values)
+bool setMotor(Cli& cli, const QString& what, const QList<VRNObject::UUID>& uuids, const QStringList& values)
 {
     std::function<QmlJob*()> make;
-    ValueReader read;
+    OldReader read;
     bool dcOnly = false;
     qint64 a = 0, b = 0, c = 0;
     if (what == QLatin1String("direction")) {
         const int direction = values.value(0) == QLatin1String("reversed") ? DTSMotor::DirectionReversed
                             : values.value(0) == QLatin1String("standard") ? DTSMotor::DirectionStandard : -1;
         if (values.size() != 1 || direction < 0)
-            return fail(Usage, tr("set direction takes standard or reversed")), true;
+            return cli.fail(Cli::Usage, Cli::tr("set direction takes standard or reversed")), true;
         make = [direction] {
             auto job = new SetDirectionJob;
             job->setDirection(direction);
@@ -339,16 +312,16 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
     } else if (what == QLatin1String("limits")) {
         const QString which = values.value(0);
         if ((which != QLatin1String("up") && which != QLatin1String("down")) || values.size() < 2)
-            return fail(Usage, tr("set limits takes up|down and here, PULSES or adjust DELTA")), true;
+            return cli.fail(Cli::Usage, Cli::tr("set limits takes up|down and here, PULSES or adjust DELTA")), true;
         int command = DTSMotor::LimitSetValue;
         if (values.at(1) == QLatin1String("here") && values.size() == 2) {
             command = DTSMotor::LimitAtCurrent;
         } else if (values.at(1) == QLatin1String("adjust") && values.size() == 3) {
             if (!readInt(values.at(2), -0x8000, 0x7FFF, a))
-                return fail(Usage, tr("adjust takes a delta from -32768 to 32767: %1").arg(values.at(2))), true;
+                return cli.fail(Cli::Usage, Cli::tr("adjust takes a delta from -32768 to 32767: %1").arg(values.at(2))), true;
             command = DTSMotor::LimitAdjust;
         } else if (values.size() != 2 || !readInt(values.at(1), 0, MaxPulse - 1, a)) {
-            return fail(Usage, tr("a limit is here, pulses from 0 to %1, or adjust DELTA: %2")
+            return cli.fail(Cli::Usage, Cli::tr("a limit is here, pulses from 0 to %1, or adjust DELTA: %2")
                                    .arg(MaxPulse - 1).arg(values.mid(1).join(QLatin1Char(' ')))), true;
         }
         const int limit = which == QLatin1String("up") ? DTSMotor::LimitUp : DTSMotor::LimitDown;
@@ -364,11 +337,11 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
     } else if (what == QLatin1String("speed")) {
         dcOnly = true;
         if (values.size() != 3)
-            return fail(Usage, tr("set speed takes UP DOWN SLOW")), true;
+            return cli.fail(Cli::Usage, Cli::tr("set speed takes UP DOWN SLOW")), true;
         qint64* speeds[] = {&a, &b, &c};
         for (int i = 0; i < 3; ++i) {
             if (!readInt(values.at(i), MinSpeed, MaxSpeed, *speeds[i]))
-                return fail(Usage, tr("a rolling speed is %1 to %2: %3").arg(MinSpeed).arg(MaxSpeed).arg(values.at(i))), true;
+                return cli.fail(Cli::Usage, Cli::tr("a rolling speed is %1 to %2: %3").arg(MinSpeed).arg(MaxSpeed).arg(values.at(i))), true;
         }
         make = [a, b, c] {
             auto job = new SetSpeedJob;
@@ -385,13 +358,13 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
     } else if (what == QLatin1String("ramp")) {
         dcOnly = true;
         if (values.size() != 2)
-            return fail(Usage, tr("set ramp takes START STOP, each off or 0..100")), true;
+            return cli.fail(Cli::Usage, Cli::tr("set ramp takes START STOP, each off or 0..100")), true;
         qint64 ramp[2] = {0, 0};
         bool on[2] = {false, false};
         for (int i = 0; i < 2; ++i) {
             on[i] = values.at(i) != QLatin1String("off");
             if (on[i] && !readInt(values.at(i), 0, MaxRamp, ramp[i]))
-                return fail(Usage, tr("a ramp is off or 0 to %1: %2").arg(MaxRamp).arg(values.at(i))), true;
+                return cli.fail(Cli::Usage, Cli::tr("a ramp is off or 0 to %1: %2").arg(MaxRamp).arg(values.at(i))), true;
         }
         make = [on, ramp] {
             auto job = new SetRampJob;
@@ -409,9 +382,9 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
         };
     } else if (what == QLatin1String("ip")) {
         if (values.size() != 2)
-            return fail(Usage, tr("set ip takes INDEX and here, delete, PULSES or PERCENT%")), true;
+            return cli.fail(Cli::Usage, Cli::tr("set ip takes INDEX and here, delete, PULSES or PERCENT%")), true;
         if (!readInt(values.at(0), 0, MaxIpIndex, a))
-            return fail(Usage, tr("an intermediate position index is 0 to %1: %2").arg(MaxIpIndex).arg(values.at(0))), true;
+            return cli.fail(Cli::Usage, Cli::tr("an intermediate position index is 0 to %1: %2").arg(MaxIpIndex).arg(values.at(0))), true;
         const QString where = values.at(1);
         int function = DTSMotor::IPSetPulse;
         if (where == QLatin1String("here")) {
@@ -421,9 +394,9 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
         } else if (where.endsWith(QLatin1Char('%'))) {
             function = DTSMotor::IPSetPercent;
             if (!readInt(where.chopped(1), 0, 100, b))
-                return fail(Usage, tr("a percent is 0 to 100: %1").arg(where)), true;
+                return cli.fail(Cli::Usage, Cli::tr("a percent is 0 to 100: %1").arg(where)), true;
         } else if (!readInt(where, 0, MaxPulse - 1, b)) {
-            return fail(Usage, tr("a position is here, delete, pulses from 0 to %1 or a percent: %2")
+            return cli.fail(Cli::Usage, Cli::tr("a position is here, delete, pulses from 0 to %1 or a percent: %2")
                                    .arg(MaxPulse - 1).arg(where)), true;
         }
         const int index = int(a);
@@ -441,88 +414,136 @@ bool VrnConfigCli::setMotor(const QString& what, const QList<VRNObject::UUID>& u
     } else {
         return false;
     }
-    if (openBus())
-        runOnDevices(uuids, forMotor(make, dcOnly), read, false, notA(dcOnly));
+    if (cli.openBus())
+        (new DeviceRunner(cli))->runJobs(uuids, forMotor(make, dcOnly), reader(read), notA(dcOnly));
     return true;
 }
 
-void VrnConfigCli::cmdFactoryDefault(const QStringList& args)
+void factoryDefault(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
     if (args.isEmpty())
-        return fail(Usage, tr("factory-default needs at least one DEVICE"));
-    if (!resolveDevices(args, uuids))
+        return cli.fail(Cli::Usage, Cli::tr("factory-default needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids))
         return;
-    const QString what = m_ipsOnly ? tr("the intermediate positions") : tr("every setting");
-    if (!m_yes) {
-        if (!isatty(STDIN_FILENO))
-            return fail(Usage, tr("factory-default restores %1 of %2 device(s): confirm with --yes").arg(what).arg(uuids.size()));
-        std::fprintf(stderr, "Restore %s of %d device(s) to factory values? [y/N] ", qPrintable(what), int(uuids.size()));
-        std::fflush(stderr);
-        const QString answer = QTextStream(stdin).readLine().trimmed().toLower();
-        if (answer != QLatin1String("y") && answer != QLatin1String("yes"))
-            return fail(Failed, tr("nothing changed"));
-    }
-    if (!openBus())
+    const bool ipsOnly = cli.isSet(QStringLiteral("ips-only"));
+    const QString what = ipsOnly ? Cli::tr("the intermediate positions") : Cli::tr("every setting");
+    if (!cli.confirm(Cli::tr("Restore %1 of %2 device(s) to factory values").arg(what).arg(uuids.size())) || !cli.openBus())
         return;
-    const int function = m_ipsOnly ? DTSMotor::FactoryIPs : DTSMotor::FactoryAll;
-    runOnDevices(uuids, forMotor([function] {
+    const int function = ipsOnly ? DTSMotor::FactoryIPs : DTSMotor::FactoryAll;
+    (new DeviceRunner(cli))->runJobs(uuids, forMotor([function] {
         auto job = new SetFactoryDefaultJob;
         job->setCommand(function);
         return job;
-    }), [this](VRNStdObject&, QJsonObject& json, QString& line) {
-        line = m_ipsOnly ? QStringLiteral("intermediate positions cleared") : QStringLiteral("factory settings restored");
-        json.insert(QStringLiteral("restored"), m_ipsOnly ? QStringLiteral("ips") : QStringLiteral("all"));
-    }, false, notA(false));
+    }), [ipsOnly](DeviceRun& run, QString&) {
+        run.line = ipsOnly ? QStringLiteral("intermediate positions cleared") : QStringLiteral("factory settings restored");
+        run.result.insert(QStringLiteral("restored"), ipsOnly ? QStringLiteral("ips") : QStringLiteral("all"));
+        return true;
+    }, notA(false));
 }
 
-void VrnConfigCli::cmdWatch(const QStringList& args)
+// Reads the position again and again; prints it when it changed (a JSON
+// line with --json), and ends once it stayed the same for a few reads (the
+// motor stands) or a read failed.
+void watchPosition(Cli& cli, QSharedPointer<VRNObject> object, QSharedPointer<VRNObjectWorker> worker)
 {
-    if (args.size() != 2 || args.first() != QLatin1String("position"))
-        return fail(Usage, tr("watch takes position and one DEVICE"));
-    QList<VRNObject::UUID> uuids;
-    if (!resolveDevices(args.mid(1), uuids))
-        return;
-    if (uuids.size() != 1)
-        return fail(Usage, tr("watch follows one device, %1 given").arg(uuids.size()));
-    ObjectFactory* factory = ObjectFactory::instance();
-    QSharedPointer<VRNObject> object = factory->object(uuids.first());
-    if (!qobject_cast<VRNMotorObject*>(object.data()))
-        return fail(Failed, tr("device %1: not a motor").arg(uuids.first()));
-    if (openBus())
-        watchPosition(object, factory->objectWorker(uuids.first()));
-}
-
-// Reads the position again and again; prints it when it changed, and ends
-// once it stayed the same for a few reads (the motor stands) or a read failed.
-void VrnConfigCli::watchPosition(QSharedPointer<VRNObject> object, QSharedPointer<VRNObjectWorker> worker)
-{
-    auto job = new GetPositionJob(this);
+    auto job = new GetPositionJob(&cli);
     auto last = std::make_shared<int>(-1);
     auto stable = std::make_shared<int>(0);
-    connect(job, &Job::finished, this, [=](Job::Error error) {
-        if (m_ended)
+    QObject::connect(job, &Job::finished, &cli, [=, &cli](Job::Error error) {
+        if (cli.ended())
             return;
         if (error != Job::NoError)
-            return fail(Failed, tr("device %1: %2").arg(object->uuid()).arg(job->errorString()));
+            return cli.fail(Cli::Failed, Cli::tr("device %1: %2").arg(object->uuid()).arg(job->errorString()));
         const RuntimeDataData& r = object->proxyRuntime().getConstData();
         const int now = r.posPulse;
         if (now != *last) {
             *stable = 0;
             *last = now;
-            if (m_json)
-                outJson(QJsonObject{{QStringLiteral("uuid"), qint64(object->uuid())}, {QStringLiteral("pulses"), now},
-                                    {QStringLiteral("percent"), percentJson(r.posPCent)}});
+            if (cli.json())
+                cli.output().jsonLine(QJsonObject{{QStringLiteral("uuid"), qint64(object->uuid())}, {QStringLiteral("pulses"), now},
+                                                  {QStringLiteral("percent"), percentJson(r.posPCent)}});
             else
-                out(positionText(r.posPulse, r.posPCent));
+                cli.output().line(positionText(r.posPulse, r.posPCent));
         } else if (++*stable >= WatchStableReads) {
-            return finish(Ok);
+            return cli.finish();
         }
-        QTimer::singleShot(WatchIntervalMs, this, [=] {
-            if (!m_ended)
+        QTimer::singleShot(WatchIntervalMs, &cli, [=, &cli] {
+            if (!cli.ended())
                 worker->queue()->enqueue(*job, 0);
         });
     });
     if (!worker || !worker->queue()->enqueue(*job, 0))
-        fail(Failed, tr("cannot queue the job"));
+        cli.fail(Cli::Failed, Cli::tr("cannot queue the job"));
 }
+
+void watch(Cli& cli, const QStringList& args)
+{
+    cli.output().setStream(true);
+    QList<VRNObject::UUID> uuids;
+    if (args.size() != 1)
+        return cli.fail(Cli::Usage, Cli::tr("watch position takes one DEVICE"));
+    if (!cli.resolveDevices(args, uuids))
+        return;
+    if (uuids.size() != 1)
+        return cli.fail(Cli::Usage, Cli::tr("watch follows one device, %1 given").arg(uuids.size()));
+    ObjectFactory* factory = ObjectFactory::instance();
+    QSharedPointer<VRNObject> object = factory->object(uuids.first());
+    if (!qobject_cast<VRNMotorObject*>(object.data()))
+        return cli.fail(Cli::Failed, Cli::tr("device %1: not a motor").arg(uuids.first()));
+    if (cli.openBus())
+        watchPosition(cli, object, factory->objectWorker(uuids.first()));
+}
+
+// get/set of one motor setting, on the devices named first.
+Command getter(const char* what, const QString& help)
+{
+    const QString subject = QString::fromLatin1(what);
+    return {QStringLiteral("get"), subject, QStringLiteral("DEVICE..."), help, [subject](Cli& cli, const QStringList& args) {
+        QList<VRNObject::UUID> uuids;
+        if (args.isEmpty())
+            return cli.fail(Cli::Usage, Cli::tr("get %1 needs at least one DEVICE").arg(subject));
+        if (cli.resolveDevices(args, uuids))
+            getMotor(cli, subject, uuids);
+    }};
+}
+
+Command setter(const char* what, const QString& arguments, const QString& help)
+{
+    const QString subject = QString::fromLatin1(what);
+    return {QStringLiteral("set"), subject, QStringLiteral("DEVICE ") + arguments, help, [subject](Cli& cli, const QStringList& args) {
+        QList<VRNObject::UUID> uuids;
+        if (args.size() < 2)
+            return cli.fail(Cli::Usage, Cli::tr("set %1 needs a DEVICE and values; see vrnconfig help set").arg(subject));
+        if (cli.resolveDevices(args.mid(0, 1), uuids))
+            setMotor(cli, subject, uuids, args.mid(1));
+    }};
+}
+
+void addMotorCommands(CommandRegistry& r)
+{
+    r.add({QStringLiteral("wink"), {}, QStringLiteral("DEVICE..."), Cli::tr("make motors show themselves"), wink});
+    r.add({QStringLiteral("move"), {}, QStringLiteral("DEVICE... up|down|stop|to PERCENT|to-pulse N|to-ip INDEX|by PULSES"),
+           Cli::tr("move motors"), move});
+    r.add(getter("position", Cli::tr("pulses and percent")));
+    r.add(getter("direction", Cli::tr("standard or reversed")));
+    r.add(getter("limits", Cli::tr("the up and down end limits")));
+    r.add(getter("speed", Cli::tr("rolling speeds (DC motors)")));
+    r.add(getter("ramp", Cli::tr("soft start and stop (DC motors)")));
+    r.add(getter("ips", Cli::tr("the intermediate positions")));
+    r.add(setter("direction", QStringLiteral("standard|reversed"), Cli::tr("the rotation direction")));
+    r.add(setter("limits", QStringLiteral("up|down here|PULSES|adjust DELTA"), Cli::tr("an end limit")));
+    r.add(setter("speed", QStringLiteral("UP DOWN SLOW"), Cli::tr("rolling speeds 6..28 (DC motors)")));
+    r.add(setter("ramp", QStringLiteral("START STOP"), Cli::tr("soft start and stop: off or 0..100 (DC motors)")));
+    r.add(setter("ip", QStringLiteral("INDEX here|delete|PULSES|PERCENT%"), Cli::tr("intermediate position 0..15")));
+    r.add({QStringLiteral("factory-default"), {}, QStringLiteral("DEVICE... [--ips-only] [--yes]"),
+           Cli::tr("restore factory settings (asks first on a terminal)"), factoryDefault});
+    r.add({QStringLiteral("watch"), QStringLiteral("position"), QStringLiteral("DEVICE"),
+           Cli::tr("the position as it changes, until the motor stops (JSON Lines with --json)"), watch});
+    r.addOption(QCommandLineOption(QStringLiteral("ips-only")), {QStringLiteral("factory-default")});
+    r.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("factory-default")});
+}
+
+const CommandFamily family(40, "Motors", addMotorCommands);
+
+} // namespace

@@ -1,94 +1,92 @@
 #ifndef VRNCONFIGCLI_H
 #define VRNCONFIGCLI_H
 
+#include "command.h"
+#include "output.h"
 #include "vrnobject.h"
 
-#include <QJsonObject>
+#include <QCommandLineParser>
 #include <QObject>
 #include <QStringList>
 
 #include <functional>
 
-class QmlJob;
-class VRNObjectWorker;
-class VRNStdObject;
+class QSocketNotifier;
 
-/// The `vrnconfig` command line: parses the options, runs one command on
-/// the event loop through the library's jobs and models, prints its results
-/// and quits with 0 (all went well), 1 (a device's job or the bus failed)
-/// or 2 (usage error).
+/// The `vrnconfig` command line: parses the options, runs one command of the
+/// registered families (see command.h) on the event loop and quits with 0
+/// (all went well), 1 (a device's job or the bus failed), 2 (usage error)
+/// or 130 (interrupted).
+///
+/// The commands use what is shared here: the options, the output layer,
+/// opening the registry and the bus, naming devices, confirmation, and the
+/// device runner (devicerunner.h).
 class VrnConfigCli : public QObject
 {
     Q_OBJECT
 public:
-    enum Exit { Ok = 0, Failed = 1, Usage = 2 };
+    enum Exit { Ok = 0, Failed = 1, Usage = 2, Interrupted = 130 };
 
     explicit VrnConfigCli(QObject* parent = nullptr);
+    ~VrnConfigCli() override;
 
     /// Parses `arguments` (program name first) and starts the command;
     /// false when it has already ended (exit code in `exitCode()`).
     bool start(const QStringList& arguments);
     int exitCode() const { return m_exit; }
+    bool ended() const { return m_ended; }
+
+    // --- for the commands ---------------------------------------------------
+
+    Output& output() { return m_output; }
+    bool json() const { return m_output.json(); }
+    /// An option's value, or whether it was given ("sort", "yes").
+    QString value(const QString& option) const { return m_parser.value(option); }
+    bool isSet(const QString& option) const { return m_parser.isSet(option); }
+    /// --timeout in ms, or -1.
+    int timeout() const { return m_timeout; }
+
+    /// Opens the bus (--bus or the remembered one); false when it failed (the
+    /// run has then ended with the reason).
+    bool openBus();
+    /// The devices named by `words` (uuids, node:NUMBER, all); false on a
+    /// usage error (the run has ended).
+    bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
+    /// Asks "question [y/N]" on a terminal, or needs --yes; false when not
+    /// confirmed (the run has ended).
+    bool confirm(const QString& question);
+    /// Called on Ctrl-C instead of ending with 130 (the runner takes the
+    /// waiting devices off; a monitor closes its capture).
+    void setInterruptHandler(std::function<void()> handler) { m_interrupt = std::move(handler); }
+
+    /// One error line (and, with --json, the error document); ends the run.
+    void fail(int code, const QString& message);
+    void finish(int code = Ok);
+
+    /// A whole number in 0..max, decimal or 0x hexadecimal.
+    static bool parseNumber(const QString& text, quint32 max, quint32& value);
+    /// A node's number, written one way everywhere: 0x000102.
+    static QString nodeText(quint32 node);
+    static QString hex(quint32 value, int width);
 
 Q_SIGNALS:
     void done(int exitCode);
 
 private:
-    using Command = std::function<void(const QStringList&)>;
-    // A job for one device, and what to print once it ended well.
-    using JobFactory = std::function<QmlJob*(VRNStdObject&)>;
-    using ValueReader = std::function<void(VRNStdObject&, QJsonObject&, QString&)>;
-
-    void cmdPorts(const QStringList& args);
-    void cmdOpen(const QStringList& args);
-    void cmdClose(const QStringList& args);
-    void cmdDiscover(const QStringList& args);
-    void cmdList(const QStringList& args);
-    void cmdGet(const QStringList& args);
-    void cmdSet(const QStringList& args);
-    void cmdForget(const QStringList& args);
-    void cmdMonitor(const QStringList& args);
-    // The motor family (motorcommands.cpp).
-    void cmdWink(const QStringList& args);
-    void cmdMove(const QStringList& args);
-    void cmdFactoryDefault(const QStringList& args);
-    void cmdWatch(const QStringList& args);
-    /// `get` of a motor setting; false when `what` is none.
-    bool getMotor(const QString& what, const QList<VRNObject::UUID>& uuids);
-    /// `set` of a motor setting; false when `what` is none.
-    bool setMotor(const QString& what, const QList<VRNObject::UUID>& uuids, const QStringList& values);
-    void watchPosition(QSharedPointer<VRNObject> object, QSharedPointer<VRNObjectWorker> worker);
-
     bool openDatabase();
-    bool openBus();
-    bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
-    /// A device for which `makeJob` gives no job is reported with `refusal`
-    /// and gets nothing sent. `bound` (ms, 0 for none): a job still running
-    /// by then is taken off its queue.
-    void runOnDevices(const QList<VRNObject::UUID>& uuids, const JobFactory& makeJob,
-                      const ValueReader& readValue, bool store, const QString& refusal = QString(), int bound = 0);
-    void printDevices(const QList<VRNObject::UUID>& uuids, const QList<unsigned int>& addrs);
+    void printHelp(const QString& command);
+    void watchInterrupts();
 
-    static bool parseNumber(const QString& text, quint32 max, quint32& value);
-    void out(const QString& line);
-    void outJson(const QJsonValue& value);
-    /// One line on standard error; ends the command with `code`.
-    void fail(int code, const QString& message);
-    void finish(int code = Ok);
-
-    QStringList m_args;
+    CommandRegistry m_registry;
+    QCommandLineParser m_parser;
+    Output m_output;
     QString m_busUuid;
     QString m_dbFile;
     int m_timeout = -1;
-    bool m_json = false;
-    QString m_sort;
-    bool m_desc = false;
-    int m_count = -1;
-    double m_duration = -1;
-    bool m_yes = false;
-    bool m_ipsOnly = false;
     int m_exit = Ok;
     bool m_ended = false;
+    std::function<void()> m_interrupt;
+    QSocketNotifier* m_interruptNotifier = nullptr;
 };
 
 #endif // VRNCONFIGCLI_H

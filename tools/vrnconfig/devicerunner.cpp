@@ -1,0 +1,223 @@
+#include "devicerunner.h"
+
+#include "objectfactory.h"
+#include "output.h"
+#include "qmljob.h"
+#include "vrnconfigcli.h"
+#include "vrnobjectworker.h"
+#include "vrnstdobject.h"
+#include "workqueue.h"
+
+#include <QTimer>
+
+// --- one device ---------------------------------------------------------------
+
+bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
+{
+    job->setParent(m_runner);
+    m_job = job;
+    m_stopped.clear();
+    QObject::connect(job, &Job::finished, m_runner, [this, job, then](Job::Error error) {
+        then(error);
+        if (m_job == job)
+            m_job = nullptr;
+        job->deleteLater();
+    });
+    if (!worker || !worker->queue()->enqueue(*job, 0)) {
+        m_job = nullptr;
+        job->deleteLater();
+        fail(QCoreApplication::translate("vrnconfig", "cannot queue the job"));
+        return false;
+    }
+    return true;
+}
+
+void DeviceRun::stop(const QString& why)
+{
+    if (m_ended || !m_job || !worker)
+        return;
+    m_stopped = why;
+    worker->queue()->dequeue(*m_job);
+}
+
+QString DeviceRun::jobError() const
+{
+    if (!m_stopped.isEmpty())
+        return m_stopped;
+    return m_job ? m_job->errorString() : QString();
+}
+
+void DeviceRun::succeed()
+{
+    if (m_ended)
+        return;
+    result.insert(QStringLiteral("ok"), true);
+    result.remove(QStringLiteral("error"));
+    m_ended = true;
+    m_runner->ended(*this);
+}
+
+void DeviceRun::fail(const QString& error)
+{
+    if (m_ended)
+        return;
+    result.insert(QStringLiteral("ok"), false);
+    result.insert(QStringLiteral("error"), error);
+    m_ended = true;
+    m_runner->ended(*this);
+}
+
+// --- the runner -----------------------------------------------------------------
+
+DeviceRunner::DeviceRunner(VrnConfigCli& cli) : QObject(&cli), m_cli(cli) {}
+
+DeviceRunner::~DeviceRunner() = default;
+
+void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory& make, const ValueReader& read,
+                           const QString& refusal)
+{
+    run(uuids, [make, read, refusal](DeviceRun& run) {
+        QmlJob* job = make(*run.device);
+        if (!job)
+            return run.fail(refusal);
+        run.start(job, [&run, read](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            QString why;
+            if (read && !read(run, why))
+                return run.fail(why);
+            run.succeed();
+        });
+    });
+}
+
+void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action)
+{
+    m_action = action;
+    m_clock.start();
+    ObjectFactory* factory = ObjectFactory::instance();
+    for (VRNObject::UUID uuid : uuids) {
+        auto run = std::make_shared<DeviceRun>();
+        run->m_runner = this;
+        run->uuid = uuid;
+        run->object = factory->object(uuid);
+        run->result = QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("ok"), false}};
+        if (run->object)
+            run->result.insert(QStringLiteral("node"), VrnConfigCli::nodeText(VRN::getNumber(run->object->address())));
+        m_runs << run;
+    }
+    if (m_cli.json())
+        m_stream.reset(new JsonArrayStream(m_cli.output(), m_runs.size(), "{\"results\":["));
+    m_cli.setInterruptHandler([this] { interrupt(); });
+    showProgress();
+    launch();
+    if (m_runs.isEmpty())
+        summarise();
+}
+
+// Starts waiting devices while fewer than the parallel count run.
+void DeviceRunner::launch()
+{
+    ObjectFactory* factory = ObjectFactory::instance();
+    while (m_running < m_parallel && m_next < m_runs.size() && m_interrupts == 0) {
+        DeviceRun& run = *m_runs.at(m_next++);
+        run.m_started = true;
+        ++m_running;
+        run.worker = factory->objectWorker(run.uuid);
+        run.device = qobject_cast<VRNStdObject*>(run.object.data());
+        if (!run.device || !run.worker)
+            run.fail(tr("not a network node"));
+        else
+            m_action(run);
+    }
+}
+
+void DeviceRunner::ended(DeviceRun& run)
+{
+    run.worker.reset();
+    if (run.m_started)
+        --m_running;
+    ++m_done;
+    run.result.value(QStringLiteral("ok")).toBool() ? ++m_ok : ++m_failed;
+    report(run);
+    if (m_done == m_runs.size() || (m_interrupts > 0 && m_running == 0))
+        return summarise();
+    showProgress();
+    // Queued: a device ending inside its action must not start the next one
+    // from within that action.
+    QTimer::singleShot(0, this, [this] { launch(); });
+}
+
+void DeviceRunner::report(const DeviceRun& run)
+{
+    if (m_stream)
+        return m_stream->append(run.result);
+    const bool ok = run.result.value(QStringLiteral("ok")).toBool();
+    m_cli.output().line(QStringLiteral("%1 %2 %3 %4")
+                            .arg(run.uuid, 8)
+                            .arg(run.result.value(QStringLiteral("node")).toString(), -8)
+                            .arg(ok ? QStringLiteral("ok    ") : QStringLiteral("FAILED"),
+                                 ok ? run.line : run.result.value(QStringLiteral("error")).toString()));
+}
+
+void DeviceRunner::showProgress()
+{
+    m_cli.output().progress(tr("%1/%2 done, %3 ok, %4 failed, %5 s")
+                                .arg(m_done).arg(m_runs.size()).arg(m_ok).arg(m_failed)
+                                .arg(m_clock.elapsed() / 1000.0, 0, 'f', 1));
+}
+
+// First Ctrl-C: the waiting devices are taken off, the running ones end.
+// Second: the running ones are stopped too.
+void DeviceRunner::interrupt()
+{
+    if (m_summarised)
+        return;
+    ++m_interrupts;
+    if (m_interrupts == 1)
+        m_cli.output().note(tr("vrnconfig: interrupted: waiting for %1 running device(s); Ctrl-C again to stop them")
+                                .arg(m_running));
+    for (const auto& run : qAsConst(m_runs))
+        if (m_interrupts > 1 && run->m_started && !run->m_ended)
+            run->stop(tr("interrupted"));
+    if (m_running == 0)
+        summarise();
+}
+
+void DeviceRunner::summarise()
+{
+    if (m_summarised || m_running > 0)
+        return;
+    m_summarised = true;
+    const int notRun = m_runs.size() - m_done;
+    const bool interrupted = m_interrupts > 0 && notRun > 0;
+    const int code = interrupted ? VrnConfigCli::Interrupted : m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok;
+    const QString elapsed = QString::number(m_clock.elapsed() / 1000.0, 'f', 1);
+    QString error;
+    if (interrupted)
+        error = tr("interrupted: %1 device(s) not run").arg(notRun);
+    else if (m_failed > 0)
+        error = tr("%1 of %2 device(s) failed").arg(m_failed).arg(m_runs.size());
+    if (m_stream) {
+        // The devices taken off still get their element, so the array is whole.
+        for (int i = m_next; i < m_runs.size(); ++i) {
+            QJsonObject result = m_runs.at(i)->result;
+            result.insert(QStringLiteral("error"), tr("not run"));
+            m_stream->append(result);
+        }
+        QJsonObject summary{{QStringLiteral("total"), m_runs.size()}, {QStringLiteral("ok"), m_ok},
+                            {QStringLiteral("failed"), m_failed}, {QStringLiteral("notRun"), notRun},
+                            {QStringLiteral("elapsedMs"), m_clock.elapsed()}};
+        QByteArray tail = "],\"summary\":" + Output::compact(summary);
+        if (code != VrnConfigCli::Ok)
+            tail += ",\"error\":" + Output::compact(error) + ",\"exitCode\":" + QByteArray::number(code);
+        m_stream->close(tail + '}');
+    }
+    m_cli.output().clearProgress();
+    if (code != VrnConfigCli::Ok)
+        m_cli.output().note(QStringLiteral("vrnconfig: %1 (%2 ok, %3 failed, %4 s)").arg(error).arg(m_ok).arg(m_failed).arg(elapsed));
+    else if (m_runs.size() > 1 && m_cli.output().onTerminal())
+        m_cli.output().note(tr("%1 device(s): %2 ok (%3 s)").arg(m_runs.size()).arg(m_ok).arg(elapsed));
+    emit finished(code);
+    m_cli.finish(code);
+}

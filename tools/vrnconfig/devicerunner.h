@@ -1,0 +1,132 @@
+#ifndef VRNCONFIG_DEVICERUNNER_H
+#define VRNCONFIG_DEVICERUNNER_H
+
+#include "qmljob.h"
+#include "vrnobject.h"
+
+#include <QElapsedTimer>
+#include <QJsonObject>
+#include <QObject>
+#include <QPointer>
+#include <QSharedPointer>
+
+#include <functional>
+#include <memory>
+
+class DeviceRunner;
+class JsonArrayStream;
+class VRNObjectWorker;
+class VRNStdObject;
+class VrnConfigCli;
+
+/// One device's part of a run: what the action works with and what it
+/// reports. The action queues jobs with `start()` and ends with `succeed()`
+/// or `fail()`, once.
+class DeviceRun
+{
+public:
+    VRNObject::UUID uuid = 0;
+    QSharedPointer<VRNObject> object;
+    QSharedPointer<VRNObjectWorker> worker;
+    /// Null for a device that is no network node (the action is not called).
+    VRNStdObject* device = nullptr;
+    /// The device's result: "uuid", "node", "ok", "error" are filled in by
+    /// the runner; the action adds its values.
+    QJsonObject result;
+    /// The value for people, printed after "ok".
+    QString line;
+
+    /// Queues `job` (owned by the run from now on) on the device's worker;
+    /// `then` is called when it ended. False when it could not be queued:
+    /// the run has then failed.
+    bool start(QmlJob* job, std::function<void(Job::Error)> then);
+    /// The job now running, if any.
+    QmlJob* job() const { return m_job; }
+    /// Takes the running job off its queue; it ends with `why` as its error.
+    void stop(const QString& why);
+    /// The error text of the job that just ended: the reason it was stopped,
+    /// or the job's own.
+    QString jobError() const;
+
+    void succeed();
+    void fail(const QString& error);
+    bool ended() const { return m_ended; }
+
+private:
+    friend class DeviceRunner;
+    DeviceRunner* m_runner = nullptr;
+    QPointer<QmlJob> m_job;
+    QString m_stopped;
+    bool m_started = false;
+    bool m_ended = false;
+};
+
+/// Runs one action per device and reports as each device ends.
+///
+/// A few devices run at a time (the bus puts their requests on the wire one
+/// after another anyway); the others wait in the runner, so Ctrl-C can take
+/// them off: the first Ctrl-C lets the running ones end and reports what
+/// ended (exit 130), a second one aborts those too.
+///
+/// Each result is printed when its device ends: a line "UUID NODE ok VALUE"
+/// or "UUID NODE FAILED REASON", or with --json one element of the
+/// document's "results" array per line. On a terminal a progress line
+/// (done/total, ok, failed, elapsed) is kept on standard error. At the end a
+/// summary: with --json the document's "summary" object (and "error" and
+/// "exitCode" when a device failed), for people a line on standard error
+/// (on success only when it is a terminal).
+/// The exit code is 1 when any device failed.
+class DeviceRunner : public QObject
+{
+    Q_OBJECT
+public:
+    using Action = std::function<void(DeviceRun&)>;
+    /// A job for the device, or null when the device cannot do it.
+    using JobFactory = std::function<QmlJob*(VRNStdObject&)>;
+    /// Puts what the device said into the result; false (and the reason in
+    /// `error`) when the job's outcome is a failure after all.
+    using ValueReader = std::function<bool(DeviceRun&, QString& error)>;
+
+    explicit DeviceRunner(VrnConfigCli& cli);
+    ~DeviceRunner() override;
+
+    /// How many devices run at a time.
+    void setParallel(int parallel) { m_parallel = qMax(1, parallel); }
+    int parallel() const { return m_parallel; }
+
+    /// Runs `action` on every device of `uuids`, in that order.
+    void run(const QList<VRNObject::UUID>& uuids, const Action& action);
+    /// The common case: one job per device, its values read once it ended
+    /// well; a device for which `make` gives no job fails with `refusal`.
+    void runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory& make, const ValueReader& read,
+                 const QString& refusal = QString());
+
+Q_SIGNALS:
+    /// Every device has ended or was taken off; the summary is printed.
+    void finished(int exitCode);
+
+private:
+    friend class DeviceRun;
+    void launch();
+    void ended(DeviceRun& run);
+    void interrupt();
+    void report(const DeviceRun& run);
+    void showProgress();
+    void summarise();
+
+    VrnConfigCli& m_cli;
+    QList<std::shared_ptr<DeviceRun>> m_runs;
+    Action m_action;
+    int m_next = 0;
+    int m_running = 0;
+    int m_done = 0;
+    int m_ok = 0;
+    int m_failed = 0;
+    int m_parallel = 4;
+    int m_interrupts = 0;
+    bool m_summarised = false;
+    QElapsedTimer m_clock;
+    std::unique_ptr<JsonArrayStream> m_stream;
+};
+
+#endif // VRNCONFIG_DEVICERUNNER_H

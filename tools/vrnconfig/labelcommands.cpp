@@ -1,0 +1,181 @@
+// The labels and groups family: a node's label, firmware version and group
+// slots, read and written through the device runner.
+#include "command.h"
+#include "devicerunner.h"
+#include "vrnconfigcli.h"
+
+#include "busfactory.h"
+#include "getfwversionjob.h"
+#include "getgroupsjob.h"
+#include "getlabeljob.h"
+#include "objectfactory.h"
+#include "setgroupsjob.h"
+#include "setgroupstask.h"
+#include "setlabeljob.h"
+#include "vrnbus.h"
+#include "vrnstdobject.h"
+
+#include <QJsonArray>
+#include <QTimer>
+
+namespace {
+
+using Cli = VrnConfigCli;
+
+const int LabelMax = 16;
+const int GroupSlots = 16;
+
+// A list of group numbers as a JSON array and as one line of hexadecimal words.
+void putGroups(const QList<quint32>& list, DeviceRun& run)
+{
+    QJsonArray array;
+    QStringList words;
+    for (quint32 group : list) {
+        array.append(qint64(group));
+        words << Cli::nodeText(group);
+    }
+    run.line = words.join(QLatin1Char(' '));
+    run.result.insert(QStringLiteral("groups"), array);
+}
+
+// Keeps what the device said in the registry, so `list` shows it.
+bool storeLabel(DeviceRun& run, QString& error)
+{
+    if (ObjectFactory::instance()->save(run.object.data()))
+        return true;
+    error = Cli::tr("the registry did not store the label");
+    return false;
+}
+
+void getLabel(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("get label needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetLabelJob; }, [](DeviceRun& run, QString& error) {
+        run.line = QString::fromUtf8(run.device->proxyStdConfig().getConstData().label);
+        run.result.insert(QStringLiteral("label"), run.line);
+        return storeLabel(run, error);
+    });
+}
+
+void getVersion(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("get version needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetFwVersionJob; }, [](DeviceRun& run, QString&) {
+        run.line = run.device->proxyStdConfig().getConstData().appVersion.toString();
+        run.result.insert(QStringLiteral("version"), run.line);
+        return true;
+    });
+}
+
+void getGroups(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("get groups needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
+        return;
+    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetGroupsJob; }, [](DeviceRun& run, QString&) {
+        QList<quint32> groups;
+        for (VRN::Addr g : run.device->proxyStdConfig().getConstData().groups)
+            groups << g;
+        putGroups(groups, run);
+        return true;
+    });
+}
+
+void setLabel(Cli& cli, const QStringList& args)
+{
+    if (args.size() != 2)
+        return cli.fail(Cli::Usage, Cli::tr("set label takes one DEVICE and one TEXT"));
+    const QByteArray label = args.at(1).toUtf8();
+    if (label.size() > LabelMax)
+        return cli.fail(Cli::Usage, Cli::tr("label longer than %1 bytes: %2").arg(LabelMax).arg(args.at(1)));
+    QList<VRNObject::UUID> uuids;
+    if (!cli.resolveDevices(args.mid(0, 1), uuids) || !cli.openBus())
+        return;
+    (new DeviceRunner(cli))->runJobs(uuids, [label](VRNStdObject&) {
+        auto job = new SetLabelJob;
+        job->setLabel(label);
+        return job;
+    }, [label](DeviceRun& run, QString& error) {
+        run.line = QString::fromUtf8(label);
+        run.result.insert(QStringLiteral("label"), run.line);
+        return storeLabel(run, error);
+    });
+}
+
+void setGroups(Cli& cli, const QStringList& args)
+{
+    if (args.size() < 2)
+        return cli.fail(Cli::Usage, Cli::tr("set groups takes one DEVICE and group numbers"));
+    QVariantList groups;
+    QList<quint32> numbers;
+    for (const QString& word : args.mid(1)) {
+        quint32 group = 0;
+        if (!Cli::parseNumber(word, 0xFFFFFF, group))
+            return cli.fail(Cli::Usage, Cli::tr("not a valid group address: %1").arg(word));
+        groups << group;
+        numbers << group;
+    }
+    if (groups.size() > GroupSlots)
+        return cli.fail(Cli::Usage, Cli::tr("a node has %1 group slots, %2 given").arg(GroupSlots).arg(groups.size()));
+    QList<VRNObject::UUID> uuids;
+    if (!cli.resolveDevices(args.mid(0, 1), uuids) || !cli.openBus())
+        return;
+    // A group write that fails leaves its job running for good (see
+    // SetGroupsTask): the run stops it once a slot is refused, and bounds the
+    // wait by the time every request of the devices running at once may take.
+    auto runner = new DeviceRunner(cli);
+    const int bound = runner->parallel() * (groups.size() + 1) * BusFactory::instance()->bus()->timeout() + 1000;
+    runner->run(uuids, [&cli, groups, numbers, bound](DeviceRun& run) {
+        auto job = new SetGroupsJob;
+        job->setGroups(groups);
+        QObject::connect(job, &Job::started, &cli, [&cli, &run, job] {
+            auto task = qobject_cast<SetGroupsTask*>(job->task());
+            if (!task)
+                return;
+            // Queued: the task is still inside its slot job's end when it reports.
+            QObject::connect(task, &SetGroupsTask::slotFailed, &cli, [&run](int slot, const QString& error) {
+                run.result.insert(QStringLiteral("slot"), slot);
+                run.stop(Cli::tr("group slot %1 refused: %2").arg(slot).arg(error));
+            }, Qt::QueuedConnection);
+        });
+        QPointer<SetGroupsJob> watched(job);
+        QTimer::singleShot(bound, job, [&run, watched, bound] {
+            auto task = watched ? qobject_cast<SetGroupsTask*>(watched->task()) : nullptr;
+            if (task && task->failedSlot() >= 0)
+                run.stop(Cli::tr("group slot %1 refused: %2").arg(task->failedSlot()).arg(task->slotError()));
+            else
+                run.stop(Cli::tr("no end within %1 ms").arg(bound));
+        });
+        run.start(job, [&run, numbers](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            putGroups(numbers, run);
+            run.succeed();
+        });
+    });
+}
+
+void addLabelCommands(CommandRegistry& r)
+{
+    r.add({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("DEVICE..."), Cli::tr("read the label"), getLabel});
+    r.add({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("DEVICE..."), Cli::tr("read the firmware version"), getVersion});
+    r.add({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("DEVICE..."), Cli::tr("read the 16 group slots"), getGroups});
+    r.add({QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("DEVICE TEXT"),
+           Cli::tr("write the label (up to 16 bytes of UTF-8)"), setLabel});
+    r.add({QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("DEVICE ADDR..."),
+           Cli::tr("write the group slots: group numbers, decimal or 0x hexadecimal"), setGroups});
+}
+
+const CommandFamily family(30, "Labels and groups", addLabelCommands);
+
+} // namespace

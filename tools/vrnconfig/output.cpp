@@ -1,0 +1,134 @@
+#include "output.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+#include <unistd.h>
+
+QByteArray Output::compact(const QJsonValue& value)
+{
+    if (value.isArray())
+        return QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact);
+    if (value.isObject())
+        return QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);
+    // A bare value: wrapped and unwrapped, so strings are escaped as in a document.
+    QByteArray bytes = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return bytes.mid(1, bytes.size() - 2);
+}
+
+void Output::out(const QByteArray& bytes)
+{
+    clearProgress();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    if (!m_buffered)
+        std::fflush(stdout);
+}
+
+void Output::line(const QString& text)
+{
+    out(text.toUtf8() + '\n');
+}
+
+void Output::note(const QString& text)
+{
+    clearProgress();
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+void Output::document(const QJsonValue& value)
+{
+    m_begun = true;
+    out(compact(value) + '\n');
+}
+
+void Output::jsonLine(const QJsonObject& object)
+{
+    out(compact(object) + '\n');
+}
+
+void Output::write(const QByteArray& bytes)
+{
+    m_begun = true;
+    out(bytes);
+}
+
+void Output::error(int exitCode, const QString& message)
+{
+    note(QStringLiteral("vrnconfig: ") + message);
+    if (m_json && (m_stream || !m_begun))
+        document(QJsonObject{{QStringLiteral("error"), message}, {QStringLiteral("exitCode"), exitCode}});
+    flush();
+}
+
+void Output::flush()
+{
+    std::fflush(stdout);
+}
+
+bool Output::onTerminal()
+{
+    if (m_progressTerminal < 0)
+        m_progressTerminal = isatty(STDERR_FILENO) ? 1 : 0;
+    return m_progressTerminal == 1;
+}
+
+void Output::progress(const QString& status)
+{
+    if (!onTerminal())
+        return;
+    std::fflush(stdout);
+    std::fprintf(stderr, "\r\033[K%s", status.toUtf8().constData());
+    std::fflush(stderr);
+    m_progressShown = true;
+}
+
+void Output::clearProgress()
+{
+    if (!m_progressShown)
+        return;
+    m_progressShown = false;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
+}
+
+void TextTable::header()
+{
+    QStringList titles;
+    for (const Column& c : qAsConst(m_columns))
+        titles << c.title;
+    row(titles);
+}
+
+void TextTable::row(const QStringList& cells)
+{
+    QString text;
+    for (int i = 0; i < cells.size(); ++i) {
+        const Column c = m_columns.value(i, Column{QString(), 0});
+        if (i > 0)
+            text += QLatin1Char(' ');
+        if (i + 1 == cells.size() && !c.right)
+            text += cells.at(i);
+        else
+            text += c.right ? cells.at(i).rightJustified(c.width) : cells.at(i).leftJustified(c.width);
+    }
+    m_output.line(text);
+}
+
+JsonArrayStream::JsonArrayStream(Output& output, qint64 count, const QByteArray& open) : m_output(output), m_count(count)
+{
+    m_output.write(open + '\n');
+}
+
+void JsonArrayStream::append(const QJsonObject& element)
+{
+    ++m_written;
+    m_output.write(Output::compact(element) + (m_written < m_count ? ",\n" : "\n"));
+}
+
+void JsonArrayStream::close(const QByteArray& tail)
+{
+    m_output.write(tail + '\n');
+    m_output.flush();
+}

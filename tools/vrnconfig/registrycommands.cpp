@@ -1,0 +1,104 @@
+// The registry family: listing and forgetting the devices the registry holds.
+#include "command.h"
+#include "vrnconfigcli.h"
+
+#include "objectfactory.h"
+#include "objectquerymodel.h"
+
+#include <QJsonArray>
+
+namespace {
+
+using Cli = VrnConfigCli;
+
+QHash<QString, ObjectQueryModel::Role> sortKeys()
+{
+    return {{QStringLiteral("uuid"), ObjectQueryModel::UuidRole},
+            {QStringLiteral("nodeid"), ObjectQueryModel::NodeIDRole},
+            {QStringLiteral("type"), ObjectQueryModel::TypeRole},
+            {QStringLiteral("label"), ObjectQueryModel::LabelRole},
+            {QStringLiteral("serial"), ObjectQueryModel::SerialNumberRole},
+            {QStringLiteral("nboccur"), ObjectQueryModel::NbOccurRole}};
+}
+
+void list(Cli& cli, const QStringList& args)
+{
+    if (!args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("list takes no argument besides --sort and --desc"));
+    const QString sort = cli.value(QStringLiteral("sort")).toLower();
+    if (!sort.isEmpty() && !sortKeys().contains(sort))
+        return cli.fail(Cli::Usage, Cli::tr("unknown sort column: %1").arg(sort));
+    ObjectQueryModel* model = ObjectFactory::instance()->createQueryModel(&cli);
+    model->setSort(sortKeys().value(sort.isEmpty() ? QStringLiteral("uuid") : sort),
+                   cli.isSet(QStringLiteral("desc")) ? Qt::DescendingOrder : Qt::AscendingOrder);
+    Output& out = cli.output();
+    out.setBuffered(true);
+    TextTable table(out, {{QStringLiteral("UUID"), 8, true}, {QStringLiteral("NODE"), 8}, {QStringLiteral("TYPE"), 12},
+                          {QStringLiteral("LABEL"), 17}, {QStringLiteral("SERIAL"), 14}, {QStringLiteral("NBOCCUR"), 0}});
+    QJsonArray array;
+    if (!cli.json())
+        table.header();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row, 0);
+        auto value = [&](ObjectQueryModel::Role role) { return model->data(index, role); };
+        const uint uuid = value(ObjectQueryModel::UuidRole).toUInt();
+        const uint node = value(ObjectQueryModel::NodeIDRole).toUInt();
+        const int type = value(ObjectQueryModel::TypeRole).toInt();
+        const QString typeName = VRNObject::typeToString(VRNObject::Type(type));
+        const QString label = value(ObjectQueryModel::LabelRole).toString();
+        const QString serial = QString::fromUtf8(value(ObjectQueryModel::SerialNumberRole).toByteArray());
+        const int nbOccur = value(ObjectQueryModel::NbOccurRole).toInt();
+        if (cli.json())
+            array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("nodeID"), qint64(node)},
+                                     {QStringLiteral("type"), type}, {QStringLiteral("typeName"), typeName},
+                                     {QStringLiteral("label"), label}, {QStringLiteral("serialNumber"), serial},
+                                     {QStringLiteral("nbOccur"), nbOccur}});
+        else
+            table.row({QString::number(uuid), Cli::nodeText(node), typeName, label, serial, QString::number(nbOccur)});
+    }
+    if (cli.json())
+        out.document(array);
+    cli.finish();
+}
+
+void forget(Cli& cli, const QStringList& args)
+{
+    QList<VRNObject::UUID> uuids;
+    if (args.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("forget needs at least one DEVICE"));
+    if (!cli.resolveDevices(args, uuids))
+        return;
+    if (args.contains(QStringLiteral("all")) && !cli.confirm(Cli::tr("Forget all %1 device(s) of the registry").arg(uuids.size())))
+        return;
+    int code = Cli::Ok;
+    QJsonArray array;
+    for (VRNObject::UUID uuid : qAsConst(uuids)) {
+        const bool ok = ObjectFactory::instance()->destroyObject(uuid);
+        if (!ok)
+            code = Cli::Failed;
+        if (cli.json())
+            array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("ok"), ok}});
+        else
+            cli.output().line(QStringLiteral("%1 %2").arg(uuid).arg(ok ? Cli::tr("forgotten") : Cli::tr("not found")));
+    }
+    if (cli.json())
+        cli.output().document(array);
+    if (code != Cli::Ok)
+        return cli.fail(code, Cli::tr("some devices could not be removed"));
+    cli.finish(code);
+}
+
+void addRegistryCommands(CommandRegistry& r)
+{
+    r.add({QStringLiteral("list"), {}, QStringLiteral("[--sort COLUMN] [--desc]"),
+           Cli::tr("the registry; COLUMN: uuid nodeid type label serial nboccur"), list});
+    r.add({QStringLiteral("forget"), {}, QStringLiteral("DEVICE... [--yes]"),
+           Cli::tr("remove devices from the registry (all asks first)"), forget});
+    r.addOption(QCommandLineOption(QStringLiteral("sort"), QString(), QStringLiteral("COLUMN")), {QStringLiteral("list")});
+    r.addOption(QCommandLineOption(QStringLiteral("desc")), {QStringLiteral("list")});
+    r.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("forget")});
+}
+
+const CommandFamily family(20, "Registry", addRegistryCommands);
+
+} // namespace
