@@ -8,27 +8,59 @@
 #include "vrnstdobject.h"
 #include "workqueue.h"
 
+#include "stateretry.h"
+
+#include <QFinalState>
+#include <QStateMachine>
 #include <QTimer>
 
 // --- one device ---------------------------------------------------------------
+
+namespace {
+// Pause before a job runs again: the bus has already waited its timeout.
+constexpr int RetryDelayMs = 50;
+} // namespace
 
 bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
 {
     job->setParent(m_runner);
     m_job = job;
     m_stopped.clear();
-    QObject::connect(job, &Job::finished, m_runner, [this, job, then](Job::Error error) {
-        then(error);
-        if (m_job == job)
-            m_job = nullptr;
-        job->deleteLater();
-    });
-    if (!worker || !worker->queue()->enqueue(*job, 0)) {
+    if (!worker) {
         m_job = nullptr;
         job->deleteLater();
         fail(QCoreApplication::translate("vrnconfig", "cannot queue the job"));
         return false;
     }
+    // Each try queues the job again; only the last try's end reaches `then`.
+    auto* machine = new QStateMachine(job);
+    auto* retry = new StateRetry(m_runner->m_cli.retries(), RetryDelayMs, machine);
+    auto* over = new QFinalState(machine);
+    machine->setInitialState(retry);
+    retry->addTransition(retry, &QState::finished, over);
+    retry->addTransition(retry, &StateRetry::failed, over);
+    QObject::connect(retry, &StateRetry::attempt, m_runner, [this, job, retry](int tryNumber) {
+        m_tries = tryNumber;
+        if (!m_stopped.isEmpty())
+            return retry->failTry(m_stopped, false);  // taken off while waiting for the next try
+        if (!worker->queue()->enqueue(*job, 0))
+            retry->failTry(QCoreApplication::translate("vrnconfig", "cannot queue the job"), false);
+    });
+    QObject::connect(job, &Job::finished, retry, [retry, job] { retry->reportJob(*job); });
+    QObject::connect(machine, &QStateMachine::finished, m_runner, [this, job, retry, then] {
+        if (m_tries > 1)
+            result.insert(QStringLiteral("tries"), m_tries);
+        m_retryError = retry->errorString();
+        const Job::Error error = job->error();
+        if (m_retryError.isEmpty())
+            then(error);
+        else  // a failure of the job, or one before it could run again
+            then(error != Job::NoError ? error : Job::TaskFailedError);
+        if (m_job == job)
+            m_job = nullptr;
+        job->deleteLater();
+    });
+    machine->start();
     return true;
 }
 
@@ -44,7 +76,9 @@ QString DeviceRun::jobError() const
 {
     if (!m_stopped.isEmpty())
         return m_stopped;
-    return m_job ? m_job->errorString() : QString();
+    if (!m_retryError.isEmpty() || !m_job)
+        return m_retryError;
+    return m_job->errorString();
 }
 
 void DeviceRun::succeed()

@@ -37,7 +37,10 @@ public:
     QString line;
 
     /// Queues `job` (owned by the run from now on) on the device's worker;
-    /// `then` is called when it ended. False when it could not be queued:
+    /// `then` is called when it ended. A run that failed for a reason that
+    /// may pass (a timeout, the bus; `Job::isTransientError`) is queued again
+    /// after a short pause, up to --retries times, and `then` hears only of
+    /// the last; the result then holds "tries". False when it could not be queued:
     /// the run has then failed.
     bool start(QmlJob* job, std::function<void(Job::Error)> then);
     /// The job now running, if any.
@@ -57,6 +60,9 @@ private:
     DeviceRunner* m_runner = nullptr;
     QPointer<QmlJob> m_job;
     QString m_stopped;
+    /// Why the last try failed (empty after a success).
+    QString m_retryError;
+    int m_tries = 0;
     bool m_started = false;
     bool m_ended = false;
 };

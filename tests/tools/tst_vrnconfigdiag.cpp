@@ -1,0 +1,161 @@
+// vrnconfig's diagnostics commands and --retries end to end: a standard node
+// and two motors simulated on their own multicast group; settings and
+// registry in a temporary folder.
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TstVrnConfigDiag : public QObject
+{
+    Q_OBJECT
+
+    struct Result
+    {
+        int code = -1;
+        QJsonArray results;  // with --json
+        QByteArray err;
+    };
+
+    QTemporaryDir m_home;
+    QProcess m_sim;
+
+    Result run(const QString& line)
+    {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
+        p.setProcessEnvironment(env);
+        p.start(qEnvironmentVariable("VRNCONFIG"),
+                QStringList{QStringLiteral("--timeout"), QStringLiteral("100")} + line.split(QLatin1Char(' ')));
+        if (!p.waitForFinished(30000))
+            p.kill();
+        const QJsonObject doc = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                doc.value(QStringLiteral("results")).toArray(), p.readAllStandardError()};
+    }
+    static QJsonObject device(const Result& r, const QString& node)
+    {
+        for (const QJsonValue& v : r.results) {
+            if (v.toObject().value(QStringLiteral("node")).toString() == node)
+                return v.toObject();
+        }
+        return {};
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_home.isValid());
+        m_sim.start(qEnvironmentVariable("VRNSIM"),
+                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.31:47731"), QStringLiteral("--devices"),
+                     QStringLiteral("std:1,motor:2")});
+        QVERIFY(m_sim.waitForStarted(5000));
+        QVERIFY(m_sim.waitForReadyRead(5000));
+        const QString bus = QString::fromLatin1(m_sim.readLine()).trimmed();
+        QCOMPARE(run(QStringLiteral("open ") + bus).code, 0);
+        QCOMPARE(run(QStringLiteral("discover")).code, 0);
+    }
+
+    void cleanupTestCase()
+    {
+        m_sim.terminate();
+        m_sim.waitForFinished(5000);
+    }
+
+    void diagnosticsAndStatistics()
+    {
+        // Diagnostics are a motor's: the standard node says so, the motors answer.
+        const Result diag = run(QStringLiteral("--json get diag all"));
+        QCOMPARE(diag.code, 1);
+        QCOMPARE(diag.results.size(), 3);
+        QCOMPARE(device(diag, "0x000100").value("error").toString(), QStringLiteral("not a motor"));
+        const QJsonObject counters = device(diag, "0x000101").value("diagnostics").toObject();
+        QCOMPARE(counters.keys().size(), 9);
+        QVERIFY(counters.value("moves").toInt() > 0);
+
+        const Result stats = run(QStringLiteral("--json get stats all"));
+        QCOMPARE(stats.code, 0);
+        for (const QJsonValue& v : stats.results) {
+            QVERIFY(v.toObject().value("traffic").toObject().value("received").toInt() > 0);
+            QCOMPARE(v.toObject().value("errors").toObject().keys().size(), 9);
+        }
+    }
+
+    void resetStats_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<bool>("traffic");
+        QTest::addColumn<bool>("errors");
+        QTest::newRow("network") << "--network" << true << false;
+        QTest::newRow("errors") << "--errors" << false << true;
+        QTest::newRow("all") << "--all" << true << true;
+        QTest::newRow("both by default") << "" << true << true;
+    }
+
+    void resetStats()
+    {
+        QFETCH(QString, option);
+        QFETCH(bool, traffic);
+        QFETCH(bool, errors);
+        const Result r = run(QStringLiteral("--json reset stats node:0x000102 %1").arg(option).trimmed());
+        QCOMPARE(r.code, 0);
+        const QJsonObject d = r.results.at(0).toObject();
+        QCOMPARE(d.contains("traffic"), traffic);
+        QCOMPARE(d.contains("errors"), errors);
+        if (traffic)  // the reset and the read back, nothing older
+            QVERIFY(d.value("traffic").toObject().value("seen").toInt() <= 2);
+        for (const QJsonValue& v : d.value("errors").toObject())
+            QCOMPARE(v.toInt(), 0);
+    }
+
+    void badUsage_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::newRow("retries above 10") << "--retries 11 get stats all";
+        QTest::newRow("retries not a number") << "--retries two get stats all";
+        QTest::newRow("two kinds of reset") << "reset stats all --network --errors";
+        QTest::newRow("reset option elsewhere") << "get stats all --network";
+        QTest::newRow("no device") << "get diag";
+    }
+
+    void badUsage()
+    {
+        QFETCH(QString, line);
+        const Result r = run(line);
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.startsWith("vrnconfig: "));
+    }
+
+    // Last: stops the simulator, so every request times out.
+    void retriesAfterTimeout_data()
+    {
+        QTest::addColumn<QString>("retries");
+        QTest::addColumn<int>("tries");
+        QTest::newRow("default") << "" << 3;
+        QTest::newRow("none") << "--retries 0" << 1;
+        QTest::newRow("five") << "--retries 5" << 6;
+    }
+
+    void retriesAfterTimeout()
+    {
+        QFETCH(QString, retries);
+        QFETCH(int, tries);
+        if (m_sim.state() != QProcess::NotRunning) {
+            m_sim.terminate();
+            QVERIFY(m_sim.waitForFinished(5000));
+        }
+        const Result r = run(QStringLiteral("--json %1 get label node:0x000101").arg(retries).simplified());
+        QCOMPARE(r.code, 1);
+        const QJsonObject d = r.results.at(0).toObject();
+        QCOMPARE(d.value("error").toString(), QStringLiteral("Timeout error"));
+        QCOMPARE(d.value("tries").toInt(1), tries);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstVrnConfigDiag)
+#include "tst_vrnconfigdiag.moc"
