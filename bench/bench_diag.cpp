@@ -3,10 +3,13 @@
 //   line against the line time of the frames exchanged;
 // - the labels of 200 nodes on a line that loses 10 % of the frames in each
 //   direction, each read tried again after a timeout (as `--retries N` does),
-//   with how many tries the devices needed.
+//   with how many tries the devices needed;
+// - the same through the tool: vrnconfig --retries 3 get label all against
+//   200 nodes of vrnsim --loss 0.1 on a loopback multicast group.
 //
 //     bench_diag
 
+#include "benchline.h"
 #include "getlabeljob.h"
 #include "getmotordiagnosticjob.h"
 #include "simnetwork.h"
@@ -17,6 +20,11 @@
 #include "workqueue.h"
 
 #include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QElapsedTimer>
 #include <QFinalState>
 #include <QLoggingCategory>
@@ -38,18 +46,9 @@ void waitFor(const std::function<bool()>& done)
 
 int diagnosticsAt4800()
 {
-    SimNetwork net(5);
-    net.setBaud(4800);
-    net.setReplyWindow(0);
-    SimNode* node = net.addNode(SimNode::Motor, 0x000100);
-    VRNLoopbackBus bus;
-    bus.setTimeout(1000);
-    net.attach(&bus);
-    bus.open();
-    QSharedPointer<VRNObject> motor(new VRNMotorObject);
-    motor->setNodeAddress(node->address());
-    motor->attach(&bus);
-    VRNObjectWorker worker(motor);
+    BenchLine line4800(5, 4800, SimNode::Motor, new VRNMotorObject);
+    SimNetwork& net = line4800.net;
+    VRNObjectWorker worker(line4800.object);
     std::printf("one motor's diagnostics at 4800 Bd (7 requests, 7 replies):\n");
     int failed = 0;
     for (int run = 1; run <= 5; ++run) {
@@ -139,6 +138,66 @@ int labelsOnLossyLine(int retries)
     return 0;
 }
 
+// Runs a program of this build folder; its standard output, empty on failure.
+QByteArray runTool(const QString& name, const QStringList& args, const QTemporaryDir& home)
+{
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+    env.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
+    p.setProcessEnvironment(env);
+    p.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, args);
+    if (!p.waitForFinished(600000))
+        p.kill();
+    return p.readAllStandardOutput();
+}
+
+bool startSim(QProcess& sim, const QStringList& extra)
+{
+    sim.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim"),
+              QStringList{QStringLiteral("--mcast"), QStringLiteral("239.255.92.7:47927"), QStringLiteral("--devices"),
+                          QStringLiteral("std:200")} + extra);
+    return sim.waitForStarted(5000) && sim.waitForReadyRead(10000);
+}
+
+int labelsThroughTool(int retries)
+{
+    QTemporaryDir home;
+    QProcess sim;
+    // Registered once on a clean line; then the same nodes on a lossy one.
+    if (!startSim(sim, {}))
+        return 1;
+    const QString bus = QString::fromLatin1(sim.readLine()).trimmed();
+    runTool(QStringLiteral("vrnconfig"), {QStringLiteral("open"), bus}, home);
+    runTool(QStringLiteral("vrnconfig"), {QStringLiteral("discover")}, home);
+    sim.terminate();
+    sim.waitForFinished(10000);
+    if (!startSim(sim, {QStringLiteral("--loss"), QStringLiteral("0.1")}))
+        return 1;
+    QElapsedTimer wall;
+    wall.start();
+    const QByteArray out = runTool(QStringLiteral("vrnconfig"),
+                                   {QStringLiteral("--json"), QStringLiteral("--timeout"), QStringLiteral("100"),
+                                    QStringLiteral("--retries"), QString::number(retries), QStringLiteral("get"),
+                                    QStringLiteral("label"), QStringLiteral("all")},
+                                   home);
+    const double seconds = wall.nsecsElapsed() / 1e9;
+    sim.terminate();
+    sim.waitForFinished(10000);
+    const QJsonArray results = QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray();
+    int ok = 0;
+    std::map<int, int> byTries;
+    for (const QJsonValue& v : results) {
+        ok += v.toObject().value(QStringLiteral("ok")).toBool();
+        ++byTries[v.toObject().value(QStringLiteral("tries")).toInt(1)];
+    }
+    std::printf("vrnconfig --retries %d --timeout 100 get label all, vrnsim std:200 --loss 0.1: %d of %d ok, %.2f s\n",
+                retries, ok, int(results.size()), seconds);
+    for (const auto& [tries, count] : byTries)
+        std::printf("  %d device(s) needed %d tr%s\n", count, tries, tries == 1 ? "y" : "ies");
+    return ok == results.size() && !results.isEmpty() ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -149,5 +208,6 @@ int main(int argc, char** argv)
     const int a = diagnosticsAt4800();
     labelsOnLossyLine(0);
     labelsOnLossyLine(3);
+    labelsThroughTool(3);
     return a;
 }

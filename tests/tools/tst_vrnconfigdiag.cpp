@@ -2,11 +2,8 @@
 // and two motors simulated on their own multicast group; settings and
 // registry in a temporary folder.
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
+#include "clifixture.h"
+
 #include <QtTest>
 
 class TstVrnConfigDiag : public QObject
@@ -25,18 +22,8 @@ class TstVrnConfigDiag : public QObject
 
     Result run(const QString& line)
     {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-        p.setProcessEnvironment(env);
-        p.start(qEnvironmentVariable("VRNCONFIG"),
-                QStringList{QStringLiteral("--timeout"), QStringLiteral("100")} + line.split(QLatin1Char(' ')));
-        if (!p.waitForFinished(30000))
-            p.kill();
-        const QJsonObject doc = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-                doc.value(QStringLiteral("results")).toArray(), p.readAllStandardError()};
+        const CliFixture::Result r = CliFixture::run(m_home, line.split(QLatin1Char(' ')), 100);
+        return {r.code, QJsonDocument::fromJson(r.out).object().value(QStringLiteral("results")).toArray(), r.err};
     }
     static QJsonObject device(const Result& r, const QString& node)
     {
@@ -51,12 +38,9 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_home.isValid());
-        m_sim.start(qEnvironmentVariable("VRNSIM"),
-                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.31:47731"), QStringLiteral("--devices"),
-                     QStringLiteral("std:1,motor:2")});
-        QVERIFY(m_sim.waitForStarted(5000));
-        QVERIFY(m_sim.waitForReadyRead(5000));
-        const QString bus = QString::fromLatin1(m_sim.readLine()).trimmed();
+        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.77.31:47731"),
+                                                 {QStringLiteral("--devices"), QStringLiteral("std:1,motor:2")});
+        QVERIFY(!bus.isEmpty());
         QCOMPARE(run(QStringLiteral("open ") + bus).code, 0);
         QCOMPARE(run(QStringLiteral("discover")).code, 0);
     }
