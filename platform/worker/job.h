@@ -28,6 +28,7 @@ class Job : public QObject
     Q_PROPERTY(Job::State state READ state NOTIFY stateChanged)
     Q_PROPERTY(Job::Error error READ error NOTIFY finished)
     Q_PROPERTY(QString errorString READ errorString NOTIFY finished)
+    Q_PROPERTY(bool transientError READ isTransientError NOTIFY finished)
     Q_PROPERTY(QVariant result READ result NOTIFY finished)
 
 public:
