@@ -30,6 +30,16 @@ class StateRetryPrivate;
 ///     connect(job, &Job::finished, retry, [=] { retry->reportJob(*job); });
 ///     retry->addTransition(retry, &QState::finished, next);
 ///     retry->addTransition(retry, &StateRetry::failed, giveUp);
+///
+/// A request rather than a job: start it on `attempt()` and report its end,
+/// transient for the call errors another try may not meet:
+///
+///     connect(&watcher, &BusPendingCallWatcher::finished, retry, [&] {
+///         const auto e = watcher.error();
+///         if (e == BusPendingCall::NoError) retry->succeed();
+///         else retry->failTry(text(e), e == BusPendingCall::TimeoutError || e == BusPendingCall::WriteError
+///                                      || e == BusPendingCall::BusNotAvailableError);
+///     });
 class StateRetry : public QState
 {
     Q_OBJECT

@@ -29,20 +29,8 @@ const QList<quint8> DiagReplies = {DTS::DiagPostTotalMoveCount, DTS::DiagPostTot
 // The steps whose replies are tested for a negative acknowledgement.
 const QList<int> NackSteps = {2, 5, 6};
 
-SimNode::Diagnostics someDiagnostics()
-{
-    SimNode::Diagnostics c;
-    c.totalMoveCount = 70000;
-    c.totalRevCount = 123456;
-    c.thermalCount = 3;
-    c.postThermalMove = 40;
-    c.obstacleCount = 5;
-    c.postObstacleMove = 9;
-    c.powerCount = 11;
-    c.resetCount = 2;
-    c.encoderErrCount = 7;
-    return c;
-}
+// moves, revolutions, thermal and moves since, obstacles and moves since, power cuts, resets, encoder errors
+const SimNode::Diagnostics SomeDiagnostics{70000, 123456, 3, 40, 5, 9, 11, 2, 7};
 
 } // namespace
 
@@ -82,7 +70,7 @@ void tst_DiagTasks::init()
 {
     m_wire.reset(new Wire);
     m_sim = m_wire->net.addNode(SimNode::Motor, 0x123456);
-    m_sim->setDiagnostics(someDiagnostics());
+    m_sim->setDiagnostics(SomeDiagnostics);
     m_simStd = m_wire->net.addNode(SimNode::Std, 0x000200);
     m_motor.reset(new VRNMotorObject);
     m_motor->setNodeAddress(m_sim->address());
@@ -146,17 +134,12 @@ void tst_DiagTasks::diagnosticChain()
     QCOMPARE(sentCodes(), DiagRequests);
 
     const RuntimeDataData& after = m_motor->proxyRuntime().getConstData();
-    const SimNode::Diagnostics c = someDiagnostics();
+    const SimNode::Diagnostics& c = SomeDiagnostics;
     const MotorDiagnostic& d = after.motorDiagnostic;
-    QCOMPARE(d.totalMoveCount, c.totalMoveCount);
-    QCOMPARE(d.totalRevCount, c.totalRevCount);
-    QCOMPARE(d.thermalCount, c.thermalCount);
-    QCOMPARE(d.postThermalMove, c.postThermalMove);
-    QCOMPARE(d.obstacleCount, c.obstacleCount);
-    QCOMPARE(d.postObstacleMove, c.postObstacleMove);
-    QCOMPARE(d.powerCount, c.powerCount);
-    QCOMPARE(d.resetCount, c.resetCount);
-    QCOMPARE(d.encoderErrCount, c.encoderErrCount);
+    QVERIFY(std::tie(d.totalMoveCount, d.totalRevCount, d.thermalCount, d.postThermalMove, d.obstacleCount,
+                     d.postObstacleMove, d.powerCount, d.resetCount, d.encoderErrCount)
+            == std::tie(c.totalMoveCount, c.totalRevCount, c.thermalCount, c.postThermalMove, c.obstacleCount,
+                        c.postObstacleMove, c.powerCount, c.resetCount, c.encoderErrCount));
     // The rest of the record is carried over.
     QCOMPARE(after.posPulse, quint16(321));
     QCOMPARE(after.networkStat.frameSent, 99u);
