@@ -2,7 +2,8 @@
 # The demo: a simulated network of 30 devices on a loopback multicast group,
 # opened, discovered, listed, every label read, one label written and read back;
 # then a motor winked, moved to 50 % while its position is printed, all its
-# settings read, and a DC motor's speeds set.
+# settings read, a DC motor's speeds set, life counters and network statistics
+# read and the error counters cleared.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -66,6 +67,12 @@ vrnconfig get speed "$dc"
 vrnconfig set speed "$dc" 24 18 8
 vrnconfig get speed "$dc"
 vrnconfig get ramp "$dc"
+
+step "Life counters of motor $motor (the move above is counted) and the network statistics of both motors"
+vrnconfig get diag "$motor"
+vrnconfig get stats "$motor" "$dc"
+step "Clearing the error counters of every device"
+vrnconfig reset stats all --errors | tail -n 3
 
 step "Stopping the simulator"
 kill -TERM "$sim_pid"; wait "$sim_pid" || true; sim_pid=
