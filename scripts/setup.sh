@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
 # Installs what the build needs (only when missing), configures and builds.
 # Safe to run again: an existing build folder is reused.
+# Other scripts pass more packages in VRN_EXTRA_PACKAGES (space-separated) and
+# more CMake arguments as arguments; VRN_BUILD_TARGETS (space-separated)
+# builds only those targets.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 build=${VRN_BUILD_DIR:-$top/build}
 
 pkgs=(build-essential cmake qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite qtdeclarative5-dev qttools5-dev-tools)
+read -r -a extra <<< "${VRN_EXTRA_PACKAGES:-}"
+pkgs+=("${extra[@]}")
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -18,6 +23,8 @@ if [ ${#missing[@]} -gt 0 ]; then
   $SUDO apt-get install -y -q --no-install-recommends "${missing[@]}" >&2
 fi
 
-cmake -S "$top" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build "$build" -j"$(nproc)" 2>&1 | grep -E "error|warning: unused|Error" >&2 || true
-cmake --build "$build" -j"$(nproc)" >/dev/null
+cmake -S "$top" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+targets=()
+for t in ${VRN_BUILD_TARGETS:-}; do targets+=(--target "$t"); done
+cmake --build "$build" -j"$(nproc)" "${targets[@]}" 2>&1 | grep -E "error|warning: unused|Error" >&2 || true
+cmake --build "$build" -j"$(nproc)" "${targets[@]}" >/dev/null

@@ -60,63 +60,22 @@ QString resolvePortName(const QString& name)
 
 void VRNBusPrivate::receiveBytes(const QByteArray& bytes)
 {
-    rxBuffer.append(bytes);
+    cutter.append(bytes);
     // Bytes injected from a slot while a frame is reported join the buffer
     // and are read by the loop already running.
     if (parsing)
         return;
     parsing = true;
-    while (takeFrame()) {
-    }
-    parsing = false;
-}
-
-bool VRNBusPrivate::takeFrame()
-{
-    const int size = rxBuffer.size();
-    if (size == 0) {
-        reportDropped();
-        return false;
-    }
-    const char* data = rxBuffer.constData();
-    const int length = VRNMessage::frameLength(data, size);
-    if (length > 0) {
-        reportDropped();
-        const QByteArray frame = rxBuffer.left(length);
-        rxBuffer.remove(0, length);
-        receiveFrame(frame);
-        return true;
-    }
-    if (length < 0) {
-        dropBytes(1);
-        return true;
-    }
-    // The front claims more bytes than have come. A stray byte can claim up
-    // to 32 and would hold back a whole frame behind it until the line speaks
-    // again, so a complete valid frame further on wins.
-    for (int start = 1; start < size; ++start) {
-        if (VRNMessage::frameLength(data + start, size - start) > 0) {
-            dropBytes(start);
-            return true;
+    QByteArray piece;
+    for (VRNFrameCutter::Piece p; (p = cutter.next(&piece)) != VRNFrameCutter::NeedMore;) {
+        if (p == VRNFrameCutter::Frame) {
+            receiveFrame(piece);
+        } else {
+            qDebug().noquote() << logPrefix() << "dropped" << piece.size() << "bytes that start no frame";
+            frameReceived(BusMessage(piece));
         }
     }
-    return false;
-}
-
-void VRNBusPrivate::dropBytes(int count)
-{
-    dropped.append(rxBuffer.left(count));
-    rxBuffer.remove(0, count);
-}
-
-void VRNBusPrivate::reportDropped()
-{
-    if (dropped.isEmpty())
-        return;
-    const BusMessage garbage(dropped);
-    dropped.clear();
-    qDebug().noquote() << logPrefix() << "dropped" << garbage.size() << "bytes that start no frame";
-    frameReceived(garbage);
+    parsing = false;
 }
 
 void VRNBusPrivate::receiveFrame(const QByteArray& frame)
@@ -129,8 +88,7 @@ void VRNBusPrivate::receiveFrame(const QByteArray& frame)
 
 void VRNBusPrivate::resetStream()
 {
-    rxBuffer.clear();
-    dropped.clear();
+    cutter.clear();
 }
 
 void VRNBusPrivate::applyLineSettings()

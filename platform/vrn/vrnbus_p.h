@@ -4,6 +4,7 @@
 
 #include "bus_p.h"
 #include "vrnbus.h"
+#include "vrnframecutter.h"
 
 class VRNBusPrivate : public BusPrivate
 {
@@ -19,16 +20,9 @@ public:
     /// Clears what a previous session left in the receive buffers.
     void resetStream();
 
-    /// Takes one frame or dropped bytes from the front of the buffer; false
-    /// when it must wait for more bytes.
-    bool takeFrame();
-    void dropBytes(int count);
-    void reportDropped();
-
     QString portName;
     QSerialPort* port = nullptr;
-    QByteArray rxBuffer;
-    QByteArray dropped;
+    VRNFrameCutter cutter;
     bool parsing = false;
     qint32 baudRate = 4800;
     QSerialPort::DataBits dataBits = QSerialPort::Data8;

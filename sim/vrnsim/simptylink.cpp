@@ -104,7 +104,7 @@ void SimPtyLink::readMaster()
             continue;
         if (n <= 0)
             break;
-        const QList<QByteArray> frames = m_splitter.feed(QByteArray(buffer, int(n)));
+        const QList<QByteArray> frames = m_cutter.feed(QByteArray(buffer, int(n)));
         for (const QByteArray& frame : frames)
             m_network->frameIn(frame);
     }

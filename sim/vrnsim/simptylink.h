@@ -1,7 +1,7 @@
 #ifndef SIMPTYLINK_H
 #define SIMPTYLINK_H
 
-#include "simframesplitter.h"
+#include "vrnframecutter.h"
 
 #include <QObject>
 
@@ -22,7 +22,7 @@ public:
     QString devicePath() const { return m_path; }
     /// The bus identifier a library opens: "serial:" and the port name in upper case.
     QString identifier() const;
-    qint64 droppedBytes() const { return m_splitter.droppedBytes(); }
+    qint64 droppedBytes() const { return m_cutter.droppedBytes(); }
 
 private:
     void send(const QByteArray& frame);
@@ -30,7 +30,7 @@ private:
     void flushWrites();
 
     SimNetwork* m_network;
-    SimFrameSplitter m_splitter;
+    VRNFrameCutter m_cutter;
     QString m_path;
     QByteArray m_unwritten;
     int m_master = -1;

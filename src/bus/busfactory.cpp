@@ -146,9 +146,9 @@ bool BusFactory::openMCast(const QHostAddress& group, quint16 port, const QHostA
 bool BusFactory::openMCast(const QString& mcastUri, const QString& bindAddress)
 {
     Q_D(BusFactory);
-    const QUrl url(QStringLiteral("vrn://") + mcastUri);
-    const QString host = url.host(QUrl::FullyDecoded);
-    if (!url.isValid() || host.isEmpty() || url.port() < 0) {
+    QString host;
+    quint16 port = 0;
+    if (!parseMCastUri(mcastUri, host, port)) {
         d->setError(tr("Failed to parse MultiCast URI: %1").arg(mcastUri));
         return false;
     }
@@ -160,7 +160,7 @@ bool BusFactory::openMCast(const QString& mcastUri, const QString& bindAddress)
             return false;
         }
     }
-    return openMCast(QHostAddress(host), quint16(url.port()), bind);
+    return openMCast(QHostAddress(host), port, bind);
 }
 
 bool BusFactory::openMCast(const QString& mcastUri)
@@ -213,6 +213,17 @@ bool BusFactory::parseSerialUUID(const QString& uuid, QString& name)
     if (!isSerialUUID(uuid))
         return false;
     name = uuid.mid(SerialPrefix.size());
+    return true;
+}
+
+bool BusFactory::parseMCastUri(const QString& mcastUri, QString& host, quint16& port)
+{
+    const QUrl url(QStringLiteral("vrn://") + mcastUri);
+    const QString h = url.host(QUrl::FullyDecoded);
+    if (!url.isValid() || h.isEmpty() || url.port() < 0)
+        return false;
+    host = h;
+    port = quint16(url.port());
     return true;
 }
 

@@ -59,6 +59,10 @@ public:
     /// "mcast:" and exactly three ':' in all, so IPv6 addresses never qualify.
     static bool isMCastUUID(const QString& uuid);
     static bool parseSerialUUID(const QString& uuid, QString& name);
+    /// Reads "host:port" as `openMCast(mcastUri, ...)` does: false, and the
+    /// outputs untouched, without a host or a port. The host is not checked
+    /// to be an address.
+    static bool parseMCastUri(const QString& mcastUri, QString& host, quint16& port);
     static bool parseMCastUUID(const QString& uuid, QHostAddress& group, quint16& port,
                                QHostAddress& bindAddress);
 

@@ -68,7 +68,10 @@ public:
     typedef quint32 UUID;
 
     /// Device kind. `TypeMax` equals `SettingTool`, deliberately.
-    enum Type {
+    /// The type column of the registry, registrations and the look-ups by
+    /// number may carry any int, known kind or not: the fixed underlying
+    /// type makes every such number a value of `Type`.
+    enum Type : int {
         VRNObj = 0,
         DtsStd = 1,
         DtsMotor = 2,

@@ -1,7 +1,7 @@
 // The virtual network: device lists, seeding, duplicates, answer timing and
-// faults, line time, the frame splitter, and what it attaches to.
+// faults, line time, the frame cutter of the pty link, and what it attaches to.
 #include "dts.h"
-#include "simframesplitter.h"
+#include "vrnframecutter.h"
 #include "simnetwork.h"
 #include "vrnmessage.h"
 
@@ -302,7 +302,7 @@ void tst_SimNetwork::splitter()
     QFETCH(int, chunk);
     QFETCH(int, frames);
     QFETCH(int, dropped);
-    SimFrameSplitter splitter;
+    VRNFrameCutter splitter;
     QList<QByteArray> got;
     const int step = chunk > 0 ? chunk : stream.size();
     for (int pos = 0; pos < stream.size(); pos += step)
