@@ -57,7 +57,9 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         "Simulates a network of devices and serves it on a local multicast group or on a\n"
         "pseudo-terminal. The first line on standard output is the bus identifier to open\n"
         "(mcast:GROUP:PORT:BIND or serial:NAME). Runs until SIGINT or SIGTERM, then prints\n"
-        "its statistics on standard error and exits 0. Bad options exit 2."));
+        "its statistics on standard error and exits 0. SIGUSR1 cuts the power of every motor\n"
+        "and brings it back, SIGUSR2 restarts every motor (both counted in their diagnostics).\n"
+        "Bad options exit 2."));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Shows this help."));
     parser.addOption(help);

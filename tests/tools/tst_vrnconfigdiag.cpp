@@ -6,6 +6,8 @@
 
 #include <QtTest>
 
+#include <csignal>
+
 class TstVrnConfigDiag : public QObject
 {
     Q_OBJECT
@@ -68,6 +70,23 @@ private slots:
             QVERIFY(v.toObject().value("traffic").toObject().value("received").toInt() > 0);
             QCOMPARE(v.toObject().value("errors").toObject().keys().size(), 9);
         }
+    }
+
+    // The motor counts what happens to it: a move, a power cut, a restart.
+    void countersMove()
+    {
+        const auto counters = [this] {
+            return device(run(QStringLiteral("--json get diag node:0x000101")), "0x000101").value("diagnostics").toObject();
+        };
+        const QJsonObject before = counters();
+        QCOMPARE(run(QStringLiteral("move node:0x000101 up")).code, 0);
+        ::kill(pid_t(m_sim.processId()), SIGUSR1);
+        ::kill(pid_t(m_sim.processId()), SIGUSR2);
+        QTRY_COMPARE(counters().value("resets").toInt(), before.value("resets").toInt() + 1);
+        const QJsonObject after = counters();
+        QCOMPARE(after.value("powerCuts").toInt(), before.value("powerCuts").toInt() + 1);
+        QCOMPARE(after.value("moves").toInt(), before.value("moves").toInt() + 1);
+        QCOMPARE(after.value("movesSinceObstacle").toInt(), before.value("movesSinceObstacle").toInt() + 1);
     }
 
     void resetStats_data()
