@@ -30,6 +30,7 @@
 
 #include "benchclock.h"
 #include "benchline.h"
+#include "benchsim.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -97,18 +98,10 @@ int runAll(VRNObjectWorker& worker, std::vector<std::unique_ptr<Job>>& jobs)
 int cpuPerJob()
 {
     QProcess sim;
-    sim.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim"),
-              {QStringLiteral("--mcast"), QStringLiteral("239.255.92.1:47920"), QStringLiteral("--devices"),
-               QStringLiteral("tx30:1"), QStringLiteral("--time-scale"), QStringLiteral("1000")});
-    if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(10000)) {
-        std::printf("cannot start vrnsim\n");
+    if (!openSimBus(sim, {QStringLiteral("--mcast"), QStringLiteral("239.255.92.1:47920"), QStringLiteral("--devices"),
+                          QStringLiteral("tx30:1"), QStringLiteral("--time-scale"), QStringLiteral("1000")}))
         return 1;
-    }
     BusFactory* buses = BusFactory::instance();
-    if (!buses->openUUID(QString::fromLatin1(sim.readLine()).trimmed())) {
-        std::printf("cannot open the bus: %s\n", qPrintable(buses->lastError()));
-        return 1;
-    }
     quint64 frames = 0;
     QObject::connect(buses->bus(), &Bus::messageSent, [&frames] { ++frames; });
     QSharedPointer<VRNObject> motor(new TX30Object);

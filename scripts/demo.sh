@@ -2,8 +2,8 @@
 # The demo: a simulated network of 30 devices on a loopback multicast group,
 # opened, discovered, listed, every label read, one label written and read back;
 # then a motor winked, moved to 50 % while its position is printed, all its
-# settings read, a DC motor's speeds set, life counters and network statistics
-# read and the error counters cleared.
+# settings read, and a DC motor's speeds set; a group of motors moved at once; last
+# life counters and network statistics read and the error counters cleared.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -68,7 +68,14 @@ vrnconfig set speed "$dc" 24 18 8
 vrnconfig get speed "$dc"
 vrnconfig get ramp "$dc"
 
-step "Life counters of motor $motor (the move above is counted) and the network statistics of both motors"
+step "Groups: motor $motor put in group 0x0F0042, every motor's groups read, the groups known, the group moved to 25 %"
+vrnconfig set groups "$motor" 0x0F0042
+vrnconfig get groups type:motor >/dev/null
+vrnconfig group list
+vrnconfig group move 0x0F0042 to 25
+vrnconfig watch position "$motor"
+
+step "Life counters of motor $motor (its moves above are counted) and the network statistics of both motors"
 vrnconfig get diag "$motor"
 vrnconfig get stats "$motor" "$dc"
 step "Clearing the error counters of every device"

@@ -155,6 +155,29 @@ QSharedPointer<VRNObject> ObjectFactoryPrivate::object(VRNObject::UUID uuid, con
     return obj;
 }
 
+void ObjectFactoryPrivate::groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots)
+{
+    if (object && object->uuid() != 0)
+        q_ptr->setDeviceGroups(object->uuid(), groupSlots);
+}
+
+QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, const QVariant& value)
+{
+    QList<unsigned int> out;
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    query.prepare(statement);
+    if (value.isValid())
+        query.addBindValue(value);
+    if (!query.exec()) {
+        warnSql("failed to run SQLQuery:", query);
+        return out;
+    }
+    while (query.next())
+        out.append(query.value(0).toUInt());
+    return out;
+}
+
 QList<unsigned> ObjectFactoryPrivate::loadDeviceGroups(VRNObject::UUID uuid)
 {
     QList<unsigned> groups;
@@ -395,6 +418,61 @@ ObjectQueryModel* ObjectFactory::createQueryModel(QObject* parent)
     connect(this, &ObjectFactory::objectDestroyed, model, &ObjectQueryModel::onEndObjectDestroyed);
     connect(this, &ObjectFactory::objectChanged, model, &ObjectQueryModel::onObjectChanged);
     return model;
+}
+
+QList<unsigned int> ObjectFactory::deviceGroups(VRNObject::UUID uuid)
+{
+    return d_func()->numbers(QStringLiteral("SELECT DISTINCT groupID FROM DevicesGroups WHERE deviceUUID=? ORDER BY groupID"),
+                             uuid);
+}
+
+bool ObjectFactory::setDeviceGroups(VRNObject::UUID uuid, const QList<unsigned int>& groups)
+{
+    Q_D(ObjectFactory);
+    QSqlQuery query(d->db);
+    query.prepare(QStringLiteral("SELECT COUNT(*) FROM Devices WHERE uuid=?"));
+    query.addBindValue(uuid);
+    if (!query.exec() || !query.next() || query.value(0).toInt() == 0)
+        return false;
+    // One transaction: a reader never sees the device in none of its groups.
+    const bool own = d->db.transaction();
+    bool ok = query.prepare(QStringLiteral("DELETE FROM DevicesGroups WHERE deviceUUID=?"));
+    query.addBindValue(uuid);
+    ok = ok && query.exec();
+    QList<unsigned int> seen;
+    if (ok)
+        ok = query.prepare(QStringLiteral("INSERT INTO DevicesGroups(deviceUUID, groupID) VALUES (?, ?)"));
+    for (unsigned int group : groups) {
+        if (!ok)
+            break;
+        if (group == 0 || seen.contains(group))
+            continue;
+        seen.append(group);
+        query.addBindValue(uuid);
+        query.addBindValue(group);
+        ok = query.exec();
+    }
+    if (!ok) {
+        warnSql("failed to create DevicesGroups database", query);
+        if (own)
+            d->db.rollback();
+        return false;
+    }
+    if (own)
+        d->db.commit();
+    emit deviceGroupsChanged(uuid);
+    return true;
+}
+
+QList<VRNObject::UUID> ObjectFactory::groupMembers(unsigned int group)
+{
+    return d_func()->numbers(QStringLiteral("SELECT DISTINCT deviceUUID FROM DevicesGroups WHERE groupID=? ORDER BY deviceUUID"),
+                             group);
+}
+
+QList<unsigned int> ObjectFactory::groupIds()
+{
+    return d_func()->numbers(QStringLiteral("SELECT DISTINCT groupID FROM DevicesGroups ORDER BY groupID"));
 }
 
 QMetaEnum ObjectFactory::DevicesTableColumnMetaEnum()

@@ -67,6 +67,19 @@ public:
     /// 0 when none is listed.
     VRNObject::UUID findObject(unsigned nodeID, VRNObject::Type type);
 
+    /// Group numbers the device belongs to, as the last group read or write
+    /// of it found them (table `DevicesGroups`), in ascending order.
+    QList<unsigned int> deviceGroups(VRNObject::UUID uuid);
+    /// Replaces the device's group membership by the non-zero numbers of
+    /// `groups` (each once) and emits `deviceGroupsChanged`. Group reads and
+    /// writes call it through the registry hook; `save()` never touches the
+    /// membership. False for an unknown uuid or when SQL fails.
+    bool setDeviceGroups(VRNObject::UUID uuid, const QList<unsigned int>& groups);
+    /// The uuids of the devices known to belong to `group`, ascending.
+    QList<VRNObject::UUID> groupMembers(unsigned int group);
+    /// Every group number some device is known to belong to, ascending.
+    QList<unsigned int> groupIds();
+
     /// The column's SQL name: its key without "Column" ("NodeID", "Label").
     static QString columnName(DevicesTableColumn column);
     static QMetaEnum DevicesTableColumnMetaEnum();
@@ -96,6 +109,8 @@ Q_SIGNALS:
     void objectChanged(VRNObject::UUID uuid);
     void beginObjectDestroy(VRNObject::UUID uuid);
     void objectDestroyed(VRNObject::UUID uuid, VRN::Addr nodeID);
+    /// The device's rows of `DevicesGroups` were replaced.
+    void deviceGroupsChanged(VRNObject::UUID uuid);
 
 protected:
     ObjectFactory();

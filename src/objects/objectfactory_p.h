@@ -24,6 +24,9 @@ public:
 
     bool saveObject(VRNObject* object) override;
     void objectWorkerDestroyed(VRNObjectWorker* worker) override { onObjectWorkerDestroyed(worker); }
+    void groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots) override;
+    /// Column 0 of every row of `statement` run with `value` bound, as numbers.
+    QList<unsigned int> numbers(const QString& statement, const QVariant& value = QVariant());
 
     void init();
     /// Builds the object of the current row of `query` and caches it.

@@ -10,6 +10,10 @@ ObjectRegistry::~ObjectRegistry()
         s_registry = nullptr;
 }
 
+void ObjectRegistry::groupSlotsKnown(VRNObject*, const QList<unsigned int>&)
+{
+}
+
 ObjectRegistry* ObjectRegistry::instance()
 {
     return s_registry;

@@ -1,6 +1,8 @@
 #ifndef OBJECTREGISTRY_H
 #define OBJECTREGISTRY_H
 
+#include <QList>
+
 class VRNObject;
 class VRNObjectWorker;
 
@@ -20,6 +22,10 @@ public:
     virtual bool saveObject(VRNObject* object) = 0;
     /// Called from `~VRNObjectWorker`, while the worker is still whole.
     virtual void objectWorkerDestroyed(VRNObjectWorker* worker) = 0;
+    /// The group slots of `object` as a group read or write left them on the
+    /// device (0 marks an empty slot). The registry keeps the device's group
+    /// membership in step; the default does nothing.
+    virtual void groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots);
 
     /// The installed registry, or null.
     static ObjectRegistry* instance();

@@ -2,6 +2,7 @@
 #include "getgroupstask_p.h"
 
 #include "dts.h"
+#include "objectregistry.h"
 
 GetGroupsTask::GetGroupsTask(Worker&, QObject* object, const Job& job, QObject* parent)
     : ReadTask(object, job, parent, new GetGroupsTaskPrivate)
@@ -51,8 +52,12 @@ void GetGroupsTask::seed(const StdConfigData& from, StdConfigData& to) const
 bool GetGroupsTask::requestNext()
 {
     Q_D(GetGroupsTask);
-    if (++d->index >= DTSStdProxy::GroupSlotCount)
+    if (++d->index >= DTSStdProxy::GroupSlotCount) {
+        // Every slot read: the registry's membership of the device follows.
+        if (ObjectRegistry* registry = ObjectRegistry::instance())
+            registry->groupSlotsKnown(object(), object()->proxyStdConfig().getConstData().groups);
         return false;
+    }
     watch(node()->getGroupAddr(d->index));
     return true;
 }

@@ -9,7 +9,8 @@ class GetGroupsTaskPrivate;
 /// reply that parses is appended to the proxy's list and stored at once
 /// (the request for slot 0 starts a new list),
 /// so a failure part-way keeps the slots read before it; after the 16th the
-/// local group list is seeded.
+/// local group list is seeded and the slots go to the device registry, which
+/// keeps the device's group membership.
 class GetGroupsTask : public ReadTask<StdConfigData>
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "setfactorydefaulttask.h"
 
 #include "devicetask_p.h"
+#include "objectregistry.h"
 #include "taskparams_p.h"
 
 class SetFactoryDefaultTaskPrivate : public DeviceTaskPrivate
@@ -43,4 +44,16 @@ bool SetFactoryDefaultTask::apply(MotorConfigData& local) const
     for (MotorConfigDataData::MotorIp& ip : local.data().ips)
         ip = MotorConfigDataData::MotorIp();
     return true;
+}
+
+void SetFactoryDefaultTask::onReply(const VRNMessage& reply)
+{
+    QPointer<VRNMotorObject> motor(object());
+    WriteTask::onReply(reply);
+    const DTSMotor::FactoryDefFunction function = d_func()->function;
+    if (error() != Job::NoError || state() != Job::Finished || !motor
+        || (function != DTSMotor::FactoryAll && function != DTSMotor::FactoryGroups))
+        return;
+    if (ObjectRegistry* registry = ObjectRegistry::instance())
+        registry->groupSlotsKnown(motor, {});
 }

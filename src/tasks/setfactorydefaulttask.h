@@ -12,7 +12,8 @@ class SetFactoryDefaultTaskPrivate;
 /// record (direction, end limits, intermediate positions) to "not known", so
 /// the next reads fill it again. A missing object or node at the request is
 /// reported as "VRNMotorObject has been destroyed" / "VRNMotorObject has no
-/// proxy", untranslated.
+/// proxy", untranslated. Functions 0x00 (all) and 0x01 (groups) empty every
+/// group slot: the device registry then knows the device in no group.
 class SetFactoryDefaultTask : public WriteTask<MotorConfigData>
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ protected:
     bool checkRequestStep() override;
     BusPendingCall request(DTSMotorProxy& node) override;
     bool apply(MotorConfigData& local) const override;
+    void onReply(const VRNMessage& reply) override;
 
 private:
     Q_DECLARE_PRIVATE(SetFactoryDefaultTask)

@@ -1,6 +1,7 @@
 #include "setgroupstask.h"
 #include "setgroupstask_p.h"
 
+#include "objectregistry.h"
 #include "setgrouptask.h"
 
 #include <QDebug>
@@ -72,6 +73,23 @@ void SetGroupsTask::start()
         writeSlot();
 }
 
+void SetGroupsTask::storeMembership()
+{
+    Q_D(SetGroupsTask);
+    ObjectRegistry* registry = ObjectRegistry::instance();
+    if (!registry)
+        return;
+    // The written slots over what the last read found in the others.
+    QList<unsigned int> groupSlots = object()->proxyStdConfig().getConstData().groups;
+    for (int i = 0; i < d->groups.size(); ++i) {
+        if (i < groupSlots.size())
+            groupSlots[i] = d->groups.at(i);
+        else
+            groupSlots.append(d->groups.at(i));
+    }
+    registry->groupSlotsKnown(object(), groupSlots);
+}
+
 void SetGroupsTask::writeSlot()
 {
     Q_D(SetGroupsTask);
@@ -95,8 +113,10 @@ void SetGroupsTask::onJobStateChanged(Job::State state)
     }
     if (!checkObject())
         return;
-    if (++d->index >= d->groups.size())
+    if (++d->index >= d->groups.size()) {
+        storeMembership();
         finish();
+    }
     else
         writeSlot();
 }

@@ -10,7 +10,9 @@ class SetGroupsTaskPrivate;
 /// Writes a list of group addresses (job property "groups") into the node's
 /// slots 0, 1, ... in list order, one `SetGroupTask` at a time on an inner
 /// job, and finishes after the last acknowledgement. An empty list finishes
-/// at once.
+/// at once. A complete write hands the device's slots (the written ones over
+/// what the last read found in the others) to the device registry, which
+/// keeps the device's group membership.
 ///
 /// A slot write that fails (refused, unanswered) stops the writing and, by
 /// design, ends nothing: the task stays running, neither finished nor
@@ -55,6 +57,8 @@ protected:
 
 private:
     void writeSlot();
+    /// Hands the device's slots after a complete write to the registry.
+    void storeMembership();
     Q_DECLARE_PRIVATE(SetGroupsTask)
 };
 

@@ -5,13 +5,17 @@
 // short bus timings, a record of the requests sent, and a scripted peer for
 // replies no well-behaved node gives.
 
+#include "busfactory.h"
+#include "busfactory_p.h"
 #include "job.h"
+#include "objectfactory.h"
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 #include "vrnmessage.h"
 
 #include <QList>
 #include <QPointer>
+#include <QSqlDatabase>
 #include <QTest>
 #include <QTimer>
 
@@ -87,6 +91,40 @@ struct Wire
         return out;
     }
 };
+
+/// Puts `bus` in the bus factory's place of a serial or multicast bus (the
+/// factory takes it over), so the registry's objects talk on it.
+inline void installBus(VRNBus* bus)
+{
+    struct Access : BusFactory
+    {
+        static void install(VRNBus* bus)
+        {
+            (BusFactory::instance()->*(&Access::d_ptr))->setBus(bus, QStringLiteral("loopback"));
+        }
+    };
+    Access::install(bus);
+}
+
+/// A device registry on a fresh in-memory default connection, its bus the
+/// wire's; `closeRegistry()` ends it (the bus factory deletes the wire's bus).
+inline bool openRegistry(Wire& wire)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    if (!db.open())
+        return false;
+    installBus(wire.bus);
+    return ObjectFactory::instance();
+}
+
+inline void closeRegistry()
+{
+    ObjectFactory::destroy();
+    BusFactory::destroy();
+    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
+    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
+}
 
 /// Waits for the end of `job`'s run; false when it does not end.
 inline bool waitEnd(const Job& job, int ms = 3000)

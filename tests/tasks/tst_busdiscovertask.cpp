@@ -5,7 +5,6 @@
 #include "busdiscoverjob.h"
 #include "busdiscovertask.h"
 #include "busfactory.h"
-#include "busfactory_p.h"
 #include "dts.h"
 #include "objectfactory.h"
 #include "workqueue.h"
@@ -19,17 +18,6 @@
 using namespace TaskFixture;
 
 namespace {
-// Reaches the factory's private part to put the loopback wire in place of a
-// serial or multicast bus.
-struct BusFactoryAccess : BusFactory
-{
-    static void install(VRNBus* bus)
-    {
-        BusFactory* factory = BusFactory::instance();
-        (factory->*(&BusFactoryAccess::d_ptr))->setBus(bus, QStringLiteral("loopback"));
-    }
-};
-
 using UuidList = QList<unsigned int>;
 } // namespace
 
@@ -73,21 +61,14 @@ void tst_BusDiscoverTask::initTestCase()
 
 void tst_BusDiscoverTask::init()
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(QStringLiteral(":memory:"));
-    QVERIFY(db.open());
     m_wire.reset(new Wire);
-    BusFactoryAccess::install(m_wire->bus);
-    QVERIFY(ObjectFactory::instance());
+    QVERIFY(openRegistry(*m_wire));
 }
 
 void tst_BusDiscoverTask::cleanup()
 {
-    ObjectFactory::destroy();
-    BusFactory::destroy(); // deletes the wire's bus
+    closeRegistry();
     m_wire.reset();
-    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
-    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
 }
 
 UuidList tst_BusDiscoverTask::discover(QString* error)

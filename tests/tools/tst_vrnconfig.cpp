@@ -72,7 +72,11 @@ private slots:
     // Runs in declaration order: each step works on what the previous left.
     void withoutBusEveryDeviceCommandFailsCleanly()
     {
+        // An empty registry selects nothing: a usage error that points at discovery.
         Result r = run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+        QCOMPARE(r.code, 2);
+        QVERIFY2(r.err.startsWith("vrnconfig: no device selected") && r.err.contains("discover"), r.err.constData());
+        r = run({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("up")});
         QCOMPARE(r.code, 1);
         QVERIFY(r.err.startsWith("vrnconfig: no bus"));
 
@@ -101,6 +105,16 @@ private slots:
         QTest::newRow("duration not a number") << QStringList{QStringLiteral("monitor"), QStringLiteral("--duration"),
                                                               QStringLiteral("nan")};
         QTest::newRow("not a bus") << QStringList{QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")};
+        const auto words = [](const char* line) { return QString::fromLatin1(line).split(QLatin1Char(' ')); };
+        QTest::newRow("group beyond 24 bits") << words("get label group:0x1000000");
+        QTest::newRow("group 0") << words("get label group:0");
+        QTest::newRow("group broadcast") << words("group move 0xFFFFFF up");
+        QTest::newRow("group unknown") << words("get label group:0x0F0099");
+        QTest::newRow("unknown kind") << words("wink type:robot");
+        QTest::newRow("move what") << words("group move 0x0F0001 sideways");
+        QTest::newRow("percent too big") << words("group move 0x0F0001 to 101");
+        QTest::newRow("bad priority") << words("get label all --priority -1");
+        QTest::newRow("priority elsewhere") << words("list --priority 2");
     }
     void usageErrors()
     {
@@ -188,6 +202,46 @@ private slots:
         QCOMPARE(groups.size(), 16);
         QCOMPARE(groups.at(0).toInt(), 0x0F0001);
         QCOMPARE(groups.at(1).toInt(), 7);
+    }
+
+    // Selections by group and kind, mixed kinds, abort on error, the group list and a group move.
+    void selectionForms()
+    {
+        QCOMPARE(run({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("all")}).code, 0);
+        Result r = run({QStringLiteral("--json"), QStringLiteral("group"), QStringLiteral("list")});
+        QCOMPARE(r.code, 0);
+        QJsonArray members;
+        for (const QJsonValue& g : jsonArray(r.out))
+            if (g.toObject().value(QStringLiteral("group")).toInt() == 0x0F0001)
+                members = g.toObject().value(QStringLiteral("members")).toArray();
+        QVERIFY2(members.contains(1), r.out.constData());
+
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("group:0x0F0001")});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(result(r.out).value(QStringLiteral("uuid")).toInt(), members.at(0).toInt());
+
+        // Every row is a standard node or built on one; three are motors (the DC motor among them).
+        const auto summary = [](const Result& r) { return QJsonDocument::fromJson(r.out).object().value(QStringLiteral("summary")).toObject(); };
+        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("type:std")});
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 6);
+        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("type:motor")});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 3);
+
+        // Mixed kinds: the motors wink, the others fail, the run goes on.
+        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 3);
+        QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 3);
+        r = run({QStringLiteral("--json"), QStringLiteral("--abort-on-error"), QStringLiteral("--priority"), QStringLiteral("5"),
+                 QStringLiteral("wink"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 1);
+        QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt() + summary(r).value(QStringLiteral("notRun")).toInt(), 5);
+
+        r = run({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("to"), QStringLiteral("50")});
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.startsWith("group 0x0F0001: to sent"), r.out.constData());
     }
 
     // A refused slot leaves the library's job running: the tool stops it,

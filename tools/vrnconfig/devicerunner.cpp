@@ -1,5 +1,8 @@
 #include "devicerunner.h"
 
+#include "groupfactory.h"
+#include "grouptask.h"
+#include "groupworker.h"
 #include "objectfactory.h"
 #include "output.h"
 #include "qmljob.h"
@@ -43,7 +46,7 @@ bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
         m_tries = tryNumber;
         if (!m_stopped.isEmpty())
             return retry->failTry(m_stopped, false);  // taken off while waiting for the next try
-        if (!worker->queue()->enqueue(*job, 0))
+        if (!worker->queue()->enqueue(*job, m_runner->m_priority))
             retry->failTry(QCoreApplication::translate("vrnconfig", "cannot queue the job"), false);
     });
     QObject::connect(job, &Job::finished, retry, [retry, job] { retry->reportJob(*job); });
@@ -110,24 +113,85 @@ DeviceRunner::~DeviceRunner() = default;
 void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory& make, const ValueReader& read,
                            const QString& refusal)
 {
-    run(uuids, [make, read, refusal](DeviceRun& run) {
-        QmlJob* job = make(*run.device);
+    begin(uuids);
+    m_read = read;
+    // Every device is under way from the start: the group holds them.
+    m_next = m_runs.size();
+    QList<unsigned int> group;
+    std::unique_ptr<QmlJob> job;
+    ObjectFactory* factory = ObjectFactory::instance();
+    for (const auto& run : qAsConst(m_runs)) {
+        // With --abort-on-error a refused device ends the run like a failed one.
+        if (m_abortNow)
+            continue;
+        run->m_started = true;
+        ++m_running;
+        // The worker held here is the one the group task finds for the
+        // device, so the values read afterwards are on the object it used.
+        run->worker = factory->objectWorker(run->uuid);
+        if (run->worker)
+            run->object = run->worker->vrnObject();
+        run->device = qobject_cast<VRNStdObject*>(run->object.data());
+        QmlJob* made = run->device ? make(*run->device) : nullptr;
+        if (!made) {
+            run->fail(run->device ? refusal : tr("not a network node"));
+            continue;
+        }
+        // The command's job is the same for every device: one copy is kept.
         if (!job)
-            return run.fail(refusal);
-        run.start(job, [&run, read](Job::Error error) {
-            if (error != Job::NoError)
-                return run.fail(run.jobError());
-            QString why;
-            if (read && !read(run, why))
-                return run.fail(why);
-            run.succeed();
-        });
+            job.reset(made);
+        else
+            delete made;
+        group << run->uuid;
+        m_byUuid.insert(run->uuid, run.get());
+    }
+    showProgress();
+    if (group.isEmpty() || m_summarised)
+        return;
+    m_groupJob = job.release();
+    m_groupJob->setParent(this);
+    m_groupJob->setProperty("jobPriority", int(m_priority));
+    if (m_abortOnError)
+        m_groupJob->setProperty("abortOnError", true);
+    connect(m_groupJob, &Job::started, this, [this] {
+        m_groupTask = qobject_cast<GroupTask*>(m_groupJob->task());
+        if (m_groupTask)
+            connect(m_groupTask, &GroupTask::deviceDone, this, &DeviceRunner::deviceDone);
     });
+    connect(m_groupJob, &Job::finished, this, &DeviceRunner::groupEnded);
+    m_group = GroupFactory::instance()->groupWorker(group);
+    if (!m_group->queue()->enqueue(*m_groupJob, m_priority))
+        groupEnded();
 }
 
-void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action)
+void DeviceRunner::deviceDone(unsigned int uuid)
 {
-    m_action = action;
+    DeviceRun* run = m_byUuid.value(uuid);
+    if (!run || run->ended() || !m_groupTask)
+        return;
+    const GroupTaskResultModel* results = m_groupTask->result();
+    if (results->error(uuid) != Job::NoError)
+        return run->fail(results->errorString(uuid));
+    QString why;
+    if (m_read && !m_read(*run, why))
+        return run->fail(why);
+    run->succeed();
+}
+
+void DeviceRunner::groupEnded()
+{
+    m_running = 0;
+    for (const auto& run : qAsConst(m_runs))
+        if (!run->ended())
+            run->worker.reset();
+    summarise();
+}
+
+void DeviceRunner::begin(const QList<VRNObject::UUID>& uuids)
+{
+    // Checked when the options were read.
+    VrnConfigCli::parseNumber(m_cli.value(QStringLiteral("priority")), 0x7FFFFFFF, m_priority);
+    m_abortOnError = m_cli.isSet(QStringLiteral("abort-on-error"));
     m_clock.start();
     ObjectFactory* factory = ObjectFactory::instance();
     for (VRNObject::UUID uuid : uuids) {
@@ -143,6 +207,12 @@ void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action
     if (m_cli.json())
         m_stream.reset(new JsonArrayStream(m_cli.output(), m_runs.size(), "{\"results\":["));
     m_cli.setInterruptHandler([this] { interrupt(); });
+}
+
+void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action)
+{
+    begin(uuids);
+    m_action = action;
     showProgress();
     launch();
     if (m_runs.isEmpty())
@@ -153,7 +223,7 @@ void DeviceRunner::run(const QList<VRNObject::UUID>& uuids, const Action& action
 void DeviceRunner::launch()
 {
     ObjectFactory* factory = ObjectFactory::instance();
-    while (m_running < m_parallel && m_next < m_runs.size() && m_interrupts == 0) {
+    while (m_running < m_parallel && m_next < m_runs.size() && m_interrupts == 0 && !m_abortNow) {
         DeviceRun& run = *m_runs.at(m_next++);
         run.m_started = true;
         ++m_running;
@@ -173,8 +243,9 @@ void DeviceRunner::ended(DeviceRun& run)
         --m_running;
     ++m_done;
     run.result.value(QStringLiteral("ok")).toBool() ? ++m_ok : ++m_failed;
+    m_abortNow = m_abortNow || (m_abortOnError && m_failed > 0);
     report(run);
-    if (m_done == m_runs.size() || (m_interrupts > 0 && m_running == 0))
+    if (m_done == m_runs.size() || ((m_interrupts > 0 || m_abortNow) && m_running == 0))
         return summarise();
     showProgress();
     // Queued: a device ending inside its action must not start the next one
@@ -208,6 +279,17 @@ void DeviceRunner::interrupt()
     if (m_summarised)
         return;
     ++m_interrupts;
+    if (m_group) {
+        // The group's device under way ends; no further one starts.
+        if (m_interrupts == 1) {
+            m_cli.output().note(tr("vrnconfig: interrupted: waiting for the running device; Ctrl-C again to stop it"));
+            if (m_groupTask)
+                m_groupTask->skipRemaining();
+        } else if (m_groupJob) {
+            m_group->queue()->dequeue(*m_groupJob);
+        }
+        return;
+    }
     if (m_interrupts == 1)
         m_cli.output().note(tr("vrnconfig: interrupted: waiting for %1 running device(s); Ctrl-C again to stop them")
                                 .arg(m_running));
@@ -234,8 +316,10 @@ void DeviceRunner::summarise()
         error = tr("%1 of %2 device(s) failed").arg(m_failed).arg(m_runs.size());
     if (m_stream) {
         // The devices taken off still get their element, so the array is whole.
-        for (int i = m_next; i < m_runs.size(); ++i) {
-            QJsonObject result = m_runs.at(i)->result;
+        for (const auto& run : qAsConst(m_runs)) {
+            if (run->ended())
+                continue;
+            QJsonObject result = run->result;
             result.insert(QStringLiteral("error"), tr("not run"));
             m_stream->append(result);
         }

@@ -5,6 +5,7 @@
 #include "vrnobject.h"
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QJsonObject>
 #include <QObject>
 #include <QPointer>
@@ -14,6 +15,8 @@
 #include <memory>
 
 class DeviceRunner;
+class GroupTask;
+class GroupWorker;
 class JsonArrayStream;
 class VRNObjectWorker;
 class VRNStdObject;
@@ -82,6 +85,14 @@ private:
 /// "exitCode" when a device failed), for people a line on standard error
 /// (on success only when it is a terminal).
 /// The exit code is 1 when any device failed.
+///
+/// `runJobs` goes through the group worker of the devices (GroupFactory):
+/// one copy of the job runs on one device after another, and each device is
+/// reported as its entry in the group's results ends. `run` with an action
+/// of its own per device uses the devices' own workers. Both honour
+/// --priority N (the job's priority on every queue it waits in) and
+/// --abort-on-error (no device is started after the first one that failed;
+/// those left are reported as not run).
 class DeviceRunner : public QObject
 {
     Q_OBJECT
@@ -113,7 +124,13 @@ Q_SIGNALS:
 
 private:
     friend class DeviceRun;
+    /// Sets up one run per device, the options, the stream and the interrupt handler.
+    void begin(const QList<VRNObject::UUID>& uuids);
     void launch();
+    /// A device's entry in the group's results has ended.
+    void deviceDone(unsigned int uuid);
+    /// The group job ended: devices without an entry were not run.
+    void groupEnded();
     void ended(DeviceRun& run);
     void interrupt();
     void report(const DeviceRun& run);
@@ -131,6 +148,14 @@ private:
     int m_parallel = 4;
     int m_interrupts = 0;
     bool m_summarised = false;
+    unsigned int m_priority = 0;
+    bool m_abortOnError = false;
+    bool m_abortNow = false;
+    ValueReader m_read;
+    QSharedPointer<GroupWorker> m_group;
+    QPointer<QmlJob> m_groupJob;
+    QPointer<GroupTask> m_groupTask;
+    QHash<unsigned int, DeviceRun*> m_byUuid;
     QElapsedTimer m_clock;
     std::unique_ptr<JsonArrayStream> m_stream;
 };

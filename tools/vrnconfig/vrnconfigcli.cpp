@@ -1,6 +1,7 @@
 #include "vrnconfigcli.h"
 
 #include "busfactory.h"
+#include "groupcontrol.h"
 #include "objectfactory.h"
 #include "objectquerymodel.h"
 #include "objectselectionmodel.h"
@@ -52,7 +53,11 @@ const char OptionsText[] =
     "  --version       the tool's version\n";
 
 const char TrailerText[] =
-    "DEVICE: a uuid, node:NUMBER (decimal or 0x hexadecimal), or all.\n"
+    "DEVICE: a uuid, node:NUMBER (decimal or 0x hexadecimal), group:ADDR (the devices the\n"
+    "registry knows in that group), type:KIND (std, motor, dcmotor, lru50, tx50dc, tx30,\n"
+    "settingtool; a kind includes the kinds built on it), or all. Most jobs on several devices\n"
+    "run through their group, one device after another; --priority N and --abort-on-error\n"
+    "apply to every job command.\n"
     "Output: with --json every command prints one JSON document (an array or an object),\n"
     "also on failure: {\"error\": \"...\", \"exitCode\": N}. monitor and watch print JSON Lines,\n"
     "one object per line. Commands on devices print one result per device as it ends and\n"
@@ -150,6 +155,11 @@ bool VrnConfigCli::start(const QStringList& given)
             return false;
         }
     }
+    quint32 priority = 0;
+    if (m_parser.isSet(QStringLiteral("priority")) && !parseNumber(m_parser.value(QStringLiteral("priority")), 0x7FFFFFFF, priority)) {
+        fail(Usage, tr("not a valid --priority: %1 (a whole number from 0)").arg(m_parser.value(QStringLiteral("priority"))));
+        return false;
+    }
     if (!openDatabase())
         return false;
     watchInterrupts();
@@ -239,6 +249,42 @@ bool VrnConfigCli::openBus()
     return true;
 }
 
+namespace {
+// The kinds a device selection names, in vrnsim's words and the type keys.
+const QList<QPair<QString, VRNObject::Type>>& kindNames()
+{
+    static const QList<QPair<QString, VRNObject::Type>> names{
+        {QStringLiteral("std"), VRNObject::DtsStd},         {QStringLiteral("motor"), VRNObject::DtsMotor},
+        {QStringLiteral("dcmotor"), VRNObject::DtsDcMotor}, {QStringLiteral("lru50"), VRNObject::LRU50},
+        {QStringLiteral("tx50dc"), VRNObject::TX50DC},      {QStringLiteral("tx30"), VRNObject::TX30},
+        {QStringLiteral("settingtool"), VRNObject::SettingTool}};
+    return names;
+}
+
+// A kind and every kind whose class is built on it ("motor" holds the DC
+// motors too), as the job bindings see them.
+QList<VRNObject::Type> kindAndDerived(const QString& word, bool& ok)
+{
+    ok = false;
+    VRNObject::Type kind = VRNObject::VRNObj;
+    for (const auto& name : kindNames()) {
+        if (word.compare(name.first, Qt::CaseInsensitive) == 0
+            || word.compare(VRNObject::typeToString(name.second), Qt::CaseInsensitive) == 0) {
+            kind = name.second;
+            ok = true;
+        }
+    }
+    QList<VRNObject::Type> kinds;
+    const QMetaObject* base = ok ? VRNObject::typeToMetaObject(kind) : nullptr;
+    for (const auto& name : kindNames()) {
+        const QMetaObject* meta = VRNObject::typeToMetaObject(name.second);
+        if (base && meta && (meta == base || VRNObject::isAncestor(*base, *meta)))
+            kinds << name.second;
+    }
+    return kinds;
+}
+} // namespace
+
 bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids)
 {
     ObjectFactory* factory = ObjectFactory::instance();
@@ -262,10 +308,31 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
                 fail(Usage, tr("unknown device: %1").arg(word));
                 return false;
             }
+        } else if (word.startsWith(QLatin1String("group:"))) {
+            quint32 group = 0;
+            if (!parseGroupAddress(word.mid(6), group)) {
+                fail(Usage, tr("not a valid group address: %1 (1 to 0xFFFFFE)").arg(word.mid(6)));
+                return false;
+            }
+            found = factory->groupMembers(group);
+        } else if (word.startsWith(QLatin1String("type:"))) {
+            bool ok = false;
+            const QList<VRNObject::Type> kinds = kindAndDerived(word.mid(5), ok);
+            if (!ok) {
+                QStringList names;
+                for (const auto& name : kindNames())
+                    names << name.first;
+                fail(Usage, tr("unknown device kind: %1 (one of %2)").arg(word.mid(5), names.join(QStringLiteral(", "))));
+                return false;
+            }
+            ObjectSelectionModel selection(factory->database());
+            for (VRNObject::Type kind : kinds)
+                selection.addItems(ObjectFactory::TypeColumn, int(kind));
+            found = selection.toList();
         } else {
             quint32 uuid = 0;
             if (!parseNumber(word, 0xFFFFFFFE, uuid)) {
-                fail(Usage, tr("not a valid device: %1 (a uuid, node:NUMBER or all)").arg(word));
+                fail(Usage, tr("not a valid device: %1 (a uuid, node:NUMBER, group:ADDR, type:KIND or all)").arg(word));
                 return false;
             }
             if (!factory->object(uuid)) {
@@ -278,7 +345,18 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
             if (!uuids.contains(uuid))
                 uuids << uuid;
     }
+    if (uuids.isEmpty()) {
+        fail(Usage, tr("no device selected by %1; run 'vrnconfig discover' to fill the registry "
+                       "(and 'vrnconfig get groups all' to learn the groups)")
+                        .arg(words.join(QLatin1Char(' '))));
+        return false;
+    }
     return true;
+}
+
+bool VrnConfigCli::parseGroupAddress(const QString& text, quint32& group)
+{
+    return parseNumber(text, 0xFFFFFF, group) && GroupControl::isGroupAddress(group);
 }
 
 bool VrnConfigCli::confirm(const QString& question)

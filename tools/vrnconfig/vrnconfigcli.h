@@ -51,8 +51,9 @@ public:
     /// Opens the bus (--bus or the remembered one); false when it failed (the
     /// run has then ended with the reason).
     bool openBus();
-    /// The devices named by `words` (uuids, node:NUMBER, all); false on a
-    /// usage error (the run has ended).
+    /// The devices named by `words` (uuids, node:NUMBER, group:ADDR,
+    /// type:KIND, all); false on a usage error, an empty selection included
+    /// (the run has ended).
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
     /// Asks "question [y/N]" on a terminal, or needs --yes; false when not
     /// confirmed (the run has ended).
@@ -67,6 +68,8 @@ public:
 
     /// A whole number in 0..max, decimal or 0x hexadecimal.
     static bool parseNumber(const QString& text, quint32 max, quint32& value);
+    /// A group address: 1 to 0xFFFFFE, decimal or 0x hexadecimal.
+    static bool parseGroupAddress(const QString& text, quint32& group);
     /// A node's number, written one way everywhere: 0x000102.
     static QString nodeText(quint32 node);
     static QString hex(quint32 value, int width);
