@@ -37,13 +37,13 @@ bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
     }
     // Each try queues the job again; only the last try's end reaches `then`.
     auto* machine = new QStateMachine(job);
-    auto* retry = new StateRetry(m_runner->m_cli.retries(), RetryDelayMs, machine);
+    auto* retry = new StateRetry(m_runner->m_cli.retries() - m_triesBefore, RetryDelayMs, machine);
     auto* over = new QFinalState(machine);
     machine->setInitialState(retry);
     retry->addTransition(retry, &QState::finished, over);
     retry->addTransition(retry, &StateRetry::failed, over);
     QObject::connect(retry, &StateRetry::attempt, m_runner, [this, job, retry](int tryNumber) {
-        m_tries = tryNumber;
+        m_tries = m_triesBefore + tryNumber;
         if (!m_stopped.isEmpty())
             return retry->failTry(m_stopped, false);  // taken off while waiting for the next try
         if (!worker->queue()->enqueue(*job, m_runner->m_priority))
@@ -115,6 +115,7 @@ void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory
 {
     begin(uuids);
     m_read = read;
+    m_make = make;
     // Every device is under way from the start: the group holds them.
     m_next = m_runs.size();
     QList<unsigned int> group;
@@ -170,8 +171,15 @@ void DeviceRunner::deviceDone(unsigned int uuid)
     if (!run || run->ended() || !m_groupTask)
         return;
     const GroupTaskResultModel* results = m_groupTask->result();
-    if (results->error(uuid) != Job::NoError)
+    if (results->error(uuid) != Job::NoError) {
+        // The group's copy of the job still tells how this device's run ended
+        // (unless the device never got to run it: another worker then).
+        const QmlJob* inner = m_groupTask->innerJob();
+        if (inner && inner->worker() == run->worker.data() && inner->isTransientError() && m_cli.retries() > 0
+            && m_interrupts == 0 && !m_abortNow)
+            return retryAlone(*run);
         return run->fail(results->errorString(uuid));
+    }
     QString why;
     if (m_read && !m_read(*run, why))
         return run->fail(why);
@@ -180,11 +188,34 @@ void DeviceRunner::deviceDone(unsigned int uuid)
 
 void DeviceRunner::groupEnded()
 {
+    // Devices trying again on their own workers are still running.
     m_running = 0;
-    for (const auto& run : qAsConst(m_runs))
-        if (!run->ended())
+    for (const auto& run : qAsConst(m_runs)) {
+        if (run->m_triesBefore > 0 && !run->ended())
+            ++m_running;
+        else if (!run->ended())
             run->worker.reset();
+    }
     summarise();
+}
+
+void DeviceRunner::retryAlone(DeviceRun& run)
+{
+    QmlJob* job = m_make(*run.device);
+    if (!job)
+        return run.fail(m_groupTask->result()->errorString(run.uuid));
+    job->setParent(this);
+    run.m_triesBefore = 1;
+    QTimer::singleShot(RetryDelayMs, this, [this, &run, job] {
+        run.start(job, [this, &run](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            QString why;
+            if (m_read && !m_read(run, why))
+                return run.fail(why);
+            run.succeed();
+        });
+    });
 }
 
 void DeviceRunner::begin(const QList<VRNObject::UUID>& uuids)
@@ -285,8 +316,12 @@ void DeviceRunner::interrupt()
             m_cli.output().note(tr("vrnconfig: interrupted: waiting for the running device; Ctrl-C again to stop it"));
             if (m_groupTask)
                 m_groupTask->skipRemaining();
-        } else if (m_groupJob) {
-            m_group->queue()->dequeue(*m_groupJob);
+        } else {
+            if (m_groupJob)
+                m_group->queue()->dequeue(*m_groupJob);
+            for (const auto& run : qAsConst(m_runs))
+                if (run->m_triesBefore > 0 && !run->ended())
+                    run->stop(tr("interrupted"));
         }
         return;
     }

@@ -66,6 +66,8 @@ private:
     /// Why the last try failed (empty after a success).
     QString m_retryError;
     int m_tries = 0;
+    /// Tries made before `start()` (the device's turn in a group).
+    int m_triesBefore = 0;
     bool m_started = false;
     bool m_ended = false;
 };
@@ -92,7 +94,10 @@ private:
 /// of its own per device uses the devices' own workers. Both honour
 /// --priority N (the job's priority on every queue it waits in) and
 /// --abort-on-error (no device is started after the first one that failed;
-/// those left are reported as not run).
+/// those left are reported as not run), and --retries N: a device whose
+/// job timed out (or met a bus failure) runs it again, up to N times in all,
+/// on its own worker (after its turn in the group for `runJobs`); its result
+/// then holds "tries".
 class DeviceRunner : public QObject
 {
     Q_OBJECT
@@ -131,6 +136,9 @@ private:
     void deviceDone(unsigned int uuid);
     /// The group job ended: devices without an entry were not run.
     void groupEnded();
+    /// Runs a device's job again on its own worker, after its turn in the
+    /// group failed for a reason that may pass (--retries).
+    void retryAlone(DeviceRun& run);
     void ended(DeviceRun& run);
     void interrupt();
     void report(const DeviceRun& run);
@@ -152,6 +160,7 @@ private:
     bool m_abortOnError = false;
     bool m_abortNow = false;
     ValueReader m_read;
+    JobFactory m_make;
     QSharedPointer<GroupWorker> m_group;
     QPointer<QmlJob> m_groupJob;
     QPointer<GroupTask> m_groupTask;
