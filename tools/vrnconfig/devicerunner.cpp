@@ -37,7 +37,8 @@ bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
     }
     // Each try queues the job again; only the last try's end reaches `then`.
     auto* machine = new QStateMachine(job);
-    auto* retry = new StateRetry(m_runner->m_cli.retries() - m_triesBefore, RetryDelayMs, machine);
+    const int retries = job->property(DeviceRunner::RunOnce).toBool() ? 0 : m_runner->m_cli.retries() - m_triesBefore;
+    auto* retry = new StateRetry(retries, RetryDelayMs, machine);
     auto* over = new QFinalState(machine);
     machine->setInitialState(retry);
     retry->addTransition(retry, &QState::finished, over);
@@ -176,7 +177,7 @@ void DeviceRunner::deviceDone(unsigned int uuid)
         // (unless the device never got to run it: another worker then).
         const QmlJob* inner = m_groupTask->innerJob();
         if (inner && inner->worker() == run->worker.data() && inner->isTransientError() && m_cli.retries() > 0
-            && m_interrupts == 0 && !m_abortNow)
+            && !inner->property(RunOnce).toBool() && m_interrupts == 0 && !m_abortNow)
             return retryAlone(*run);
         return run->fail(results->errorString(uuid));
     }

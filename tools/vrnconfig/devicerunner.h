@@ -97,7 +97,7 @@ private:
 /// those left are reported as not run), and --retries N: a device whose
 /// job timed out (or met a bus failure) runs it again, up to N times in all,
 /// on its own worker (after its turn in the group for `runJobs`); its result
-/// then holds "tries".
+/// then holds "tries". A job with the property `RunOnce` runs once.
 class DeviceRunner : public QObject
 {
     Q_OBJECT
@@ -108,6 +108,10 @@ public:
     /// Puts what the device said into the result; false (and the reason in
     /// `error`) when the job's outcome is a failure after all.
     using ValueReader = std::function<bool(DeviceRun&, QString& error)>;
+
+    /// Name of a job property: true for a job that must not run again after a
+    /// timeout (a relative change, which a lost acknowledgement hides).
+    static constexpr const char* RunOnce = "vrnconfigRunOnce";
 
     explicit DeviceRunner(VrnConfigCli& cli);
     ~DeviceRunner() override;
