@@ -1,21 +1,16 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer programs of fuzz/ with clang, AddressSanitizer and
-# UndefinedBehaviorSanitizer in their own build folder (build-fuzz), then runs
+# UndefinedBehaviorSanitizer in the sanitizer build (build-san), then runs
 # each for FUZZ_SECONDS (30) from its seed corpus in fuzz/corpus/NAME with a
 # fixed -seed, so that a run can be repeated. Fails on any crash; the input
-# that crashed is left in build-fuzz/fuzz/artifacts: add it to the target's
+# that crashed is left in build-san/fuzz/artifacts: add it to the target's
 # corpus with the fix. Arguments name the targets to run (default: all).
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
-build=${VRN_FUZZ_BUILD_DIR:-$top/build-fuzz}
+build=${VRN_SAN_BUILD_DIR:-$top/build-san}
 seconds=${FUZZ_SECONDS:-30}
-flags="-O1 -g -fno-omit-frame-pointer -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all"
 
-VRN_EXTRA_PACKAGES="clang libclang-rt-14-dev" VRN_BUILD_TARGETS=fuzzers VRN_BUILD_DIR=$build \
-  "$top/scripts/setup.sh" -DVRN_FUZZ=ON -DCMAKE_BUILD_TYPE=None \
-  -DCMAKE_CXX_COMPILER=clang++ "-DCMAKE_CXX_FLAGS=$flags" \
-  "-DCMAKE_EXE_LINKER_FLAGS=-fsanitize=address,undefined" \
-  "-DCMAKE_SHARED_LINKER_FLAGS=-fsanitize=address,undefined"
+VRN_SAN_BUILD_DIR=$build VRN_BUILD_TARGETS=fuzzers "$top/scripts/sanitize.sh" --build-only
 
 if [ $# -gt 0 ]; then targets=("$@"); else mapfile -t targets < <(grep . "$build/fuzz/targets.txt"); fi
 export ASAN_OPTIONS="detect_leaks=1"

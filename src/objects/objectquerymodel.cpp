@@ -7,6 +7,8 @@
 #include <QSqlError>
 #include <QSqlRecord>
 
+#include <algorithm>
+
 namespace {
 const QHash<int, QByteArray>& roles()
 {
@@ -23,7 +25,7 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db)
 {
 }
 
@@ -52,6 +54,7 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
         if (!query.exec(create))
             qWarning() << "[ObjectQueryModel]: failed to create SQL view:" << query.lastError().text();
         updateRowCount();
+        dropAnchors();
     }
     QSqlQuery query(db);
     query.setForwardOnly(true);
@@ -142,7 +145,136 @@ bool ObjectQueryModelPrivate::seekPage(int target)
     return true;
 }
 
+bool ObjectQueryModelPrivate::anchoredColumn() const
+{
+    return sortColumn == ObjectFactory::UuidColumn || sortColumn == ObjectFactory::NodeIDColumn
+        || sortColumn == ObjectFactory::TypeColumn;
+}
+
+void ObjectQueryModelPrivate::dropAnchors()
+{
+    anchors.clear();
+    anchorsBuilt = false;
+}
+
+void ObjectQueryModelPrivate::buildAnchors()
+{
+    anchors.clear();
+    anchorsBuilt = true;
+    ++anchorGeneration;
+    // Positions among the rows with a key, in (raw value, uuid) order as
+    // the counting statement has it; rows of other storage classes keep
+    // their place in the count but make no anchor.
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    const QString c = sortColumnName();
+    if (!query.exec(QStringLiteral("SELECT k, uuid, r FROM (SELECT %1 AS k, typeof(%1) AS t, uuid,"
+                                   " row_number() OVER (ORDER BY %1, uuid) - 1 AS r FROM Devices WHERE %1 NOTNULL)"
+                                   " WHERE r % %2 = 0 AND t = 'integer'")
+                        .arg(c)
+                        .arg(int(AnchorSpacing)))) {
+        qWarning() << "[ObjectQueryModel]: unexpected sql failure (anchors):" << query.lastError().text();
+        return;
+    }
+    while (query.next())
+        anchors.append({query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toInt()});
+}
+
+bool ObjectQueryModelPrivate::integerKey(VRNObject::UUID uuid, qint64* key, bool* null)
+{
+    const QString statement = QStringLiteral("SELECT %1, typeof(%1) FROM Devices WHERE uuid = ?").arg(sortColumnName());
+    if (null)
+        *null = false;
+    if (keyQuery.lastQuery() != statement && !keyQuery.prepare(statement))
+        return false;
+    keyQuery.bindValue(0, uuid);
+    if (!keyQuery.exec() || !keyQuery.next()) {
+        keyQuery.finish();
+        return false;
+    }
+    const QString type = keyQuery.value(1).toString();
+    if (null)
+        *null = type == QLatin1String("null");
+    const bool integer = type == QLatin1String("integer");
+    if (integer)
+        *key = keyQuery.value(0).toLongLong();
+    keyQuery.finish();
+    return integer;
+}
+
+void ObjectQueryModelPrivate::anchorNewRow(VRNObject::UUID uuid, int generation)
+{
+    // Anchors read with the row already in place count it.
+    if (!anchorsBuilt || generation != anchorGeneration)
+        return;
+    qint64 key = 0;
+    bool null = false;
+    // A NULL key is counted among the NULLs only; another kind of value
+    // might sort between the anchors.
+    if (integerKey(uuid, &key, &null))
+        shiftAnchors(key, uuid, 1);
+    else if (!null)
+        dropAnchors();
+}
+
+void ObjectQueryModelPrivate::shiftAnchors(qint64 key, VRNObject::UUID uuid, int delta)
+{
+    const Anchor row{key, qint64(uuid), 0};
+    auto it = std::lower_bound(anchors.begin(), anchors.end(), row);
+    if (delta < 0 && it != anchors.end() && !(row < *it))
+        it = anchors.erase(it);
+    for (; it != anchors.end(); ++it)
+        it->rank += delta;
+}
+
 int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
+{
+    qint64 key = 0;
+    if (!anchoredColumn() || !integerKey(uuid, &key))
+        return countIndexOf(uuid);
+    if (!anchorsBuilt)
+        buildAnchors();
+    // The nearest anchor at or before the row; none: count from the start.
+    const Anchor row{key, qint64(uuid), 0};
+    const auto it = std::upper_bound(anchors.cbegin(), anchors.cend(), row);
+    const Anchor* anchor = it == anchors.cbegin() ? nullptr : &*(it - 1);
+    const QString c = sortColumnName();
+    QString statement;
+    QVariantList values;
+    if (!anchor) {
+        statement = QStringLiteral("SELECT (SELECT COUNT(*) FROM Devices WHERE %1 < ?)"
+                                   " + (SELECT COUNT(*) FROM Devices WHERE %1 = ? AND uuid < ?)");
+        values = {key, key, uuid};
+    } else if (anchor->key == key) {
+        statement = QStringLiteral("SELECT COUNT(*) FROM Devices WHERE %1 = ? AND uuid >= ? AND uuid < ?");
+        values = {key, anchor->uuid, uuid};
+    } else {
+        statement = QStringLiteral("SELECT (SELECT COUNT(*) FROM Devices WHERE %1 = ? AND uuid >= ?)"
+                                   " + (SELECT COUNT(*) FROM Devices WHERE %1 > ? AND %1 < ?)"
+                                   " + (SELECT COUNT(*) FROM Devices WHERE %1 = ? AND uuid < ?)");
+        values = {anchor->key, anchor->uuid, anchor->key, key, key, uuid};
+    }
+    const int base = anchor ? anchor->rank : 0;
+    statement = statement.arg(c);
+    if (statement != betweenStatement) {
+        betweenStatement = betweenQuery.prepare(statement) ? statement : QString();
+    }
+    for (int i = 0; i < values.size(); ++i)
+        betweenQuery.bindValue(i, values.at(i));
+    if (betweenStatement.isEmpty() || !betweenQuery.exec() || !betweenQuery.next()) {
+        qWarning() << "[ObjectQueryModel]: unexpected sql failure (indexOf):" << betweenQuery.lastError().text();
+        betweenStatement.clear();
+        return -1;
+    }
+    const int walked = betweenQuery.value(0).toInt();
+    betweenQuery.finish();
+    // Rows crowded in between two anchors: place them anew next time.
+    if (walked > 4 * AnchorSpacing)
+        dropAnchors();
+    return base + walked;
+}
+
+int ObjectQueryModelPrivate::countIndexOf(VRNObject::UUID uuid)
 {
     // The rows of Devices before the device in (raw value, uuid) order, NULL
     // values counted only among themselves. Each count walks an index range
@@ -333,7 +465,10 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     Q_D(ObjectQueryModel);
     if (!object)
         return;
+    const int generation = d->anchorGeneration;
     const int v = d->indexOf(object->uuid());
+    if (v >= 0)
+        d->anchorNewRow(object->uuid(), generation);
     bool pageFresh = false;
     if (v >= 0) {
         // The database holds the row already, the model shows it only from
@@ -367,6 +502,9 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
 void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
+    // A save may write the sorted column.
+    if (d->sortColumn != ObjectFactory::UuidColumn)
+        d->dropAnchors();
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
@@ -402,12 +540,16 @@ void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
+    // Still in the table: the anchors after it move up when it is gone.
+    d->removedKeyKnown = d->anchoredColumn() && d->integerKey(uuid, &d->removedKey);
+    if (!d->removedKeyKnown && d->anchoredColumn())
+        d->dropAnchors();
     d->pendingRemoval = v;
     const int row = d->mapRow(v);
     beginRemoveRows(QModelIndex(), row, row);
 }
 
-void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID, VRN::Addr address)
+void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr address)
 {
     Q_D(ObjectQueryModel);
     if (d->pendingRemoval < 0) {
@@ -416,6 +558,9 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID, VRN::Addr address)
     }
     const int v = d->pendingRemoval;
     d->pendingRemoval = -1;
+    if (d->removedKeyKnown && d->anchorsBuilt)
+        d->shiftAnchors(d->removedKey, uuid, -1);
+    d->removedKeyKnown = false;
     if (v < d->offset) {
         --d->offset;
         d->pageExact = false;

@@ -346,6 +346,34 @@ private slots:
         QCOMPARE(model->rowCount(), sqlValue(QStringLiteral("SELECT COUNT(*) FROM ") + model->viewName()).toInt());
     }
 
+    // Positions of rows created and destroyed through the factory, at
+    // several thousand rows, NULL node ids and shared node ids among them,
+    // are what the counting statement gives.
+    void indexOfFollowsCreationsAndDestructions_data() { sortColumnRows(ObjectFactory::TypeColumn); }
+
+    void indexOfFollowsCreationsAndDestructions()
+    {
+        QFETCH(int, column);
+        insertDevices(3000);
+        makeModel();
+        model->setSortBy(ObjectQueryModel::Role(ObjectQueryModel::UuidRole + column));
+        QRandomGenerator random(quint32(column + 11));
+        QCOMPARE(model->indexOf(1), 0);
+        for (int i = 0; i < 600; ++i) {
+            if (i % 3 == 2) {
+                factory->destroyObject(1 + random.bounded(3000 + i));
+                continue;
+            }
+            const unsigned node = i % 10 == 0 ? 0u : i % 7 == 0 ? 1500u : random.bounded(1u, 4000u);
+            factory->createObject(VRNObject::Type(1 + i % 6), node, false);
+        }
+        const QList<VRNObject::UUID> uuids = model->toList();
+        QCOMPARE(model->rowCount(), uuids.size());
+        const QString c = ObjectFactory::columnName(ObjectFactory::DevicesTableColumn(column));
+        for (VRNObject::UUID uuid : uuids)
+            QCOMPARE(model->indexOf(uuid), referenceIndexOf(c, uuid));
+    }
+
     // Qt's model checker rides along while devices are created (a quarter
     // of them on a node id already taken), destroyed and renamed, the sort
     // changes, the selection changes and a view scrolls to random rows;
