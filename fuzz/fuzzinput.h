@@ -27,6 +27,19 @@ public:
         return out;
     }
     QByteArray rest() { return bytes(m_size); }
+    /// The rest; with an odd first byte its checksum is made right, so that
+    /// a decoder gets past it to the payload.
+    QByteArray restChecked()
+    {
+        QByteArray out = rest();
+        if (out.size() >= VRNMessage::MinFrameSize && (quint8(out[0]) & 1)) {
+            const int n = out.size();
+            const quint16 crc = VRNMessage::checksum(out.constData(), n - 2);
+            out[n - 2] = char(crc >> 8);
+            out[n - 1] = char(crc & 0xFF);
+        }
+        return out;
+    }
 
     /// A well-formed frame whose fields come from the input: one flag byte
     /// (ack, group, source is `self`), the code, source and destination, and

@@ -52,7 +52,7 @@ vrnconfig get label "$first"
 step "The registry now"
 vrnconfig list --sort label | sed -n 1,6p
 
-motor=$(vrnconfig list --sort nodeid | awk '$3 == "DtsMotor" { print $1; exit }')
+motor=$(vrnconfig list --sort nodeid | awk '$3 == "motor" { print $1; exit }')
 dc=$(vrnconfig list --sort nodeid | awk '$3 == "TX30" { print $1; exit }')
 step "Winking motor $motor, then moving it to 50 % while watching its position"
 vrnconfig wink "$motor"

@@ -4,6 +4,14 @@ set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 build=${VRN_BUILD_DIR:-$top/build}
 "$top/scripts/setup.sh"
+# The capture test reads vrnconfig's pcap files back with tshark.
+if ! command -v tshark >/dev/null; then
+  echo "[test] installing: tshark" >&2
+  SUDO=; [ "$(id -u)" -ne 0 ] && SUDO=sudo
+  export DEBIAN_FRONTEND=noninteractive
+  { $SUDO apt-get update -q && $SUDO apt-get install -y -q --no-install-recommends tshark; } >&2 \
+    || echo "[test] tshark could not be installed: the capture check is skipped" >&2
+fi
 export QT_QPA_PLATFORM=offscreen
 cd "$build"
 ctest --output-on-failure -j"$(nproc)" "$@"

@@ -81,7 +81,7 @@ void VRNBusPrivate::receiveBytes(const QByteArray& bytes)
 void VRNBusPrivate::receiveFrame(const QByteArray& frame)
 {
     const VRNMessage message{BusMessage(frame)};
-    if (message.isValid() && message.srcAddr() == VRN::ToolAddr)
+    if (message.isValid() && message.srcAddr() == VRN::toolAddr())
         return; // our own request, echoed by the medium
     frameReceived(message);
 }
@@ -213,10 +213,12 @@ bool VRNBus::isBroadcast(const BusMessage& request) const
 
 bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
 {
+    // A node answers the address that asked: a frame to another tool's
+    // number answers that tool's request, never ours.
     const VRNMessage reply(frame);
-    if (!reply.isValid() || reply.dstType() != VRN::AddrNode
-        || reply.dstAddr() != VRN::getNumber(VRN::ToolAddr))
-        return false;
     const VRNMessage call(request);
+    if (!reply.isValid() || reply.dstType() != VRN::AddrNode
+        || reply.dstAddr() != VRN::getNumber(call.srcAddr()))
+        return false;
     return call.dstType() != VRN::AddrNode || reply.srcAddr(false) == call.dstAddr();
 }

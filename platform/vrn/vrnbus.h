@@ -21,7 +21,7 @@ class VRNBusPrivate;
 ///
 /// Frames are cut from the byte stream by their length byte and checksum;
 /// bytes that start no valid frame are dropped one by one and reported as one
-/// invalid `messageReceived`. Frames sent from `VRN::ToolAddr` are our own
+/// invalid `messageReceived`. Frames sent from `VRN::toolAddr()` are our own
 /// echo and are dropped before they are reported. A unicast request is
 /// answered by the first valid frame from the called node to the tool; a
 /// broadcast or group request collects every valid frame to the tool.

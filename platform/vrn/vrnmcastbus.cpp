@@ -78,7 +78,8 @@ bool VRNMCastBusPrivate::setUpSocket()
                         .arg(group.toString(), iface.toString(), socket->errorString()));
     socket->setMulticastInterface(netIface);
 #endif
-    socket->setSocketOption(QAbstractSocket::MulticastTtlOption, 0);
+    // Loopback: never off this host. A real interface: its own link only.
+    socket->setSocketOption(QAbstractSocket::MulticastTtlOption, iface.isLoopback() ? 0 : 1);
     socket->setSocketOption(QAbstractSocket::MulticastLoopbackOption, 1);
     return true;
 }

@@ -11,10 +11,12 @@ class VRNMCastBusPrivate;
 /// received from an IPv4 `group` on `port`.
 ///
 /// The bind address names the one local interface the bus uses: the group is
-/// joined there, datagrams leave there with a TTL of 0 and come back through
-/// multicast loopback. A null bind address means the loopback interface
-/// (127.0.0.1): the bus never reaches another interface unless a bind address
-/// says so. Datagrams sent to another destination than the group, and our own
+/// joined there, datagrams leave there and come back through multicast
+/// loopback. On a loopback address their TTL is 0, so they never leave the
+/// host; on the address of a real interface it is 1, so they reach the
+/// devices on that link and go no further (no router forwards them). A null
+/// bind address means the loopback interface (127.0.0.1): the bus never
+/// reaches another interface unless a bind address says so. Datagrams sent to another destination than the group, and our own
 /// frames echoed back, are dropped.
 ///
 ///     VRNMCastBus bus(QHostAddress("239.255.0.1"), 5000, QHostAddress::LocalHost);

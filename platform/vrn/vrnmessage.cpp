@@ -1,5 +1,7 @@
 #include "vrnmessage.h"
 
+#include <atomic>
+
 namespace {
 quint8 lengthByte(const char* data) { return quint8(data[1]); }
 quint32 read24(const char* p)
@@ -110,4 +112,19 @@ quint16 VRNMessage::checksum(const char* data, int size)
             crc = (crc & 0x8000) ? quint16((crc << 1) ^ 0x1021) : quint16(crc << 1);
     }
     return crc;
+}
+
+namespace {
+std::atomic<VRN::Addr> processToolAddr{VRN::ToolAddr};
+}
+
+VRN::Addr VRN::toolAddr()
+{
+    return processToolAddr.load();
+}
+
+void VRN::setToolNumber(quint32 number)
+{
+    if (number >= 1 && number < BroadcastNumber)
+        processToolAddr.store(makeAddr(NodeTool, int(number)));
 }

@@ -70,8 +70,15 @@ private:
 };
 
 namespace VRN {
-/// Address this library uses as the source of its requests.
+/// The tool address a process sends from unless it chose a number of its own.
 constexpr Addr ToolAddr = (Addr(NodeTool) << 24) | 0x000001u;
+/// The source of this process's requests: node type "tool" and the number
+/// given to `setToolNumber()` (`ToolAddr` until then). Nodes answer the
+/// address that asked, so tools sharing one bus each choose their own
+/// number and take only the replies to their own requests.
+Addr toolAddr();
+/// Sets the number of `toolAddr()`: 1..0xFFFFFE; anything else is ignored.
+void setToolNumber(quint32 number);
 }
 
 #endif // VRNMESSAGE_H

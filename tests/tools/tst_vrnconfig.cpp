@@ -1,12 +1,18 @@
-// vrnconfig end to end: the simulator on its own multicast group, the tool
-// run as a user would, settings and registry in a temporary folder.
+// vrnconfig end to end: simulators on their own multicast groups, the tool
+// run as a user would, settings and registries in a temporary folder.
 
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <unistd.h>
 
 class TstVrnConfig : public QObject
 {
@@ -17,6 +23,9 @@ class TstVrnConfig : public QObject
         int code = -1;
         QByteArray out;
         QByteArray err;
+        QJsonObject doc() const { return QJsonDocument::fromJson(out).object(); }
+        // One device's result in a run's document.
+        QJsonObject result(int i = 0) const { return doc().value(QStringLiteral("results")).toArray().at(i).toObject(); }
     };
 
     QTemporaryDir m_home;
@@ -32,96 +41,175 @@ class TstVrnConfig : public QObject
         p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QStringLiteral("200")} + args);
     }
 
+    Result finished(QProcess& p, int ms = 60000)
+    {
+        if (!p.waitForFinished(ms))
+            p.kill();
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(), p.readAllStandardError()};
+    }
+
     Result run(const QStringList& args)
     {
         QProcess p;
         start(p, args);
-        if (!p.waitForFinished(30000))
-            p.kill();
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-                p.readAllStandardError()};
+        return finished(p);
+    }
+    Result run(const QString& line) { return run(line.split(QLatin1Char(' '))); }
+
+    // A simulator on `group:port`; its bus identifier, or empty.
+    static QString startSim(QProcess& sim, const QString& where, const QStringList& options)
+    {
+        sim.start(qEnvironmentVariable("VRNSIM"), QStringList{QStringLiteral("--mcast"), where} + options);
+        if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(5000))
+            return QString();
+        return QString::fromLatin1(sim.readLine()).trimmed();
     }
 
-    QJsonArray jsonArray(const QByteArray& out) { return QJsonDocument::fromJson(out).array(); }
-    // One device's result in a run's document.
-    QJsonObject result(const QByteArray& out, int i = 0)
+    // The registry file the tool keeps for the first simulator's bus.
+    QString registryOfFirstBus() const
     {
-        return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(i).toObject();
+        return QDir(m_home.filePath(QStringLiteral("data/Velmo/vrnconfig")))
+            .entryInfoList({QStringLiteral("devices-mcast_239.255.77.3_*")}).value(0).filePath();
+    }
+
+    static void stopSim(QProcess& sim)
+    {
+        sim.terminate();
+        sim.waitForFinished(5000);
     }
 
 private slots:
     void initTestCase()
     {
         QVERIFY(m_home.isValid());
-        m_sim.start(qEnvironmentVariable("VRNSIM"),
-                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.3:47703"), QStringLiteral("--bind"),
-                     QStringLiteral("127.0.0.1"), QStringLiteral("--devices"), QStringLiteral("std:3,motor:2,tx30:1"),
-                     QStringLiteral("--duplicates"), QStringLiteral("1"), QStringLiteral("--seed"), QStringLiteral("5")});
-        QVERIFY(m_sim.waitForStarted(5000));
-        QVERIFY(m_sim.waitForReadyRead(5000));
-        m_bus = QString::fromLatin1(m_sim.readLine()).trimmed();
+        m_bus = startSim(m_sim, QStringLiteral("239.255.77.3:47703"),
+                         {QStringLiteral("--devices"), QStringLiteral("std:3,motor:2,tx30:1"), QStringLiteral("--duplicates"),
+                          QStringLiteral("1"), QStringLiteral("--seed"), QStringLiteral("5")});
         QVERIFY(m_bus.startsWith(QLatin1String("mcast:")));
     }
 
-    void cleanupTestCase()
-    {
-        m_sim.terminate();
-        m_sim.waitForFinished(5000);
-    }
+    void cleanupTestCase() { stopSim(m_sim); }
 
-    // Runs in declaration order: each step works on what the previous left.
-    void withoutBusEveryDeviceCommandFailsCleanly()
-    {
-        // An empty registry selects nothing: a usage error that points at discovery.
-        Result r = run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
-        QCOMPARE(r.code, 2);
-        QVERIFY2(r.err.startsWith("vrnconfig: no device selected") && r.err.contains("discover"), r.err.constData());
-        r = run({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("up")});
-        QCOMPARE(r.code, 1);
-        QVERIFY(r.err.startsWith("vrnconfig: no bus"));
-
-        // A port that cannot open: one line of ours, not the library's log as well.
-        r = run({QStringLiteral("open"), QStringLiteral("serial:/nonexistent/tty")});
-        QCOMPARE(r.code, 1);
-        QVERIFY2(r.err.startsWith("vrnconfig: cannot open") && r.err.count('\n') == 1, r.err.constData());
-    }
-
-    void usageErrors_data()
+    // Refused before anything is sent: exit 2 (or the code given), one error
+    // line naming the value, and with --json the error document.
+    void commandLine_data()
     {
         QTest::addColumn<QStringList>("args");
-        QTest::newRow("no command") << QStringList();
-        QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")};
-        QTest::newRow("unknown option") << QStringList{QStringLiteral("--frob"), QStringLiteral("list")};
-        QTest::newRow("bad sort") << QStringList{QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("colour")};
-        QTest::newRow("bad node number") << QStringList{QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("node:0xZZ")};
-        QTest::newRow("node number too big") << QStringList{QStringLiteral("forget"), QStringLiteral("node:0x1000000")};
-        QTest::newRow("unknown device") << QStringList{QStringLiteral("forget"), QStringLiteral("4242")};
-        QTest::newRow("label too long") << QStringList{QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("1"),
-                                                       QStringLiteral("seventeen bytes!!")};
-        QTest::newRow("bad group") << QStringList{QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
-                                                  QStringLiteral("0x1000000")};
-        QTest::newRow("option of another command") << QStringList{QStringLiteral("get"), QStringLiteral("label"),
-                                                                   QStringLiteral("1"), QStringLiteral("--desc")};
-        QTest::newRow("duration not a number") << QStringList{QStringLiteral("monitor"), QStringLiteral("--duration"),
-                                                              QStringLiteral("nan")};
-        QTest::newRow("not a bus") << QStringList{QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")};
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("error");
+        auto row = [](const char* name, const QStringList& args, int code, const QString& error) {
+            QTest::newRow(name) << args << code << error;
+        };
+        row("no command", {}, 2, QStringLiteral("no command"));
+        row("unknown command", {QStringLiteral("frobnicate")}, 2, QStringLiteral("unknown command: frobnicate"));
+        row("unknown option", {QStringLiteral("--frob"), QStringLiteral("list")}, 2, QStringLiteral("frob"));
+        row("bad sort", {QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("colour")}, 2, QStringLiteral("colour"));
+        row("option of another command", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("1"), QStringLiteral("--desc")},
+            2, QStringLiteral("--desc applies to list only"));
+        row("negative device", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("-1")}, 2,
+            QStringLiteral("not a valid device: -1"));
+        row("negative group", {QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"), QStringLiteral("-5")}, 2,
+            QStringLiteral("not a valid group address: -5"));
+        row("bad node number", {QStringLiteral("forget"), QStringLiteral("node:0x1000000")}, 2, QStringLiteral("node:0x1000000"));
+        row("empty --db", {QStringLiteral("--db"), QString(), QStringLiteral("list")}, 2, QStringLiteral("--db needs a file name"));
+        row("port out of range", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:99999:127.0.0.1")}, 2, QStringLiteral("'99999'"));
+        row("bind not literal", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000:localhost")}, 2,
+            QStringLiteral("'localhost'"));
+        row("group not multicast", {QStringLiteral("open"), QStringLiteral("mcast:10.1.1.1:5000:127.0.0.1")}, 2,
+            QStringLiteral("not an IPv4 multicast group: '10.1.1.1'"));
+        row("not a bus", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")}, 2, QStringLiteral("not a bus identifier"));
+        row("unconfirmed set all", {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("all"), QStringLiteral("x")}, 2,
+            QStringLiteral("confirm with --yes"));
+        row("empty registry", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")}, 2, QStringLiteral("no device selected"));
+        row("no bus", {QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("up")}, 1,
+            QStringLiteral("no bus"));
         const auto words = [](const char* line) { return QString::fromLatin1(line).split(QLatin1Char(' ')); };
-        QTest::newRow("group beyond 24 bits") << words("get label group:0x1000000");
-        QTest::newRow("group 0") << words("get label group:0");
-        QTest::newRow("group broadcast") << words("group move 0xFFFFFF up");
-        QTest::newRow("group unknown") << words("get label group:0x0F0099");
-        QTest::newRow("unknown kind") << words("wink type:robot");
-        QTest::newRow("move what") << words("group move 0x0F0001 sideways");
-        QTest::newRow("percent too big") << words("group move 0x0F0001 to 101");
-        QTest::newRow("bad priority") << words("get label all --priority -1");
-        QTest::newRow("priority elsewhere") << words("list --priority 2");
+        row("group beyond 24 bits", words("get label group:0x1000000"), 2, QStringLiteral("0x1000000"));
+        row("group 0", words("get label group:0"), 2, QStringLiteral("not a valid group address: 0"));
+        row("group broadcast", words("group move 0xFFFFFF up"), 2, QStringLiteral("0xFFFFFF"));
+        row("group unknown", words("get label group:0x0F0099"), 2, QStringLiteral("0x0F0099"));
+        row("unknown kind", words("wink type:robot"), 2, QStringLiteral("robot"));
+        row("move what", words("group move 0x0F0001 sideways"), 2, QStringLiteral("group move takes"));
+        row("percent too big", words("group move 0x0F0001 to 101"), 2, QStringLiteral("percent from 0 to 100"));
+        row("bad priority", words("get label all --priority -1"), 2, QStringLiteral("-1"));
+        row("priority elsewhere", words("list --priority 2"), 2, QStringLiteral("--priority"));
+        row("duration not a number", words("monitor --duration nan"), 2, QStringLiteral("nan"));
+        row("serial port missing", {QStringLiteral("open"), QStringLiteral("serial:/nonexistent/tty")}, 1, QStringLiteral("cannot open"));
     }
-    void usageErrors()
+    void commandLine()
     {
         QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, error);
+        Result r = run(args);
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.startsWith("vrnconfig: ") && r.err.count('\n') == 1 && r.err.contains(error.toUtf8()), r.err.constData());
+        QVERIFY(r.out.isEmpty());
+        r = run(QStringList{QStringLiteral("--json")} + args);
+        QCOMPARE(r.code, code);
+        QCOMPARE(r.doc().value(QStringLiteral("exitCode")).toInt(), code);
+        QVERIFY2(r.doc().value(QStringLiteral("error")).toString().contains(error), r.out.constData());
+    }
+
+    void helpAndVersion_data()
+    {
+        QTest::addColumn<QString>("args");
+        QTest::addColumn<QString>("shows");
+        QTest::newRow("-h") << "-h" << "Exit code:";
+        QTest::newRow("--help") << "--help" << "--timeout MS";
+        QTest::newRow("help COMMAND") << "help get" << "vrnconfig get label DEVICE...";
+        QTest::newRow("--version") << "--version" << "vrnconfig 0.";
+    }
+    void helpAndVersion()
+    {
+        QFETCH(QString, args);
+        QFETCH(QString, shows);
         const Result r = run(args);
-        QCOMPARE(r.code, 2);
-        QVERIFY2(r.err.startsWith("vrnconfig: ") && r.err.count('\n') == 1, r.err.constData());
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.contains(shows.toUtf8()), r.out.constData());
+    }
+
+    // A registry that cannot be used ends the run before anything is sent.
+    void unusableRegistry_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("random bytes") << "random";
+        QTest::newRow("text file") << "text";
+        QTest::newRow("folder") << "folder";
+        QTest::newRow("other database") << "sqlite";
+        QTest::newRow("read-only file") << "readonly";
+    }
+    void unusableRegistry()
+    {
+        QFETCH(QString, kind);
+        if (kind == QLatin1String("readonly") && geteuid() == 0)
+            QSKIP("root writes to read-only files");
+        QTemporaryDir dir;
+        const QString file = dir.filePath(QStringLiteral("registry"));
+        if (kind == QLatin1String("folder")) {
+            QVERIFY(QDir().mkpath(file));
+        } else if (kind == QLatin1String("sqlite")) {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+            db.setDatabaseName(file);
+            QVERIFY(db.open());
+            QVERIFY(QSqlQuery(db).exec(QStringLiteral("CREATE TABLE recipes(name TEXT)")));
+            db.close();
+        } else {
+            QFile f(file);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            QByteArray bytes("shopping list\nmilk\n");
+            if (kind != QLatin1String("text"))
+                for (int i = 0; i < 4096; ++i)
+                    bytes[i] = char((i * 7919 + 13) % 251);
+            f.write(bytes);
+            f.close();
+            if (kind == QLatin1String("readonly"))
+                QVERIFY(f.setPermissions(QFileDevice::ReadOwner));
+        }
+        const Result r = run({QStringLiteral("--db"), file, QStringLiteral("--bus"), m_bus, QStringLiteral("discover")});
+        QCOMPARE(r.code, 1);
+        QVERIFY2(r.err.startsWith("vrnconfig: ") && r.err.count('\n') == 1 && r.err.contains(file.toUtf8()), r.err.constData());
+        QVERIFY(r.out.isEmpty());
     }
 
     void openDiscoverList()
@@ -130,75 +218,164 @@ private slots:
         QCOMPARE(r.code, 0);
         QCOMPARE(QString::fromLatin1(r.out).trimmed(), m_bus);
 
-        r = run({QStringLiteral("--json"), QStringLiteral("discover")});
+        r = run(QStringLiteral("--json discover"));
         QCOMPARE(r.code, 0);
-        const QJsonArray found = jsonArray(r.out);
-        // Six nodes, one more answering with a number already present: one row.
+        const QJsonArray found = r.doc().value(QStringLiteral("devices")).toArray();
+        // Six nodes, one more answering with a number already present: one
+        // row, flagged, and named in the summary and a warning.
         QCOMPARE(found.size(), 6);
-
-        r = run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("nodeid")});
-        QCOMPARE(r.code, 0);
-        const QJsonArray rows = jsonArray(r.out);
-        QCOMPARE(rows.size(), 6);
+        const QJsonArray duplicates = r.doc().value(QStringLiteral("summary")).toObject().value(QStringLiteral("duplicates")).toArray();
+        QCOMPARE(duplicates.size(), 1);
+        QVERIFY2(r.err.contains("answered twice") && r.err.contains(duplicates.at(0).toString().toUtf8()), r.err.constData());
         int previous = -1;
-        for (const QJsonValue& row : rows) {
-            const QJsonObject o = row.toObject();
-            for (const char* key : {"uuid", "nodeID", "type", "typeName", "label", "serialNumber", "nbOccur"})
-                QVERIFY2(o.contains(QLatin1String(key)), key);
-            QVERIFY(o.value(QStringLiteral("nodeID")).toInt() > previous);
+        for (const QJsonValue& v : found) {
+            const QJsonObject o = v.toObject();
+            QCOMPARE(o.value(QStringLiteral("status")).toString(), QStringLiteral("new"));
+            QCOMPARE(o.value(QStringLiteral("duplicate")).toBool(), o.value(QStringLiteral("node")) == duplicates.at(0));
+            QVERIFY(!o.value(QStringLiteral("label")).toString().isEmpty()); // read while discovering
+            QVERIFY(o.value(QStringLiteral("nodeID")).toInt() > previous);   // sorted by node
             previous = o.value(QStringLiteral("nodeID")).toInt();
         }
 
-        // A second discovery of the same network registers nothing new and
-        // still names every device, as listed before.
-        r = run({QStringLiteral("--json"), QStringLiteral("discover")});
+        // Labels are listed at once; kinds as a person names them, the enum
+        // key and number beside them in JSON.
+        r = run(QStringLiteral("--json list --sort nodeid"));
         QCOMPARE(r.code, 0);
-        const QJsonArray again = jsonArray(r.out);
+        const QJsonArray rows = QJsonDocument::fromJson(r.out).array();
+        QCOMPARE(rows.size(), 6);
+        QStringList kinds;
+        for (int i = 0; i < rows.size(); ++i) {
+            const QJsonObject o = rows.at(i).toObject();
+            QCOMPARE(o.value(QStringLiteral("label")), found.at(i).toObject().value(QStringLiteral("label")));
+            kinds << o.value(QStringLiteral("kind")).toString() + QLatin1Char('/') + o.value(QStringLiteral("typeName")).toString()
+                         + QLatin1Char('/') + QString::number(o.value(QStringLiteral("type")).toInt());
+        }
+        QVERIFY2(kinds.contains(QStringLiteral("standard node/DtsStd/1")) && kinds.contains(QStringLiteral("motor/DtsMotor/2"))
+                     && kinds.contains(QStringLiteral("TX30/TX30/6")), qPrintable(kinds.join(QLatin1Char(' '))));
+        r = run(QStringLiteral("list"));
+        QVERIFY2(r.out.contains(" standard node ") && r.out.contains(" 0x000100 "), r.out.constData());
+
+        // Again: the same devices, known, with the same uuids.
+        r = run(QStringLiteral("--json discover"));
+        QCOMPARE(r.code, 0);
+        const QJsonArray again = r.doc().value(QStringLiteral("devices")).toArray();
         QCOMPARE(again.size(), 6);
         for (int i = 0; i < again.size(); ++i) {
             QCOMPARE(again.at(i).toObject().value(QStringLiteral("uuid")), found.at(i).toObject().value(QStringLiteral("uuid")));
-            QCOMPARE(again.at(i).toObject().value(QStringLiteral("new")).toBool(), false);
+            QCOMPARE(again.at(i).toObject().value(QStringLiteral("status")).toString(), QStringLiteral("known"));
         }
-        r = run({QStringLiteral("--json"), QStringLiteral("list")});
-        QCOMPARE(jsonArray(r.out).size(), 6);
     }
 
-    void getAndSetLabel()
+    // Missing devices, a bus where nothing answers, late answers, and a bus
+    // that cannot be opened.
+    void discoveryReports_data()
     {
-        const QJsonObject first = jsonArray(run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"),
-                                                 QStringLiteral("nodeid")}).out).first().toObject();
-        const QString uuid = QString::number(first.value(QStringLiteral("uuid")).toInt());
-        const QString node = QStringLiteral("node:0x%1").arg(first.value(QStringLiteral("nodeID")).toInt(), 0, 16);
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("found");
+        QTest::addColumn<int>("missing");
+        QTest::addColumn<QString>("says");
+        const QString silent = QStringLiteral("mcast:239.255.77.6:47706:127.0.0.1");
+        QTest::newRow("nothing answers") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"), silent}
+                                         << 0 << 0 << 0 << "cabling";
+        QTest::newRow("registered devices missing") << QStringList{QStringLiteral("--db"), QStringLiteral("COPY"), QStringLiteral("--bus"), silent}
+                                                    << 0 << 0 << 6 << "cabling";
+        QTest::newRow("late answers with --timeout") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"),
+                                                                    QStringLiteral("LATE"), QStringLiteral("--timeout"), QStringLiteral("900")}
+                                                     << 0 << 2 << 0 << "";
+        QTest::newRow("unreachable bus") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"),
+                                                        QStringLiteral("serial:/nonexistent/tty")}
+                                         << 1 << 0 << 0 << "cannot open";
+    }
+    void discoveryReports()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(int, found);
+        QFETCH(int, missing);
+        QFETCH(QString, says);
+        QTemporaryDir dir;
+        QProcess late;
+        if (args.contains(QStringLiteral("COPY"))) {
+            QVERIFY(QFile::copy(registryOfFirstBus(), dir.filePath(QStringLiteral("copy.sqlite"))));
+            args.replaceInStrings(QStringLiteral("COPY"), dir.filePath(QStringLiteral("copy.sqlite")));
+        }
+        if (args.contains(QStringLiteral("LATE"))) {
+            // Answers 700 ms after each request: more than the default round waits.
+            const QString bus = startSim(late, QStringLiteral("239.255.77.7:47707"),
+                                         {QStringLiteral("--devices"), QStringLiteral("std:2"), QStringLiteral("--latency"), QStringLiteral("700")});
+            QVERIFY(!bus.isEmpty());
+            args.replaceInStrings(QStringLiteral("LATE"), bus);
+        }
+        const Result r = run(QStringList{QStringLiteral("--json")} + args + QStringList{QStringLiteral("discover")});
+        if (late.state() != QProcess::NotRunning)
+            stopSim(late);
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.contains(says.toUtf8()), r.err.constData());
+        if (code != 0)
+            return;
+        const QJsonObject summary = r.doc().value(QStringLiteral("summary")).toObject();
+        QCOMPARE(summary.value(QStringLiteral("found")).toInt(), found);
+        QCOMPARE(summary.value(QStringLiteral("missing")).toInt(), missing);
+        QCOMPARE(r.doc().contains(QStringLiteral("hint")), found == 0);
+        for (const QJsonValue& v : r.doc().value(QStringLiteral("devices")).toArray())
+            QVERIFY(!v.toObject().value(QStringLiteral("label")).toString().isEmpty()); // missing ones too, from the registry
+    }
 
-        Result r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), uuid});
+    // One registry per bus: a second network never mixes into the first.
+    void registryPerBus()
+    {
+        QProcess other;
+        const QString bus = startSim(other, QStringLiteral("239.255.77.8:47708"),
+                                     {QStringLiteral("--devices"), QStringLiteral("motor:2"), QStringLiteral("--seed"), QStringLiteral("9")});
+        QVERIFY(!bus.isEmpty());
+        QCOMPARE(run({QStringLiteral("--bus"), bus, QStringLiteral("discover")}).code, 0);
+        Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), bus, QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+        stopSim(other);
         QCOMPARE(r.code, 0);
-        QJsonObject o = result(r.out);
-        QCOMPARE(o.value(QStringLiteral("ok")).toBool(), true);
-        const QString before = o.value(QStringLiteral("label")).toString();
-        QVERIFY(!before.isEmpty());
+        QCOMPARE(r.doc().value(QStringLiteral("results")).toArray().size(), 2);
+        r = run(QStringLiteral("--json list"));
+        QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 6);
+    }
 
-        r = run({QStringLiteral("set"), QStringLiteral("label"), node, QStringLiteral("Hall 2")});
+    void labels_data()
+    {
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("accepted") << "Hall 2 Süd" << 0 << "";
+        QTest::newRow("single quote") << "Bob's" << 2 << "single quote";
+        QTest::newRow("control character") << "Hall\t2" << 2 << "control characters";
+        QTest::newRow("17 bytes of UTF-8") << "ääääääääa" << 2 << "17 bytes";
+        QTest::newRow("1000 bytes") << QString(1000, QLatin1Char('x')) << 2 << "1000 bytes";
+    }
+    // A label the device or the registry cannot take is refused before it
+    // is sent (the device keeps its name); one that fits is written, read
+    // back and listed.
+    void labels()
+    {
+        QFETCH(QString, label);
+        QFETCH(int, code);
+        QFETCH(QString, error);
+        const QString before = run(QStringLiteral("--json get label node:0x100")).result().value(QStringLiteral("label")).toString();
+        Result r = run({QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("node:0x100"), label});
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.contains(error.toUtf8()) && r.err.size() < 200, r.err.constData());
+        r = run(QStringLiteral("--json get label node:0x100"));
         QCOMPARE(r.code, 0);
-        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), node});
-        QCOMPARE(r.code, 0);
-        QCOMPARE(result(r.out).value(QStringLiteral("label")).toString(), QStringLiteral("Hall 2"));
-
-        // The registry keeps what was read.
-        r = run({QStringLiteral("--json"), QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("label")});
-        bool listed = false;
-        for (const QJsonValue& row : jsonArray(r.out))
-            listed |= row.toObject().value(QStringLiteral("label")).toString() == QLatin1String("Hall 2");
-        QVERIFY(listed);
+        QCOMPARE(r.result().value(QStringLiteral("label")).toString(), code == 0 ? label : before);
+        r = run(QStringLiteral("--json list --sort nodeid"));
+        QCOMPARE(QJsonDocument::fromJson(r.out).array().at(0).toObject().value(QStringLiteral("label")).toString(),
+                 code == 0 ? label : before);
     }
 
     void groupsRoundTrip()
     {
-        Result r = run({QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"), QStringLiteral("0x0F0001"),
-                        QStringLiteral("7")});
+        Result r = run(QStringLiteral("set groups 1 0x0F0001 7"));
         QCOMPARE(r.code, 0);
-        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("1")});
+        r = run(QStringLiteral("--json get groups 1"));
         QCOMPARE(r.code, 0);
-        const QJsonArray groups = result(r.out).value(QStringLiteral("groups")).toArray();
+        const QJsonArray groups = r.result().value(QStringLiteral("groups")).toArray();
         QCOMPARE(groups.size(), 16);
         QCOMPARE(groups.at(0).toInt(), 0x0F0001);
         QCOMPARE(groups.at(1).toInt(), 7);
@@ -211,14 +388,14 @@ private slots:
         Result r = run({QStringLiteral("--json"), QStringLiteral("group"), QStringLiteral("list")});
         QCOMPARE(r.code, 0);
         QJsonArray members;
-        for (const QJsonValue& g : jsonArray(r.out))
+        for (const QJsonValue& g : QJsonDocument::fromJson(r.out).array())
             if (g.toObject().value(QStringLiteral("group")).toInt() == 0x0F0001)
                 members = g.toObject().value(QStringLiteral("members")).toArray();
         QVERIFY2(members.contains(1), r.out.constData());
 
         r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("group:0x0F0001")});
         QCOMPARE(r.code, 0);
-        QCOMPARE(result(r.out).value(QStringLiteral("uuid")).toInt(), members.at(0).toInt());
+        QCOMPARE(r.result().value(QStringLiteral("uuid")).toInt(), members.at(0).toInt());
 
         // Every row is a standard node or built on one; three are motors (the DC motor among them).
         const auto summary = [](const Result& r) { return QJsonDocument::fromJson(r.out).object().value(QStringLiteral("summary")).toObject(); };
@@ -248,72 +425,189 @@ private slots:
     // names the slot and fails.
     void refusedGroupSlotEndsTheRun()
     {
-        const Result r = run({QStringLiteral("--json"), QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"),
-                              QStringLiteral("0x10"), QStringLiteral("0xFFFFFF"), QStringLiteral("0x30")});
+        const Result r = run(QStringLiteral("--json set groups 1 0x10 0xFFFFFF 0x30"));
         QCOMPARE(r.code, 1);
-        const QJsonObject o = result(r.out);
-        QCOMPARE(o.value(QStringLiteral("ok")).toBool(), false);
-        QCOMPARE(o.value(QStringLiteral("slot")).toInt(), 1);
-        QVERIFY2(o.value(QStringLiteral("error")).toString().startsWith(QLatin1String("group slot 1 refused: Nack(")), r.out.constData());
+        QCOMPARE(r.result().value(QStringLiteral("ok")).toBool(), false);
+        QCOMPARE(r.result().value(QStringLiteral("slot")).toInt(), 1);
+        QVERIFY2(r.result().value(QStringLiteral("error")).toString().startsWith(QLatin1String("group slot 1 refused: Nack(")),
+                 r.out.constData());
+        QCOMPARE(r.doc().value(QStringLiteral("exitCode")).toInt(), 1);
     }
 
-    // The monitor shows the nodes' answers to another process's requests
-    // (its own requests would be dropped as echo), then stops at --count.
-    void monitorCountsFrames_data()
+    // Two tools read at once: each takes only the replies to its own
+    // requests, in every round.
+    void twoToolsAtOnce()
+    {
+        for (int round = 0; round < 3; ++round) {
+            QProcess labels, versions;
+            start(labels, {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+            start(versions, {QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("all")});
+            const Result a = finished(labels), b = finished(versions);
+            QVERIFY2(a.code == 0, a.out.constData());
+            QVERIFY2(b.code == 0, b.out.constData());
+        }
+    }
+
+    // The monitor shows another tool's requests and the nodes' replies,
+    // decoded, and writes a capture that Wireshark reads with our dissector.
+    void monitorDecodesAndCaptures_data()
     {
         QTest::addColumn<bool>("json");
         QTest::newRow("text") << false;
         QTest::newRow("json") << true;
     }
-    void monitorCountsFrames()
+    void monitorDecodesAndCaptures()
     {
         QFETCH(bool, json);
+        QTemporaryDir dir;
+        const QString capture = dir.filePath(QStringLiteral("frames.pcap"));
         QProcess monitor;
-        QStringList args{QStringLiteral("monitor"), QStringLiteral("--count"), QStringLiteral("2")};
+        QStringList args{QStringLiteral("monitor"), QStringLiteral("--count"), QStringLiteral("2"), QStringLiteral("--write"), capture};
         if (json)
             args.prepend(QStringLiteral("--json"));
         start(monitor, args);
         QVERIFY(monitor.waitForStarted(5000));
         // The monitor joins the group some time after it starts: ask until it has seen enough.
         for (int i = 0; i < 50 && !monitor.waitForFinished(100); ++i)
-            QCOMPARE(run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("2")}).code, 0);
-        QCOMPARE(monitor.state(), QProcess::NotRunning);
-        QCOMPARE(monitor.exitCode(), 0);
-        const QList<QByteArray> lines = monitor.readAllStandardOutput().trimmed().split('\n');
+            QCOMPARE(run(QStringLiteral("get label node:0x101")).code, 0);
+        const Result r = finished(monitor);
+        QCOMPARE(r.code, 0);
+        const QList<QByteArray> lines = r.out.trimmed().split('\n');
         QCOMPARE(lines.size(), 2);
-        for (const QByteArray& line : lines) {
-            if (json) {
-                const QJsonObject o = QJsonDocument::fromJson(line).object();
-                QCOMPARE(o.value(QStringLiteral("direction")).toString(), QStringLiteral("received"));
-                QCOMPARE(o.value(QStringLiteral("valid")).toBool(), true);
-                QVERIFY(!o.value(QStringLiteral("command")).toString().isEmpty());
-            } else {
-                const QRegularExpression form(QStringLiteral("^\\(\\d+\\.\\d{6}\\) 0x[0-9A-F]{8} > 0x[0-9A-F]{6} \\S+ [0-9A-F ]*$"));
-                QVERIFY2(form.match(QString::fromUtf8(line)).hasMatch(), line.constData());
-            }
+        if (json) {
+            const QJsonObject request = QJsonDocument::fromJson(lines.at(0)).object();
+            const QJsonObject reply = QJsonDocument::fromJson(lines.at(1)).object();
+            QCOMPARE(request.value(QStringLiteral("command")).toString(), QStringLiteral("GET_NODE_LABEL"));
+            QCOMPARE(request.value(QStringLiteral("source")).toObject().value(QStringLiteral("nodeTypeName")).toString(), QStringLiteral("tool"));
+            QCOMPARE(reply.value(QStringLiteral("source")).toObject().value(QStringLiteral("node")).toString(), QStringLiteral("0x000101"));
+            QVERIFY(!reply.value(QStringLiteral("fields")).toObject().value(QStringLiteral("label")).toString().isEmpty());
+        } else {
+            const QRegularExpression request(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{6} << tool 0xFE[0-9A-F]{4} > 0x000101 GET_NODE_LABEL$"));
+            const QRegularExpression reply(QStringLiteral("^\\S+ \\S+ << \\S+ 0x000101 > 0xFE[0-9A-F]{4} POST_NODE_LABEL label \".+\"$"));
+            QVERIFY2(request.match(QString::fromUtf8(lines.at(0))).hasMatch(), lines.at(0).constData());
+            QVERIFY2(reply.match(QString::fromUtf8(lines.at(1))).hasMatch(), lines.at(1).constData());
         }
+
+        const QString tshark = QStandardPaths::findExecutable(QStringLiteral("tshark"));
+        if (tshark.isEmpty())
+            QSKIP("tshark is not installed (scripts/test.sh installs it)");
+        QProcess read;
+        read.start(tshark, {QStringLiteral("-X"), QStringLiteral("lua_script:") + QStringLiteral(VRN_SOURCE_DIR "/tools/wireshark/vrn.lua"),
+                            QStringLiteral("-r"), capture, QStringLiteral("-T"), QStringLiteral("fields"),
+                            QStringLiteral("-e"), QStringLiteral("vrn.command"), QStringLiteral("-e"), QStringLiteral("vrn.label"),
+                            QStringLiteral("-e"), QStringLiteral("vrn.crc.ok")});
+        QVERIFY(read.waitForFinished(60000));
+        const QList<QByteArray> fields = read.readAllStandardOutput().trimmed().split('\n');
+        QCOMPARE(fields.size(), 2);
+        QCOMPARE(fields.at(0), QByteArray("0x45\t\t1"));
+        QVERIFY2(fields.at(1).startsWith("0x65\t") && fields.at(1).size() > 8 && fields.at(1).endsWith("\t1"), fields.at(1).constData());
     }
 
-    // One device that no longer answers fails; the others are still read.
+    // A serial port another program holds is named as such.
+    void serialPortInUse()
+    {
+        QProcess sim, holder;
+        sim.start(qEnvironmentVariable("VRNSIM"), {QStringLiteral("--serial"), QStringLiteral("--devices"), QStringLiteral("std:1")});
+        QVERIFY(sim.waitForReadyRead(5000));
+        const QString bus = QString::fromLatin1(sim.readLine()).trimmed();
+        start(holder, {QStringLiteral("--bus"), bus, QStringLiteral("monitor"), QStringLiteral("--duration"), QStringLiteral("20")});
+        QVERIFY(holder.waitForStarted(5000));
+        Result r;
+        for (int i = 0; i < 50 && !r.err.contains("another program"); ++i) {
+            QTest::qWait(100);
+            r = run({QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("open"), bus});
+        }
+        holder.terminate();
+        finished(holder);
+        stopSim(sim);
+        QCOMPARE(r.code, 1);
+        QVERIFY2(r.err.contains("used by another program") && !r.err.contains("Permission"), r.err.constData());
+    }
+
+    // Devices that do not answer fail, each with its reason.
     void failingDeviceGivesExitOne()
     {
-        Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), QStringLiteral("mcast:239.255.77.4:47704:127.0.0.1"),
+        Result r = run({QStringLiteral("--json"), QStringLiteral("--db"), registryOfFirstBus(), QStringLiteral("--bus"), QStringLiteral("mcast:239.255.77.4:47704:127.0.0.1"),
                         QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1"), QStringLiteral("2")});
         QCOMPARE(r.code, 1);
-        QCOMPARE(result(r.out, 0).value(QStringLiteral("error")).toString(), QStringLiteral("Timeout error"));
-        QCOMPARE(result(r.out, 1).value(QStringLiteral("ok")).toBool(), false);
+        QCOMPARE(r.result(0).value(QStringLiteral("error")).toString(), QStringLiteral("Timeout error"));
+        QCOMPARE(r.result(1).value(QStringLiteral("ok")).toBool(), false);
         // --bus served that run only: the remembered bus still answers.
-        r = run({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("1")});
-        QCOMPARE(r.code, 0);
+        QCOMPARE(run(QStringLiteral("get version 1")).code, 0);
+    }
+
+    // When the bus falls silent the remaining devices fail at once rather
+    // than each waiting out its own time.
+    void silentBusEndsTheRun()
+    {
+        QProcess sim;
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.9:47709"), {QStringLiteral("--devices"), QStringLiteral("std:40")});
+        QVERIFY(!bus.isEmpty());
+        QCOMPARE(run({QStringLiteral("--bus"), bus, QStringLiteral("discover")}).code, 0);
+        stopSim(sim);
+        const Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), bus, QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
+        QCOMPARE(r.code, 1);
+        const QJsonArray results = r.doc().value(QStringLiteral("results")).toArray();
+        QCOMPARE(results.size(), 40);
+        int silent = 0;
+        for (const QJsonValue& v : results)
+            silent += v.toObject().value(QStringLiteral("error")).toString() == QLatin1String("bus not answering");
+        QVERIFY2(silent >= 40 - 8, r.out.constData());
     }
 
     void forgetRemovesRows()
     {
-        Result r = run({QStringLiteral("forget"), QStringLiteral("1")});
+        Result r = run(QStringLiteral("forget 1"));
         QCOMPARE(r.code, 0);
-        r = run({QStringLiteral("--json"), QStringLiteral("list")});
-        QCOMPARE(jsonArray(r.out).size(), 5);
-        QCOMPARE(run({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("1")}).code, 2);
+        r = run(QStringLiteral("--json list"));
+        QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 5);
+        QCOMPARE(run(QStringLiteral("get label 1")).code, 2);
+        r = run(QStringLiteral("forget all"));
+        QCOMPARE(r.code, 2);
+        QVERIFY2(r.err.contains("confirm with --yes"), r.err.constData());
+        QCOMPARE(run(QStringLiteral("forget all --yes")).code, 0);
+        QCOMPARE(QJsonDocument::fromJson(run(QStringLiteral("--json list")).out).array().size(), 0);
+    }
+
+    // Not an assertion of time: the figures are printed for the record.
+    void listOf100000Devices()
+    {
+        QTemporaryDir dir;
+        const QString file = dir.filePath(QStringLiteral("big.sqlite"));
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("big"));
+            db.setDatabaseName(file);
+            QVERIFY(db.open());
+            QSqlQuery q(db);
+            QVERIFY(q.exec(QStringLiteral("CREATE TABLE Devices(uuid INTEGER PRIMARY KEY NOT NULL, nodeID INTEGER DEFAULT 0,"
+                                          "type INTEGER DEFAULT 1, label TEXT DEFAULT NULL, serialNumber BLOB DEFAULT NULL)")));
+            QVERIFY(db.transaction());
+            q.prepare(QStringLiteral("INSERT INTO Devices(nodeID, type, label) VALUES (?, ?, ?)"));
+            for (int i = 0; i < 100000; ++i) {
+                q.addBindValue(0x100 + i);
+                q.addBindValue(1 + i % 7);
+                q.addBindValue(QStringLiteral("Device %1").arg(i));
+                QVERIFY(q.exec());
+            }
+            QVERIFY(db.commit());
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("big"));
+        for (const bool json : {false, true}) {
+            QElapsedTimer clock;
+            clock.start();
+            QStringList args{QStringLiteral("--db"), file, QStringLiteral("list")};
+            if (json)
+                args.prepend(QStringLiteral("--json"));
+            const Result r = run(args);
+            const qint64 ms = clock.elapsed();
+            QCOMPARE(r.code, 0);
+            if (json)
+                QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 100000);
+            else
+                QCOMPARE(r.out.count('\n'), 100001);
+            qInfo("vrnconfig %slist of 100000 devices: %lld ms", json ? "--json " : "", ms);
+        }
     }
 };
 

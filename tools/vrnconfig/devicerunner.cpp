@@ -1,5 +1,7 @@
 #include "devicerunner.h"
 
+#include "bus.h"
+#include "busfactory.h"
 #include "groupfactory.h"
 #include "grouptask.h"
 #include "groupworker.h"
@@ -45,6 +47,8 @@ bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
     retry->addTransition(retry, &StateRetry::failed, over);
     QObject::connect(retry, &StateRetry::attempt, m_runner, [this, job, retry](int tryNumber) {
         m_tries = m_triesBefore + tryNumber;
+        if (m_ended || !worker)  // ended meanwhile (the bus given up on): nothing more to run
+            return retry->failTry(m_retryError, false);
         if (!m_stopped.isEmpty())
             return retry->failTry(m_stopped, false);  // taken off while waiting for the next try
         if (!worker->queue()->enqueue(*job, m_runner->m_priority))
@@ -111,6 +115,16 @@ DeviceRunner::DeviceRunner(VrnConfigCli& cli) : QObject(&cli), m_cli(cli) {}
 
 DeviceRunner::~DeviceRunner() = default;
 
+std::function<void(VrnConfigCli&, const QStringList&)> DeviceRunner::onEach(const QString& name, const JobFactory& make,
+                                                                             const ValueReader& read, const QString& refusal)
+{
+    return [=](VrnConfigCli& cli, const QStringList& args) {
+        QList<VRNObject::UUID> uuids;
+        if (cli.selectDevices(name, args, uuids) && cli.openBus())
+            (new DeviceRunner(cli))->runJobs(uuids, make, read, refusal);
+    };
+}
+
 void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory& make, const ValueReader& read,
                            const QString& refusal)
 {
@@ -149,7 +163,7 @@ void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory
     }
     showProgress();
     if (group.isEmpty() || m_summarised)
-        return;
+        return summarise(); // nothing to run (an empty list) or all refused
     m_groupJob = job.release();
     m_groupJob->setParent(this);
     m_groupJob->setProperty("jobPriority", int(m_priority));
@@ -236,8 +250,10 @@ void DeviceRunner::begin(const QList<VRNObject::UUID>& uuids)
             run->result.insert(QStringLiteral("node"), VrnConfigCli::nodeText(VRN::getNumber(run->object->address())));
         m_runs << run;
     }
-    if (m_cli.json())
+    if (m_cli.json() && !m_quiet)
         m_stream.reset(new JsonArrayStream(m_cli.output(), m_runs.size(), "{\"results\":["));
+    if (Bus* bus = BusFactory::instance()->bus())
+        connect(bus, &Bus::messageReceived, this, [this] { m_heard = true; });
     m_cli.setInterruptHandler([this] { interrupt(); });
 }
 
@@ -274,9 +290,14 @@ void DeviceRunner::ended(DeviceRun& run)
     if (run.m_started)
         --m_running;
     ++m_done;
-    run.result.value(QStringLiteral("ok")).toBool() ? ++m_ok : ++m_failed;
+    const bool ok = run.result.value(QStringLiteral("ok")).toBool();
+    ok ? ++m_ok : ++m_failed;
     m_abortNow = m_abortNow || (m_abortOnError && m_failed > 0);
+    m_silentFailures = ok || m_heard ? 0 : m_silentFailures + 1;
+    m_heard = false;
     report(run);
+    if (m_silentFailures >= SilentLimit && m_gaveUp.isEmpty())
+        giveUp(tr("bus not answering"));
     if (m_done == m_runs.size() || ((m_interrupts > 0 || m_abortNow) && m_running == 0))
         return summarise();
     showProgress();
@@ -285,8 +306,41 @@ void DeviceRunner::ended(DeviceRun& run)
     QTimer::singleShot(0, this, [this] { launch(); });
 }
 
+// The waiting devices fail at once with `why`; the running ones are stopped.
+void DeviceRunner::giveUp(const QString& why)
+{
+    m_gaveUp = why;
+    while (m_next < m_runs.size()) {
+        DeviceRun& run = *m_runs.at(m_next++);
+        run.fail(why);
+    }
+    if (m_group) {
+        // The group holds every device still to come: they fail now, and
+        // the one under way is stopped.
+        for (const auto& run : qAsConst(m_runs))
+            if (!run->m_ended)
+                run->fail(why);
+        if (m_groupJob)
+            m_group->queue()->dequeue(*m_groupJob);
+        return;
+    }
+    for (const auto& run : qAsConst(m_runs))
+        if (run->m_started && !run->m_ended)
+            run->stop(why);
+}
+
+QList<QJsonObject> DeviceRunner::results() const
+{
+    QList<QJsonObject> list;
+    for (const auto& run : m_runs)
+        list << run->result;
+    return list;
+}
+
 void DeviceRunner::report(const DeviceRun& run)
 {
+    if (m_quiet)
+        return;
     if (m_stream)
         return m_stream->append(run.result);
     const bool ok = run.result.value(QStringLiteral("ok")).toBool();
@@ -299,6 +353,8 @@ void DeviceRunner::report(const DeviceRun& run)
 
 void DeviceRunner::showProgress()
 {
+    if (m_quiet)
+        return;
     m_cli.output().progress(tr("%1/%2 done, %3 ok, %4 failed, %5 s")
                                 .arg(m_done).arg(m_runs.size()).arg(m_ok).arg(m_failed)
                                 .arg(m_clock.elapsed() / 1000.0, 0, 'f', 1));
@@ -341,6 +397,10 @@ void DeviceRunner::summarise()
     if (m_summarised || m_running > 0)
         return;
     m_summarised = true;
+    if (m_quiet) {
+        emit finished(m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok);
+        return;
+    }
     const int notRun = m_runs.size() - m_done;
     const bool interrupted = m_interrupts > 0 && notRun > 0;
     const int code = interrupted ? VrnConfigCli::Interrupted : m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok;

@@ -98,10 +98,17 @@ private:
 /// job timed out (or met a bus failure) runs it again, up to N times in all,
 /// on its own worker (after its turn in the group for `runJobs`); its result
 /// then holds "tries". A job with the property `RunOnce` runs once.
+/// When several devices in a row fail without a single frame heard on the
+/// bus meanwhile, the bus is taken as silent (unplugged, powered off, the
+/// wrong line): the devices still waiting fail at once with "bus not
+/// answering", and the running ones are stopped with it.
 class DeviceRunner : public QObject
 {
     Q_OBJECT
 public:
+    /// Failures in a row with nothing heard that make the bus silent.
+    static constexpr int SilentLimit = 3;
+
     using Action = std::function<void(DeviceRun&)>;
     /// A job for the device, or null when the device cannot do it.
     using JobFactory = std::function<QmlJob*(VRNStdObject&)>;
@@ -114,8 +121,18 @@ public:
     static constexpr const char* RunOnce = "vrnconfigRunOnce";
 
     explicit DeviceRunner(VrnConfigCli& cli);
+
+    /// A whole command "NAME DEVICE...": the devices named, the bus opened,
+    /// then `runJobs` with `make` and `read`.
+    static std::function<void(VrnConfigCli&, const QStringList&)> onEach(const QString& name, const JobFactory& make,
+                                                                          const ValueReader& read,
+                                                                          const QString& refusal = QString());
     ~DeviceRunner() override;
 
+    /// A quiet run prints nothing and does not end the command: its owner
+    /// reads `results()` once `finished` came.
+    void setQuiet(bool quiet) { m_quiet = quiet; }
+    QList<QJsonObject> results() const;
     /// How many devices run at a time.
     void setParallel(int parallel) { m_parallel = qMax(1, parallel); }
     int parallel() const { return m_parallel; }
@@ -148,6 +165,7 @@ private:
     void report(const DeviceRun& run);
     void showProgress();
     void summarise();
+    void giveUp(const QString& why);
 
     VrnConfigCli& m_cli;
     QList<std::shared_ptr<DeviceRun>> m_runs;
@@ -169,6 +187,12 @@ private:
     QPointer<QmlJob> m_groupJob;
     QPointer<GroupTask> m_groupTask;
     QHash<unsigned int, DeviceRun*> m_byUuid;
+    bool m_quiet = false;
+    /// Devices in a row that failed with the bus silent, and whether a frame
+    /// came since the last device ended.
+    int m_silentFailures = 0;
+    bool m_heard = false;
+    QString m_gaveUp;
     QElapsedTimer m_clock;
     std::unique_ptr<JsonArrayStream> m_stream;
 };

@@ -2,6 +2,7 @@
 // slots, read and written through the device runner.
 #include "command.h"
 #include "devicerunner.h"
+#include "labelcommands.h"
 #include "vrnconfigcli.h"
 
 #include "busfactory.h"
@@ -17,6 +18,8 @@
 
 #include <QJsonArray>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +41,21 @@ void putGroups(const QList<quint32>& list, DeviceRun& run)
     run.result.insert(QStringLiteral("groups"), array);
 }
 
+// A label the device takes and the registry can store: checked before
+// anything is sent, so a device is never renamed to something the registry
+// then refuses. The message never repeats the label (it may be long).
+bool labelFits(const QString& label, QString& why)
+{
+    const int bytes = label.toUtf8().size();
+    if (bytes > LabelMax)
+        why = Cli::tr("the label is %1 bytes of UTF-8; a device takes at most %2").arg(bytes).arg(LabelMax);
+    else if (label.contains(QLatin1Char('\'')))
+        why = Cli::tr("the registry cannot store a label with a single quote (')");
+    else if (std::any_of(label.begin(), label.end(), [](QChar c) { return c.category() == QChar::Other_Control; }))
+        why = Cli::tr("a label cannot hold control characters");
+    return why.isEmpty();
+}
+
 // Keeps what the device said in the registry, so `list` shows it.
 bool storeLabel(DeviceRun& run, QString& error)
 {
@@ -47,48 +65,20 @@ bool storeLabel(DeviceRun& run, QString& error)
     return false;
 }
 
-void getLabel(Cli& cli, const QStringList& args)
+bool readVersion(DeviceRun& run, QString&)
 {
-    QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("get label needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
-        return;
-    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetLabelJob; }, [](DeviceRun& run, QString& error) {
-        run.line = QString::fromUtf8(run.device->proxyStdConfig().getConstData().label);
-        run.result.insert(QStringLiteral("label"), run.line);
-        return storeLabel(run, error);
-    });
+    run.line = run.device->proxyStdConfig().getConstData().appVersion.toString();
+    run.result.insert(QStringLiteral("version"), run.line);
+    return true;
 }
 
-void getVersion(Cli& cli, const QStringList& args)
+bool readGroups(DeviceRun& run, QString&)
 {
-    QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("get version needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
-        return;
-    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetFwVersionJob; }, [](DeviceRun& run, QString&) {
-        run.line = run.device->proxyStdConfig().getConstData().appVersion.toString();
-        run.result.insert(QStringLiteral("version"), run.line);
-        return true;
-    });
-}
-
-void getGroups(Cli& cli, const QStringList& args)
-{
-    QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("get groups needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
-        return;
-    (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new GetGroupsJob; }, [](DeviceRun& run, QString&) {
-        QList<quint32> groups;
-        for (VRN::Addr g : run.device->proxyStdConfig().getConstData().groups)
-            groups << g;
-        putGroups(groups, run);
-        return true;
-    });
+    QList<quint32> groups;
+    for (VRN::Addr g : run.device->proxyStdConfig().getConstData().groups)
+        groups << g;
+    putGroups(groups, run);
+    return true;
 }
 
 void setLabel(Cli& cli, const QStringList& args)
@@ -96,8 +86,9 @@ void setLabel(Cli& cli, const QStringList& args)
     if (args.size() != 2)
         return cli.fail(Cli::Usage, Cli::tr("set label takes one DEVICE and one TEXT"));
     const QByteArray label = args.at(1).toUtf8();
-    if (label.size() > LabelMax)
-        return cli.fail(Cli::Usage, Cli::tr("label longer than %1 bytes: %2").arg(LabelMax).arg(args.at(1)));
+    QString why;
+    if (!labelFits(args.at(1), why))
+        return cli.fail(Cli::Usage, why);
     QList<VRNObject::UUID> uuids;
     if (!cli.resolveDevices(args.mid(0, 1), uuids) || !cli.openBus())
         return;
@@ -167,14 +158,28 @@ void setGroups(Cli& cli, const QStringList& args)
 
 void addLabelCommands(CommandRegistry& r)
 {
-    r.add({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("DEVICE..."), Cli::tr("read the label"), getLabel});
-    r.add({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("DEVICE..."), Cli::tr("read the firmware version"), getVersion});
-    r.add({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("DEVICE..."), Cli::tr("read the 16 group slots"), getGroups});
+    r.add({QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("DEVICE..."), Cli::tr("read the label"),
+           DeviceRunner::onEach(QStringLiteral("get label"), [](VRNStdObject&) { return new GetLabelJob; }, readLabel)});
+    r.add({QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("DEVICE..."), Cli::tr("read the firmware version"),
+           DeviceRunner::onEach(QStringLiteral("get version"), [](VRNStdObject&) { return new GetFwVersionJob; }, readVersion)});
+    r.add({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("DEVICE..."), Cli::tr("read the 16 group slots"),
+           DeviceRunner::onEach(QStringLiteral("get groups"), [](VRNStdObject&) { return new GetGroupsJob; }, readGroups)});
     r.add({QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("DEVICE TEXT"),
            Cli::tr("write the label (up to 16 bytes of UTF-8)"), setLabel});
     r.add({QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("DEVICE ADDR..."),
            Cli::tr("write the group slots: group numbers, decimal or 0x hexadecimal"), setGroups});
 }
+
+} // namespace
+
+bool readLabel(DeviceRun& run, QString& error)
+{
+    run.line = QString::fromUtf8(run.device->proxyStdConfig().getConstData().label);
+    run.result.insert(QStringLiteral("label"), run.line);
+    return storeLabel(run, error);
+}
+
+namespace {
 
 const CommandFamily family(30, "Labels and groups", addLabelCommands);
 

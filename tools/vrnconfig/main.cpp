@@ -2,9 +2,12 @@
 #include "objectfactory.h"
 #include "settings.h"
 #include "vrnconfigcli.h"
+#include "vrnmessage.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
+
+#include <unistd.h>
 
 int main(int argc, char** argv)
 {
@@ -16,6 +19,9 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Velmo"));
     QCoreApplication::setApplicationName(QStringLiteral("vrnconfig"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VRNCONFIG_VERSION));
+    // A tool number of this process's own (see PROTOCOL.md): replies to
+    // another tool on the same bus are never taken for ours.
+    VRN::setToolNumber(0xFE0000u + quint32(getpid()) % 0x10000u);
     VrnConfigCli cli;
     QObject::connect(&cli, &VrnConfigCli::done, &app, &QCoreApplication::exit, Qt::QueuedConnection);
     const int code = cli.start(app.arguments()) ? app.exec() : cli.exitCode();

@@ -1,14 +1,19 @@
-// The monitor family: the frames seen on the bus, as they come.
+// The monitor family: the frames on the bus, as they come, decoded; and a
+// capture for Wireshark.
 #include "command.h"
 #include "vrnconfigcli.h"
 
-#include "busfactory.h"
-#include "vrnlistenermodel.h"
+#include "framedecoder.h"
+#include "pcapwriter.h"
 
-#include <QAbstractItemModel>
+#include "bus.h"
+#include "busfactory.h"
+#include "busmessage.h"
+
 #include <QDateTime>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace {
@@ -32,52 +37,65 @@ void monitor(Cli& cli, const QStringList& args)
         if (!ok || !(duration >= 0 && duration <= 2000000))
             return cli.fail(Cli::Usage, Cli::tr("bad --duration: %1").arg(cli.value(QStringLiteral("duration"))));
     }
+    const QString pcapFile = cli.value(QStringLiteral("write"));
+    if (cli.isSet(QStringLiteral("write")) && pcapFile.isEmpty())
+        return cli.fail(Cli::Usage, Cli::tr("--write needs a file name"));
+    auto pcap = std::make_shared<PcapWriter>();
+    if (!pcapFile.isEmpty() && !pcap->open(pcapFile))
+        return cli.fail(Cli::Failed, Cli::tr("cannot write %1: %2").arg(pcapFile, pcap->errorString()));
     if (!cli.openBus())
         return;
     // Ctrl-C is the usual way to end a monitor: not a failure.
-    cli.setInterruptHandler([&cli] { cli.finish(); });
-    QAbstractItemModel* frames = BusFactory::instance()->busListener();
+    auto end = [&cli, pcap] {
+        pcap->close();
+        cli.finish();
+    };
+    cli.setInterruptHandler(end);
     auto seen = std::make_shared<quint32>(0);
-    QObject::connect(frames, &QAbstractItemModel::rowsInserted, &cli, [&cli, frames, seen, counted, count](const QModelIndex&, int first, int last) {
-        for (int row = first; row <= last && !cli.ended(); ++row) {
-            const QModelIndex index = frames->index(row, 0);
-            auto value = [&](int role) { return frames->data(index, role); };
-            const qint64 ms = value(VRNListenerModel::TimeRole).toDateTime().toMSecsSinceEpoch();
-            const QString time = QStringLiteral("%1.%2").arg(ms / 1000).arg((ms % 1000) * 1000, 6, 10, QLatin1Char('0'));
-            const bool valid = value(VRNListenerModel::ValidRole).toBool();
-            const QVariant source = value(VRNListenerModel::SourceRole);
-            const QVariant destination = value(VRNListenerModel::DestinationRole);
-            const QString command = value(VRNListenerModel::CommandNameRole).toString();
-            const QString payload = value(VRNListenerModel::PayloadRole).toString();
-            if (cli.json()) {
-                cli.output().jsonLine(QJsonObject{{QStringLiteral("time"), time},
-                                                  {QStringLiteral("direction"), value(VRNListenerModel::DirectionRole).toInt() == VRNListenerModel::Sent
-                                                                                    ? QStringLiteral("sent") : QStringLiteral("received")},
-                                                  {QStringLiteral("source"), source.isValid() ? qint64(source.toUInt()) : QJsonValue()},
-                                                  {QStringLiteral("destination"), destination.isValid() ? qint64(destination.toUInt()) : QJsonValue()},
-                                                  {QStringLiteral("command"), command},
-                                                  {QStringLiteral("payload"), payload},
-                                                  {QStringLiteral("valid"), valid}});
-            } else {
-                const QString from = source.isValid() ? Cli::hex(source.toUInt(), 8) : QStringLiteral("?");
-                const QString to = destination.isValid() ? Cli::nodeText(destination.toUInt()) : QStringLiteral("?");
-                cli.output().line(QStringLiteral("(%1) %2 > %3 %4 %5%6").arg(time, from, to, valid ? command : QStringLiteral("INVALID"), payload,
-                                                                             valid ? QString() : QStringLiteral(" !")));
-            }
-            if (counted && ++*seen >= count)
-                cli.finish();
+    auto show = [&cli, pcap, seen, counted, count, end](const BusMessage& message, bool sent) {
+        if (cli.ended())
+            return;
+        const qint64 us = std::chrono::duration_cast<std::chrono::microseconds>(
+                              std::chrono::system_clock::now().time_since_epoch()).count();
+        const QByteArray bytes = message.data();
+        if (pcap->write(us, bytes))
+            pcap->flush();
+        const QDateTime wall = QDateTime::fromMSecsSinceEpoch(us / 1000);
+        const QString time = wall.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.")) + QStringLiteral("%1").arg(us % 1000000, 6, 10, QLatin1Char('0'));
+        const DecodedFrame f = decodeFrame(bytes);
+        if (cli.json()) {
+            QJsonObject o = f.json;
+            o.insert(QStringLiteral("time"), time);
+            o.insert(QStringLiteral("epochUs"), us);
+            o.insert(QStringLiteral("direction"), sent ? QStringLiteral("sent") : QStringLiteral("received"));
+            cli.output().jsonLine(o);
+        } else if (f.valid) {
+            cli.output().line(QStringLiteral("%1 %2 %3 > %4 %5%6").arg(time, sent ? QStringLiteral(">>") : QStringLiteral("<<"),
+                                                                       f.source, f.destination, f.command,
+                                                                       f.text.isEmpty() ? QString() : QStringLiteral(" ") + f.text));
+        } else {
+            cli.output().line(QStringLiteral("%1 %2 INVALID %3").arg(time, sent ? QStringLiteral(">>") : QStringLiteral("<<"),
+                                                                     f.json.value(QStringLiteral("bytes")).toString()));
         }
-    });
+        if (counted && ++*seen >= count)
+            end();
+    };
+    Bus* bus = BusFactory::instance()->bus();
+    QObject::connect(bus, &Bus::messageSent, &cli, [show](const BusMessage& m) { show(m, true); });
+    QObject::connect(bus, &Bus::messageReceived, &cli, [show](const BusMessage& m) { show(m, false); });
     if (counted && count == 0)
-        return cli.finish();
+        return end();
     if (duration >= 0)
-        QTimer::singleShot(int(duration * 1000), &cli, [&cli] { cli.finish(); });
+        QTimer::singleShot(int(duration * 1000), &cli, end);
 }
 
 void addMonitorCommands(CommandRegistry& r)
 {
-    r.add({QStringLiteral("monitor"), {}, QStringLiteral("[--count N] [--duration S]"),
-           Cli::tr("frames seen on the bus (JSON Lines with --json); Ctrl-C ends it"), monitor});
+    r.add({QStringLiteral("monitor"), {}, QStringLiteral("[--count N] [--duration S] [--write FILE.pcap]"),
+           Cli::tr("every frame on the bus, both directions, decoded, with wall-clock time\n"
+                   "(JSON Lines with --json); --write also saves them as a pcap file for\n"
+                   "Wireshark (tools/wireshark/vrn.lua); Ctrl-C ends it"), monitor});
+    r.addOption(QCommandLineOption(QStringLiteral("write"), QString(), QStringLiteral("FILE")), {QStringLiteral("monitor")});
     r.addOption(QCommandLineOption(QStringLiteral("count"), QString(), QStringLiteral("N")), {QStringLiteral("monitor")});
     r.addOption(QCommandLineOption(QStringLiteral("duration"), QString(), QStringLiteral("S")), {QStringLiteral("monitor")});
 }

@@ -143,19 +143,6 @@ QString onOff(quint8 status, quint8 value)
     return status ? QStringLiteral("on %1").arg(value) : QStringLiteral("off (%1)").arg(value);
 }
 
-void wink(Cli& cli, const QStringList& args)
-{
-    QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("wink needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids) || !cli.openBus())
-        return;
-    (new DeviceRunner(cli))->runJobs(uuids, forMotor([] { return new VisualFeedbackJob; }), [](DeviceRun& run, QString&) {
-        run.line = QStringLiteral("winked");
-        return true;
-    }, notA(false));
-}
-
 void move(Cli& cli, const QStringList& args)
 {
     static const QStringList verbs{QStringLiteral("up"), QStringLiteral("down"), QStringLiteral("stop"),
@@ -425,9 +412,7 @@ bool setMotor(Cli& cli, const QString& what, const QList<VRNObject::UUID>& uuids
 void factoryDefault(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("factory-default needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids))
+    if (!cli.selectDevices(QStringLiteral("factory-default"), args, uuids))
         return;
     const bool ipsOnly = cli.isSet(QStringLiteral("ips-only"));
     const QString what = ipsOnly ? Cli::tr("the intermediate positions") : Cli::tr("every setting");
@@ -504,9 +489,7 @@ Command getter(const char* what, const QString& help)
     const QString subject = QString::fromLatin1(what);
     return {QStringLiteral("get"), subject, QStringLiteral("DEVICE..."), help, [subject](Cli& cli, const QStringList& args) {
         QList<VRNObject::UUID> uuids;
-        if (args.isEmpty())
-            return cli.fail(Cli::Usage, Cli::tr("get %1 needs at least one DEVICE").arg(subject));
-        if (cli.resolveDevices(args, uuids))
+        if (cli.selectDevices(QStringLiteral("get ") + subject, args, uuids))
             getMotor(cli, subject, uuids);
     }};
 }
@@ -525,7 +508,11 @@ Command setter(const char* what, const QString& arguments, const QString& help)
 
 void addMotorCommands(CommandRegistry& r)
 {
-    r.add({QStringLiteral("wink"), {}, QStringLiteral("DEVICE..."), Cli::tr("make motors show themselves"), wink});
+    r.add({QStringLiteral("wink"), {}, QStringLiteral("DEVICE..."), Cli::tr("make motors show themselves"),
+           DeviceRunner::onEach(QStringLiteral("wink"), forMotor([] { return new VisualFeedbackJob; }), [](DeviceRun& run, QString&) {
+               run.line = QStringLiteral("winked");
+               return true;
+           }, notA(false))});
     r.add({QStringLiteral("move"), {}, QStringLiteral("DEVICE... up|down|stop|to PERCENT|to-pulse N|to-ip INDEX|by PULSES"),
            Cli::tr("move motors"), move});
     r.add(getter("position", Cli::tr("pulses and percent")));

@@ -33,7 +33,7 @@ void list(Cli& cli, const QStringList& args)
                    cli.isSet(QStringLiteral("desc")) ? Qt::DescendingOrder : Qt::AscendingOrder);
     Output& out = cli.output();
     out.setBuffered(true);
-    TextTable table(out, {{QStringLiteral("UUID"), 8, true}, {QStringLiteral("NODE"), 8}, {QStringLiteral("TYPE"), 12},
+    TextTable table(out, {{QStringLiteral("UUID"), 8, true}, {QStringLiteral("NODE"), 8}, {QStringLiteral("KIND"), 13},
                           {QStringLiteral("LABEL"), 17}, {QStringLiteral("SERIAL"), 14}, {QStringLiteral("NBOCCUR"), 0}});
     QJsonArray array;
     if (!cli.json())
@@ -51,10 +51,11 @@ void list(Cli& cli, const QStringList& args)
         if (cli.json())
             array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("nodeID"), qint64(node)},
                                      {QStringLiteral("type"), type}, {QStringLiteral("typeName"), typeName},
+                                     {QStringLiteral("kind"), Cli::kindName(type)},
                                      {QStringLiteral("label"), label}, {QStringLiteral("serialNumber"), serial},
                                      {QStringLiteral("nbOccur"), nbOccur}});
         else
-            table.row({QString::number(uuid), Cli::nodeText(node), typeName, label, serial, QString::number(nbOccur)});
+            table.row({QString::number(uuid), Cli::nodeText(node), Cli::kindName(type), label, serial, QString::number(nbOccur)});
     }
     if (cli.json())
         out.document(array);
@@ -64,9 +65,7 @@ void list(Cli& cli, const QStringList& args)
 void forget(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (args.isEmpty())
-        return cli.fail(Cli::Usage, Cli::tr("forget needs at least one DEVICE"));
-    if (!cli.resolveDevices(args, uuids))
+    if (!cli.selectDevices(QStringLiteral("forget"), args, uuids))
         return;
     if (args.contains(QStringLiteral("all")) && !cli.confirm(Cli::tr("Forget all %1 device(s) of the registry").arg(uuids.size())))
         return;

@@ -1,5 +1,7 @@
 #include "vrnconfigcli.h"
 
+#include "framedecoder.h"
+
 #include "busfactory.h"
 #include "groupcontrol.h"
 #include "objectfactory.h"
@@ -10,6 +12,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QHostAddress>
+#include <QSqlQuery>
 #include <QRegularExpression>
 #include <QSocketNotifier>
 #include <QSqlDatabase>
@@ -46,7 +51,8 @@ const char OptionsText[] =
     "  --db FILE       device registry, an SQLite file (default: devices.sqlite in the\n"
     "                  user's data folder; :memory: for none)\n"
     "  --json          machine-readable output on standard output (see below)\n"
-    "  --timeout MS    time a device has to answer one request (default: 500)\n"
+    "  --timeout MS    time a device has to answer one request (default: 500); in\n"
+    "                  discovery, how long a round waits for late answers (default: 300)\n"
     "  --retries N     run a device's job again up to N times after a timeout or a bus\n"
     "                  failure, never after a refusal (0..10, default: 2)\n"
     "  -h, --help      this text; help COMMAND for one command\n"
@@ -69,6 +75,8 @@ const char TrailerText[] =
 VrnConfigCli::VrnConfigCli(QObject* parent) : QObject(parent)
 {
     CommandFamily::registerAll(m_registry);
+    // "set ... all" asks first; --yes answers.
+    m_registry.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("set")});
 }
 
 VrnConfigCli::~VrnConfigCli()
@@ -121,6 +129,10 @@ bool VrnConfigCli::start(const QStringList& given)
     }
     m_busUuid = m_parser.value(bus);
     m_dbFile = m_parser.value(db);
+    if (m_parser.isSet(db) && m_dbFile.isEmpty()) {
+        fail(Usage, tr("--db needs a file name"));
+        return false;
+    }
     quint32 number = 0;
     if (m_parser.isSet(timeout)) {
         if (!parseNumber(m_parser.value(timeout), 3600000, number) || number == 0) {
@@ -160,7 +172,11 @@ bool VrnConfigCli::start(const QStringList& given)
         fail(Usage, tr("not a valid --priority: %1 (a whole number from 0)").arg(m_parser.value(QStringLiteral("priority"))));
         return false;
     }
-    if (!openDatabase())
+    // Changing every device asks first (and needs --yes off a terminal).
+    if (name == QLatin1String("set") && args.value(0) == QLatin1String("all")
+        && !confirm(tr("Change %1 of every device in the registry").arg(command->subject)))
+        return false;
+    if (!openDatabase(m_busUuid.isEmpty() ? BusFactory::instance()->lastBusUUID() : m_busUuid))
         return false;
     watchInterrupts();
     command->run(*this, args);
@@ -201,7 +217,21 @@ void VrnConfigCli::printHelp(const QString& name)
 
 // --- shared steps -----------------------------------------------------------
 
-bool VrnConfigCli::openDatabase()
+QString VrnConfigCli::registryFile(const QString& dataFolder, const QString& busUuid)
+{
+    if (busUuid.isEmpty())
+        return dataFolder + QStringLiteral("/devices.sqlite");
+    QString name = busUuid;
+    for (QChar& c : name)
+        if (!(c.isLetterOrNumber() && c.unicode() < 128) && c != QLatin1Char('.') && c != QLatin1Char('-'))
+            c = QLatin1Char('_');
+    return dataFolder + QStringLiteral("/devices-%1.sqlite").arg(name);
+}
+
+// A registry that cannot be used is refused before anything is sent: a
+// folder, a file that cannot be written, a file that is no SQLite database
+// or one that holds other tables than the registry's.
+bool VrnConfigCli::openDatabase(const QString& busUuid)
 {
     QString file = m_dbFile;
     if (file.isEmpty()) {
@@ -210,12 +240,42 @@ bool VrnConfigCli::openDatabase()
             fail(Failed, tr("cannot create the data folder %1").arg(dir));
             return false;
         }
-        file = dir + QStringLiteral("/devices.sqlite");
+        file = registryFile(dir, busUuid);
+    }
+    if (file != QLatin1String(":memory:")) {
+        const QFileInfo info(file);
+        if (info.isDir()) {
+            fail(Failed, tr("the device registry %1 is a folder").arg(file));
+            return false;
+        }
+        if (info.exists() ? !info.isWritable() : !QFileInfo(info.absolutePath()).isWritable()) {
+            fail(Failed, tr("the device registry %1 cannot be written").arg(file));
+            return false;
+        }
+        // SQLite would take a short file of anything for an empty database
+        // and write over it.
+        QFile head(file);
+        if (info.size() > 0 && (!head.open(QIODevice::ReadOnly) || head.read(16) != QByteArray("SQLite format 3", 16))) {
+            fail(Failed, tr("%1 is not a device registry: not an SQLite file").arg(file));
+            return false;
+        }
     }
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
     db.setDatabaseName(file);
     if (!db.open()) {
         fail(Failed, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()));
+        return false;
+    }
+    QSqlQuery tables(db);
+    if (!tables.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
+        fail(Failed, tr("%1 is not a device registry: %2").arg(file, tables.lastError().databaseText()));
+        return false;
+    }
+    QStringList names;
+    while (tables.next())
+        names << tables.value(0).toString();
+    if (!names.isEmpty() && !names.contains(QStringLiteral("Devices"))) {
+        fail(Failed, tr("%1 is not a device registry: it holds other tables").arg(file));
         return false;
     }
     return true;
@@ -230,14 +290,8 @@ bool VrnConfigCli::openBus()
         fail(Failed, tr("no bus: open one with 'vrnconfig open UUID' or give --bus UUID"));
         return false;
     }
-    if (!BusFactory::isSerialUUID(uuid) && !BusFactory::isMCastUUID(uuid)) {
-        fail(Usage, tr("not a bus identifier: %1").arg(uuid));
+    if (!checkBusUuid(uuid) || !openBusUuid(uuid))
         return false;
-    }
-    if (!buses->openUUID(uuid)) {
-        fail(Failed, tr("cannot open %1: %2").arg(uuid, buses->lastError()));
-        return false;
-    }
     // A bus given with --bus serves this run only: the remembered one stays.
     if (!m_busUuid.isEmpty() && m_busUuid != remembered)
         Settings::instance()->setValue(QStringLiteral("lastBusUUID"), remembered);
@@ -359,6 +413,15 @@ bool VrnConfigCli::parseGroupAddress(const QString& text, quint32& group)
     return parseNumber(text, 0xFFFFFF, group) && GroupControl::isGroupAddress(group);
 }
 
+bool VrnConfigCli::selectDevices(const QString& name, const QStringList& words, QList<VRNObject::UUID>& uuids)
+{
+    if (words.isEmpty()) {
+        fail(Usage, tr("%1 needs at least one DEVICE").arg(name));
+        return false;
+    }
+    return resolveDevices(words, uuids);
+}
+
 bool VrnConfigCli::confirm(const QString& question)
 {
     if (m_parser.optionNames().contains(QStringLiteral("yes")))
@@ -416,6 +479,33 @@ void VrnConfigCli::finish(int code)
     emit done(code);
 }
 
+bool VrnConfigCli::checkBusUuid(const QString& uuid)
+{
+    QString error;
+    if (!BusFactory::isSerialUUID(uuid) && !BusFactory::isMCastUUID(uuid))
+        error = tr("not a bus identifier: %1 (serial:NAME or mcast:GROUP:PORT:BIND)").arg(uuid);
+    else if (BusFactory::isMCastUUID(uuid))
+        checkMCastUuid(uuid, error);
+    if (error.isEmpty())
+        return true;
+    fail(Usage, error);
+    return false;
+}
+
+bool VrnConfigCli::openBusUuid(const QString& uuid)
+{
+    BusFactory* buses = BusFactory::instance();
+    if (buses->openUUID(uuid))
+        return true;
+    QString why = buses->lastError();
+    // The serial port's lock is held by another program; the port's own
+    // text speaks of a permission error.
+    if (BusFactory::isSerialUUID(uuid) && why.contains(QLatin1String("lock"), Qt::CaseInsensitive))
+        why = tr("the serial port is used by another program");
+    fail(Failed, tr("cannot open %1: %2").arg(uuid, why));
+    return false;
+}
+
 // --- helpers ----------------------------------------------------------------
 
 bool VrnConfigCli::parseNumber(const QString& text, quint32 max, quint32& value)
@@ -431,10 +521,49 @@ bool VrnConfigCli::parseNumber(const QString& text, quint32 max, quint32& value)
 
 QString VrnConfigCli::hex(quint32 value, int width)
 {
-    return QStringLiteral("0x") + QStringLiteral("%1").arg(value, width, 16, QLatin1Char('0')).toUpper();
+    return hexText(value, width);
 }
 
 QString VrnConfigCli::nodeText(quint32 node)
 {
     return hex(node, 6);
+}
+
+QString VrnConfigCli::kindName(int type)
+{
+    switch (type) {
+    case VRNObject::DtsStd: return tr("standard node");
+    case VRNObject::DtsMotor: return tr("motor");
+    case VRNObject::DtsDcMotor: return tr("DC motor");
+    case VRNObject::LRU50: return QStringLiteral("LRU50");
+    case VRNObject::TX50DC: return QStringLiteral("TX50DC");
+    case VRNObject::TX30: return QStringLiteral("TX30");
+    case VRNObject::SettingTool: return tr("setting tool");
+    default: return tr("unknown");
+    }
+}
+
+bool VrnConfigCli::checkMCastUuid(const QString& uuid, QString& error)
+{
+    const QStringList parts = uuid.mid(int(qstrlen("mcast:"))).split(QLatin1Char(':'));
+    const QString group = parts.value(0), port = parts.value(1), bind = parts.value(2);
+    const QHostAddress groupAddress(group);
+    bool ipv4 = false;
+    groupAddress.toIPv4Address(&ipv4);
+    if (!ipv4 || !groupAddress.isMulticast()) {
+        error = tr("not an IPv4 multicast group: '%1'").arg(group);
+        return false;
+    }
+    quint32 number = 0;
+    if (!parseNumber(port, 65535, number) || number == 0 || port.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)) {
+        error = tr("not a port from 1 to 65535: '%1'").arg(port);
+        return false;
+    }
+    const QHostAddress bindAddress(bind);
+    bindAddress.toIPv4Address(&ipv4);
+    if (!ipv4) {
+        error = tr("not a literal IPv4 bind address: '%1'").arg(bind);
+        return false;
+    }
+    return true;
 }

@@ -51,10 +51,17 @@ public:
     /// Opens the bus (--bus or the remembered one); false when it failed (the
     /// run has then ended with the reason).
     bool openBus();
+    /// A bus identifier the tool can use (multicast: group, port and bind
+    /// address checked); false on a usage error (the run has ended).
+    bool checkBusUuid(const QString& uuid);
+    /// Opens and remembers `uuid`; false with the reason (the run has ended).
+    bool openBusUuid(const QString& uuid);
     /// The devices named by `words` (uuids, node:NUMBER, group:ADDR,
     /// type:KIND, all); false on a usage error, an empty selection included
     /// (the run has ended).
     bool resolveDevices(const QStringList& words, QList<VRNObject::UUID>& uuids);
+    /// `resolveDevices` for the command `name`, which needs at least one DEVICE.
+    bool selectDevices(const QString& name, const QStringList& words, QList<VRNObject::UUID>& uuids);
     /// Asks "question [y/N]" on a terminal, or needs --yes; false when not
     /// confirmed (the run has ended).
     bool confirm(const QString& question);
@@ -72,13 +79,22 @@ public:
     static bool parseGroupAddress(const QString& text, quint32& group);
     /// A node's number, written one way everywhere: 0x000102.
     static QString nodeText(quint32 node);
+    /// A device kind as a person names it ("DC motor"); JSON carries the
+    /// enum key (`VRNObject::typeToString`) and the number beside it.
+    static QString kindName(int type);
+    /// The registry file of a bus when --db is not given: one per bus, in
+    /// the user's data folder, named from the bus identifier.
+    static QString registryFile(const QString& dataFolder, const QString& busUuid);
+    /// A group, port and bind address that a multicast bus can use; false
+    /// with the offending value named in `error`.
+    static bool checkMCastUuid(const QString& uuid, QString& error);
     static QString hex(quint32 value, int width);
 
 Q_SIGNALS:
     void done(int exitCode);
 
 private:
-    bool openDatabase();
+    bool openDatabase(const QString& busUuid);
     void printHelp(const QString& command);
     void watchInterrupts();
 
