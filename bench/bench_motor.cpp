@@ -29,6 +29,7 @@
 #include "workqueue.h"
 
 #include "benchclock.h"
+#include "benchline.h"
 #include "benchsim.h"
 
 #include <QCoreApplication>
@@ -131,18 +132,9 @@ int cpuPerJob()
 
 int settingsAt4800()
 {
-    SimNetwork net(3);
-    net.setBaud(4800);
-    net.setReplyWindow(0);
-    SimNode* node = net.addNode(SimNode::TX30, 0x000100);
-    VRNLoopbackBus bus;
-    bus.setTimeout(1000);
-    net.attach(&bus);
-    bus.open();
-    QSharedPointer<VRNObject> motor(new TX30Object);
-    motor->setNodeAddress(node->address());
-    motor->attach(&bus);
-    VRNObjectWorker worker(motor);
+    BenchLine line4800(3, 4800, SimNode::TX30, new TX30Object);
+    SimNetwork& net = line4800.net;
+    VRNObjectWorker worker(line4800.object);
     std::vector<std::unique_ptr<Job>> jobs;
     jobs.emplace_back(new GetDirectionJob);
     jobs.emplace_back(new GetEndLimitsJob);

@@ -2,9 +2,9 @@
 # The demo: a simulated network of 30 devices on a loopback multicast group,
 # opened, discovered, listed, every label read, one label written and read back;
 # then a motor winked, moved to 50 % while its position is printed, all its
-# settings read, and a DC motor's speeds set; then a group of motors moved at once;
-# last a firmware package built, signed with keys made for the run, and a motor
-# updated with it.
+# settings read, and a DC motor's speeds set; a group of motors moved at once; life
+# counters and network statistics read and the error counters cleared; last a firmware
+# package built, signed with keys made for the run, and a motor updated with it.
 # Settings and the device registry live in a temporary folder for the run.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -75,6 +75,12 @@ vrnconfig get groups type:motor >/dev/null
 vrnconfig group list
 vrnconfig group move 0x0F0042 to 25
 vrnconfig watch position "$motor"
+
+step "Life counters of motor $motor (its moves above are counted) and the network statistics of both motors"
+vrnconfig get diag "$motor"
+vrnconfig get stats "$motor" "$dc"
+step "Clearing the error counters of every device"
+vrnconfig reset stats all --errors | tail -n 3
 
 step "Firmware: keys made for this run, a package built and signed, the catalogue, a check, an update of motor $motor"
 "$bin/vrnfwpack" keygen "$work/fw.secret" "$work/fw.keys"

@@ -77,6 +77,7 @@ void JobPrivate::markRunning()
     state = Job::Running;
     error = Job::NoError;
     errorString.clear();
+    transient = false;
     if (task)
         TaskPrivate::get(task)->begin();
     QPointer<Job> guard(q);
@@ -85,7 +86,7 @@ void JobPrivate::markRunning()
         Q_EMIT q->started();
 }
 
-void JobPrivate::finish(Job::Error e, const QString& text)
+void JobPrivate::finish(Job::Error e, const QString& text, bool transient)
 {
     Q_Q(Job);
     if (!isActive())
@@ -93,6 +94,7 @@ void JobPrivate::finish(Job::Error e, const QString& text)
     state = e == Job::DequeuedError ? Job::Idle : Job::Finished;
     error = e;
     errorString = text;
+    this->transient = transient;
     if (WorkQueue* wq = queue) {
         queue = nullptr;
         WorkQueuePrivate::get(wq)->jobEnded(q);
@@ -171,6 +173,11 @@ Job::Error Job::error() const
 QString Job::errorString() const
 {
     return d_func()->errorString;
+}
+
+bool Job::isTransientError() const
+{
+    return d_func()->transient;
 }
 
 QVariant Job::result() const

@@ -28,6 +28,7 @@ class Job : public QObject
     Q_PROPERTY(Job::State state READ state NOTIFY stateChanged)
     Q_PROPERTY(Job::Error error READ error NOTIFY finished)
     Q_PROPERTY(QString errorString READ errorString NOTIFY finished)
+    Q_PROPERTY(bool transientError READ isTransientError NOTIFY finished)
     Q_PROPERTY(QVariant result READ result NOTIFY finished)
 
 public:
@@ -53,6 +54,11 @@ public:
     State state() const;
     Error error() const;
     QString errorString() const;
+    /// True when the last run failed for a reason that may pass on another
+    /// run (`Task::failTransient`): the device did not answer in time, the
+    /// line was not there. False for a refusal or a reply that makes no
+    /// sense, which another run would only repeat.
+    bool isTransientError() const;
     /// The attached task's "result" property (see `Task::setResult()`).
     QVariant result() const;
     Task* task() const;

@@ -32,7 +32,7 @@ public:
     void markRunning();
     /// Ends the current run (queued or running) once; a dequeued job goes
     /// back to Idle, any other end to Finished.
-    void finish(Job::Error error, const QString& text);
+    void finish(Job::Error error, const QString& text, bool transient = false);
     /// Ends a running job through its task's `abort()`.
     void abortRun();
     /// Drops a task whose run is over, so that the next run gets a new one.
@@ -44,6 +44,7 @@ public:
     Job::State state = Job::Idle;
     Job::Error error = Job::NoError;
     QString errorString;
+    bool transient = false;
     QString name;
     Task* task = nullptr;
     QPointer<WorkQueue> queue;

@@ -18,7 +18,7 @@ void TaskPrivate::begin()
     errorString.clear();
 }
 
-void TaskPrivate::end(Job::Error e, const QString& text)
+void TaskPrivate::end(Job::Error e, const QString& text, bool transient)
 {
     Q_Q(Task);
     if (state == Job::Finished) {
@@ -33,7 +33,7 @@ void TaskPrivate::end(Job::Error e, const QString& text)
     if (job && job->task() == q) {
         JobPrivate* jd = JobPrivate::get(job.data());
         if (jd->state == Job::Running)
-            jd->finish(e, text);
+            jd->finish(e, text, transient);
     }
     if (self)
         Q_EMIT q->finished(e);
@@ -104,6 +104,11 @@ void Task::setState(Job::State state)
 void Task::fail(const QString& text)
 {
     d_func()->end(Job::TaskFailedError, text);
+}
+
+void Task::failTransient(const QString& text)
+{
+    d_func()->end(Job::TaskFailedError, text, true);
 }
 
 Job::State Task::state() const

@@ -37,6 +37,10 @@ public:
     void setState(Job::State state);
     /// Ends the run with `Job::TaskFailedError` and `text`.
     void fail(const QString& text);
+    /// As `fail()`, for a failure that may pass when the job runs again (no
+    /// answer in time, the line not there): the job reports it through
+    /// `Job::isTransientError()`, which is what retries go by.
+    void failTransient(const QString& text);
 
     Job::State state() const;
     bool isRunning() const;

@@ -18,7 +18,8 @@ public:
     static TaskPrivate* get(const Task* task) { return const_cast<Task*>(task)->d_func(); }
 
     /// Ends the run once: reports to the job, then emits `finished()`.
-    void end(Job::Error error, const QString& text);
+    /// `transient`: a failure that may pass on another try (see `Job::isTransientError`).
+    void end(Job::Error error, const QString& text, bool transient = false);
     /// Starts a run: Running, no error.
     void begin();
 

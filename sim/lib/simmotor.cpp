@@ -102,11 +102,27 @@ void SimNodePrivate::travelTo(quint16 pulses, double speed)
         m.decelS *= distance / inRamps;
     }
     m.durationS = m.accelS + m.decelS + (distance - m.speed * (m.accelS + m.decelS) / 2) / m.speed;
+    countMoveStart(m.startUs);
+    motion = m;
+    settle();
+}
+
+void SimNodePrivate::countMoveStart(qint64 startUs)
+{
     diagnostics.totalMoveCount++;
     diagnostics.postThermalMove++;
     diagnostics.postObstacleMove++;
-    motion = m;
-    settle();
+    recentMoveStartsUs.append(startUs);
+    while (!recentMoveStartsUs.isEmpty()
+           && startUs - recentMoveStartsUs.first() >= qint64(SimNode::ThermalWindowMs) * 1000)
+        recentMoveStartsUs.removeFirst();
+    if (recentMoveStartsUs.size() >= SimNode::ThermalMoves) {
+        diagnostics.thermalCount++;
+        diagnostics.postThermalMove = 0;
+        recentMoveStartsUs.clear();  // the motor has cooled down before it counts again
+    }
+    if (encoderFaultEvery > 0 && diagnostics.totalMoveCount % quint32(encoderFaultEvery) == 0)
+        diagnostics.encoderErrCount++;
 }
 
 void SimNodePrivate::settle() const
@@ -489,3 +505,19 @@ SimNode::Diagnostics SimNode::diagnostics() const
     return d->diagnostics;
 }
 void SimNode::setDiagnostics(const Diagnostics& diagnostics) { d_func()->diagnostics = diagnostics; }
+
+void SimNode::powerCycle()
+{
+    Q_D(SimNode);
+    d->stopMotion();
+    d->diagnostics.powerCount++;
+}
+
+void SimNode::restart()
+{
+    Q_D(SimNode);
+    d->stopMotion();
+    d->diagnostics.resetCount++;
+}
+
+void SimNode::setEncoderFault(int everyMoves) { d_func()->encoderFaultEvery = qMax(0, everyMoves); }

@@ -246,6 +246,17 @@ public:
     void setBlockCorruption(double probability);
     /// Blocks and writes refused as damaged so far.
     quint32 refusedBlocks() const;
+    /// Moves that, started within `ThermalWindowMs` of simulated time, make
+    /// the motor's thermal protection trip: the move that makes them that
+    /// many counts one thermal event and starts the moves-since count anew.
+    enum : int { ThermalMoves = 10, ThermalWindowMs = 60000 };
+    /// The supply was cut and came back: one power cycle counted, a move
+    /// under way stops where the motor stands.
+    void powerCycle();
+    /// The device restarted on its own: one reset counted, a move stops.
+    void restart();
+    /// Every `everyMoves`-th move counts an encoder error (0: never, the default).
+    void setEncoderFault(int everyMoves);
 
     /// The clock the node moves by: the network's, or its own (real time,
     /// `ownClock()`) when it is on none.

@@ -116,6 +116,8 @@ public:
     /// Ends the move under way where the motor stands.
     void stopMotion();
     void endMotion() const;
+    /// Counts a move in the life counters: thermal trips and encoder faults.
+    void countMoveStart(qint64 startUs);
     quint8 ipIndexAtPosition() const;
     qint64 nowUs() const { return clock->nowUs(); }
 
@@ -147,6 +149,9 @@ public:
     SimNode::RollingSpeed speed;
     SimNode::SoftStartStop ramps;
     mutable SimNode::Diagnostics diagnostics;
+    /// Start times of the latest moves, oldest first (thermal protection).
+    QList<qint64> recentMoveStartsUs;
+    int encoderFaultEvery = 0;
 
     SimClock ownClock;
     const SimClock* clock = &ownClock;

@@ -17,28 +17,54 @@ namespace {
 
 int signalPipe[2] = {-1, -1};
 
-void onSignal(int)
+void onSignal(int number)
 {
-    const char byte = 1;
+    const char byte = char(number);
     // Nothing to do when the pipe is full: a quit is already on its way.
     [[maybe_unused]] const ssize_t n = ::write(signalPipe[1], &byte, 1);
 }
 
-// SIGINT and SIGTERM end the event loop through a self-pipe, so the program
-// leaves from the loop and not from within a signal handler.
-bool watchSignals(QCoreApplication* app)
+// What the motors go through on SIGUSR1 (a power cut) and SIGUSR2 (a restart).
+void disturbMotors(SimNetwork& network, int signal)
+{
+    int count = 0;
+    for (SimNode* node : network.nodes()) {
+        if (!SimNode::hasMotor(node->kind()))
+            continue;
+        signal == SIGUSR1 ? node->powerCycle() : node->restart();
+        ++count;
+    }
+    std::fprintf(stderr, "vrnsim: %s of %d motor(s)\n", signal == SIGUSR1 ? "power cycle" : "restart", count);
+}
+
+// Signals reach the event loop through a self-pipe, so that they are handled
+// there and not within a signal handler: SIGINT and SIGTERM end the program,
+// SIGUSR1 and SIGUSR2 power-cycle or restart every motor.
+bool watchSignals(QCoreApplication* app, SimNetwork& network)
 {
     if (::pipe(signalPipe) != 0)
         return false;
     for (int fd : signalPipe)
         ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
     auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, app);
-    QObject::connect(notifier, &QSocketNotifier::activated, app, &QCoreApplication::quit);
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [app, &network] {
+        char byte = 0;
+        while (::read(signalPipe[0], &byte, 1) == 1) {
+            if (byte == SIGUSR1 || byte == SIGUSR2)
+                disturbMotors(network, byte);
+            else
+                app->quit();
+        }
+    });
     struct sigaction action = {};
     action.sa_handler = onSignal;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
-    return ::sigaction(SIGINT, &action, nullptr) == 0 && ::sigaction(SIGTERM, &action, nullptr) == 0;
+    for (int signal : {SIGINT, SIGTERM, SIGUSR1, SIGUSR2}) {
+        if (::sigaction(signal, &action, nullptr) != 0)
+            return false;
+    }
+    return true;
 }
 
 int fail(const QString& text, int code)
@@ -71,6 +97,8 @@ int main(int argc, char* argv[])
         return fail(QStringLiteral("--devices: ") + error, 2);
     network.addDuplicates(options.duplicates);
     network.setSilentCount(options.silent);
+    for (SimNode* node : network.nodes())
+        node->setEncoderFault(options.encoderFaults);
     network.setLoss(options.loss);
     network.setCorrupt(options.corrupt);
     network.setLatency(options.latencyMs);
@@ -101,8 +129,8 @@ int main(int argc, char* argv[])
             return fail(error, 1);
         identifier = mcast->identifier();
     }
-    if (!watchSignals(&app))
-        return fail(QStringLiteral("cannot watch SIGINT and SIGTERM"), 1);
+    if (!watchSignals(&app, network))
+        return fail(QStringLiteral("cannot watch signals"), 1);
 
     std::printf("%s\n", qPrintable(identifier));
     std::fflush(stdout);

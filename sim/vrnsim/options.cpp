@@ -57,7 +57,9 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         "Simulates a network of devices and serves it on a local multicast group or on a\n"
         "pseudo-terminal. The first line on standard output is the bus identifier to open\n"
         "(mcast:GROUP:PORT:BIND or serial:NAME). Runs until SIGINT or SIGTERM, then prints\n"
-        "its statistics on standard error and exits 0. Bad options exit 2."));
+        "its statistics on standard error and exits 0. SIGUSR1 cuts the power of every motor\n"
+        "and brings it back, SIGUSR2 restarts every motor (both counted in their diagnostics).\n"
+        "Bad options exit 2."));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Shows this help."));
     parser.addOption(help);
@@ -82,6 +84,8 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         {QStringLiteral("baud"), QStringLiteral("Take the time of a serial line at N baud (11 bits a byte)."),
          QStringLiteral("N")},
         {QStringLiteral("silent"), QStringLiteral("N nodes that never answer."), QStringLiteral("N")},
+        {QStringLiteral("encoder-faults"), QStringLiteral("Every N-th move of a motor counts an encoder error "
+                                                          "(default 0: never)."), QStringLiteral("N")},
         {QStringLiteral("time-scale"), QStringLiteral("Run simulated time X times as fast as real time, moves "
                                                       "and line timing alike (default 1)."), QStringLiteral("X")},
         {QStringLiteral("reply-window"), QStringLiteral("Span in ms within which nodes answer a broadcast "
@@ -133,6 +137,7 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         && readInt(parser, QStringLiteral("latency"), 0, 60000, &latencyMs, error)
         && readInt(parser, QStringLiteral("baud"), 50, 4000000, &baud, error)
         && readInt(parser, QStringLiteral("silent"), 0, 1000000, &silent, error)
+        && readInt(parser, QStringLiteral("encoder-faults"), 0, 1000000, &encoderFaults, error)
         && readInt(parser, QStringLiteral("reply-window"), 0, 60000, &replyWindowMs, error)
         && readInt(parser, QStringLiteral("power-loss-at"), 0, 65535, &powerLossAt, error)
         && readProbability(parser, QStringLiteral("corrupt-blocks"), &corruptBlocks, error)

@@ -22,6 +22,7 @@ struct SimOptions
     int latencyMs = 0;
     int baud = 0;
     int silent = 0;
+    int encoderFaults = 0;
     int replyWindowMs = 50;
     double timeScale = 1.0;
     int powerLossAt = -1;

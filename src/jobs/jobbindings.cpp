@@ -10,6 +10,8 @@
 #include "setgroupsjob.h"
 #include "setlabeljob.h"
 #include "setnodediscoveryjob.h"
+#include "getnetworkstatsjob.h"
+#include "setnetworkstatsjob.h"
 
 // motors
 #include "visualfeedbackjob.h"
@@ -27,6 +29,7 @@
 #include "setspeedjob.h"
 #include "getrampjob.h"
 #include "setrampjob.h"
+#include "getmotordiagnosticjob.h"
 
 // firmware
 #include "checkfwjob.h"
@@ -41,6 +44,8 @@
 #include "setgroupstask.h"
 #include "setlabeltask.h"
 #include "stdsetnodediscoverytask.h"
+#include "getnetworkstatstask.h"
+#include "setnetworkstatstask.h"
 
 // motors
 #include "motorctrlwinktask.h"
@@ -58,6 +63,7 @@
 #include "setspeedtask.h"
 #include "getramptask.h"
 #include "setramptask.h"
+#include "getmotordiagnostictask.h"
 
 // firmware
 #include "checkfwtask.h"
@@ -88,6 +94,8 @@ const JobRegistration jobs[] = {
     JobRegistration(SetGroupsJob::staticMetaObject),
     JobRegistration(GetLabelJob::staticMetaObject),
     JobRegistration(SetLabelJob::staticMetaObject),
+    JobRegistration(GetNetworkStatsJob::staticMetaObject),
+    JobRegistration(SetNetworkStatsJob::staticMetaObject),
     JobRegistration(VisualFeedbackJob::staticMetaObject),
     JobRegistration(MotorControlJob::staticMetaObject),
     JobRegistration(MotorCtrlMoveJob::staticMetaObject),
@@ -106,6 +114,7 @@ const JobRegistration jobs[] = {
     JobRegistration(CheckFwJob::staticMetaObject),
     JobRegistration(UpdateFwJob::staticMetaObject),
     JobRegistration(DirectUpdateFwJob::staticMetaObject),
+    JobRegistration(GetMotorDiagnosticJob::staticMetaObject),
 };
 
 const WorkerRegistration bindings[] = {
@@ -116,6 +125,8 @@ const WorkerRegistration bindings[] = {
     bind<SetGroupsJob, VRNStdObject, SetGroupsTask>(),
     bind<GetLabelJob, VRNStdObject, GetLabelTask>(),
     bind<SetLabelJob, VRNStdObject, SetLabelTask>(),
+    bind<GetNetworkStatsJob, VRNStdObject, GetNetworkStatsTask>(),
+    bind<SetNetworkStatsJob, VRNStdObject, SetNetworkStatsTask>(),
     bind<VisualFeedbackJob, VRNMotorObject, MotorCtrlWinkTask>(),
     bind<MotorControlJob, VRNMotorObject, MotorControlTask>(),
     bind<MotorCtrlMoveJob, VRNMotorObject, MotorCtrlMoveTask>(),
@@ -136,6 +147,7 @@ const WorkerRegistration bindings[] = {
     bind<UpdateFwJob, SettingToolObject, SettingToolUpdateTask>(),
     bind<DirectUpdateFwJob, VRNMotorObject, MotorBLUpdateTask>(),
     bind<DirectUpdateFwJob, SettingToolObject, SettingToolBLUpdateTask>(),
+    bind<GetMotorDiagnosticJob, VRNMotorObject, GetMotorDiagnosticTask>(),
 };
 
 } // namespace

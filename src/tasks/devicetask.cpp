@@ -95,7 +95,7 @@ void DeviceTask::onCallFinished()
         fail(translated(QT_TR_NOOP("Invalid message(%1)")).arg(QString::fromLatin1(frame.data().toHex().toUpper())));
         return;
     }
-    if (reply.cmd() == DTS::Nack && !takesNack(reply)) {
+    if (d->stepTestsNack && reply.cmd() == DTS::Nack && !takesNack(reply)) {
         fail(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
@@ -106,13 +106,13 @@ void DeviceTask::treatBusPendingCallError(const BusPendingCall::Error& error)
 {
     switch (error) {
     case BusPendingCall::TimeoutError:
-        fail(translated(QT_TR_NOOP("Timeout error")));
+        failCall(error, translated(QT_TR_NOOP("Timeout error")));
         break;
     case BusPendingCall::BusNotAvailableError:
-        fail(translated(QT_TR_NOOP("Bus not available")));
+        failCall(error, translated(QT_TR_NOOP("Bus not available")));
         break;
     default:
-        fail(failedText());
+        failCall(error, failedText());
         break;
     }
 }
@@ -123,14 +123,34 @@ bool DeviceTask::takesNack(const VRNMessage& reply) const
     return false;
 }
 
+void DeviceTask::failCall(const BusPendingCall::Error& error, const QString& text)
+{
+    switch (error) {
+    case BusPendingCall::TimeoutError:
+    case BusPendingCall::WriteError:
+    case BusPendingCall::BusNotAvailableError:
+        failTransient(text);
+        break;
+    default:
+        fail(text);
+        break;
+    }
+}
+
 void DeviceTask::onReply(const VRNMessage& reply)
 {
-    failUnexpected(reply);
+    Q_D(DeviceTask);
+    if (!d->stepParser) {
+        failUnexpected(reply);
+        return;
+    }
+    if (!d->stepParser(reply) && isRunning())
+        failUnexpected(reply);
 }
 
 quint8 DeviceTask::expectedReply() const
 {
-    return DTS::Ack;
+    return d_func()->stepExpected;
 }
 
 QString DeviceTask::failedText() const
@@ -216,6 +236,21 @@ void DeviceTask::leaveOnReply(QState* from, QAbstractState* to)
 {
     // Connected after onCallFinished(): the reply is checked before the machine moves.
     from->addTransition(&d_func()->watcher, &BusPendingCallWatcher::finished, to);
+}
+
+void DeviceTask::chainOnReply(const QList<QState*>& steps, QAbstractState* end)
+{
+    for (int i = 0; i < steps.size(); ++i)
+        leaveOnReply(steps.at(i), i + 1 < steps.size() ? steps.at(i + 1) : end);
+}
+
+void DeviceTask::sendStep(const BusPendingCall& call, quint8 expected, StepParser parse, bool testNack)
+{
+    Q_D(DeviceTask);
+    d->stepParser = std::move(parse);
+    d->stepExpected = expected;
+    d->stepTestsNack = testNack;
+    watch(call);
 }
 
 bool DeviceTask::isIn(const QAbstractState* state) const

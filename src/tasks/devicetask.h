@@ -41,6 +41,12 @@ class Worker;
 /// starts the machine instead of calling `start()`, and each step checks the
 /// object and sends its own request. Every reply still passes the checks
 /// above before the machine moves on; a failure stops the machine.
+///
+/// A fixed chain of requests (read one counter, then the next) sends each
+/// request through `sendStep()`, naming the reply it expects and its parser,
+/// and links its steps with `chainOnReply()`: the parser runs when the reply
+/// has passed the checks, and the machine moves to the next step only when
+/// it accepted the reply.
 class DeviceTask : public Task
 {
     Q_OBJECT
@@ -94,6 +100,10 @@ protected:
     /// instead of failing with "Nack(%1)" (a refusal the task answers
     /// itself, such as a damaged block sent again); false by default.
     virtual bool takesNack(const VRNMessage& reply) const;
+    /// Fails with `text` for a call that ended with `error`: transiently
+    /// (`Task::failTransient`) for a timeout, a write failure or a missing
+    /// bus, which another run may not meet.
+    void failCall(const BusPendingCall::Error& error, const QString& text);
 
     /// A failure text in the context of the task's own class, or, when that
     /// has no translation, in the context of `DeviceTask`, where the shared
@@ -127,6 +137,20 @@ protected:
     void leaveOnReply(QState* from, QAbstractState* to);
     /// True while the machine is in `state`.
     bool isIn(const QAbstractState* state) const;
+    /// Leaves each of `steps` for the next one when its reply passed the
+    /// checks, the last one for `end`.
+    void chainOnReply(const QList<QState*>& steps, QAbstractState* end);
+
+    /// Parser of one step's reply: false when the reply does not parse. A
+    /// parser that fails the task itself does so before returning false.
+    using StepParser = std::function<bool(const BusMessage& reply)>;
+    /// Watches `call`, one request of a chain: its reply, once through the
+    /// checks, goes to `parse`; a reply `parse` rejects fails with
+    /// "Unexpected reply(%1)" against `expected`, the reply code asked for.
+    /// With `testNack` false a negative acknowledgement is not told apart
+    /// and reaches `parse` like any other reply (that step's device sends
+    /// none, so it is merely unexpected).
+    void sendStep(const BusPendingCall& call, quint8 expected, StepParser parse, bool testNack = true);
 
     QScopedPointer<DeviceTaskPrivate> d_ptr;
 

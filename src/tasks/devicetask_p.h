@@ -3,6 +3,7 @@
 #define DEVICETASK_P_H
 
 #include "buspendingcallwatcher.h"
+#include "devicetask.h"
 #include "vrnobject.h"
 
 #include <QPointer>
@@ -19,6 +20,10 @@ public:
     BusPendingCallWatcher watcher;
     /// Only for tasks that follow a graph of requests; a child of the task.
     QStateMachine* machine = nullptr;
+    /// The request of a chain under way (`DeviceTask::sendStep`).
+    DeviceTask::StepParser stepParser;
+    quint8 stepExpected = 0x7F;
+    bool stepTestsNack = true;
 
 private:
     Q_DISABLE_COPY(DeviceTaskPrivate)

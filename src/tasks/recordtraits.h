@@ -58,4 +58,15 @@ struct MotorRuntimeTraits
     static void setProxy(Object& o, const RuntimeData& r) { o.updateProxyRuntime(r); }
 };
 
+/// The runtime record of any node (network statistics), through its
+/// standard proxy: read into the proxy record only.
+struct StdRuntimeTraits
+{
+    using Object = VRNStdObject;
+    using Proxy = DTSStdProxy;
+    static constexpr bool HasLocal = false;
+    static RuntimeData proxy(const Object& o) { return o.proxyRuntime(); }
+    static void setProxy(Object& o, const RuntimeData& r) { o.updateProxyRuntime(r); }
+};
+
 #endif // RECORDTRAITS_H

@@ -77,6 +77,8 @@ private slots:
     void limitsAndPositions();
     void factoryDefault();
     void statistics();
+    void lifeCounters_data();
+    void lifeCounters();
 
 private:
     // The one frame `node` answers, decoded; invalid when it stays quiet.
@@ -523,6 +525,60 @@ void tst_SimNode::statistics()
     QVERIFY(node.networkStat().frameSeen > 0);
     QCOMPARE(answer(node, request(DTS::SetNetworkStat, bytes({2, 0}))).cmd(), quint8(DTS::Ack));
     QCOMPARE(node.networkStat().frameSeen, 0u);
+}
+
+void tst_SimNode::lifeCounters_data()
+{
+    QTest::addColumn<int>("moves");
+    QTest::addColumn<int>("gapMs");        // simulated time between move starts
+    QTest::addColumn<int>("encoderEvery");
+    QTest::addColumn<int>("thermal");
+    QTest::addColumn<int>("postThermal");
+    QTest::addColumn<int>("encoder");
+    QTest::addColumn<int>("powerCycles");
+    QTest::addColumn<int>("restarts");
+
+    QTest::newRow("nine quick moves") << 9 << 100 << 0 << 0 << 9 << 0 << 0 << 0;
+    QTest::newRow("ten quick moves trip") << 10 << 100 << 0 << 1 << 0 << 0 << 0 << 0;
+    QTest::newRow("twenty-three quick moves") << 23 << 100 << 0 << 2 << 3 << 0 << 0 << 0;
+    QTest::newRow("ten slow moves") << 10 << 7000 << 0 << 0 << 10 << 0 << 0 << 0;
+    QTest::newRow("encoder every 4th") << 9 << 7000 << 4 << 0 << 9 << 2 << 0 << 0;
+    QTest::newRow("power and restarts") << 2 << 7000 << 0 << 0 << 2 << 0 << 3 << 2;
+}
+
+void tst_SimNode::lifeCounters()
+{
+    QFETCH(int, moves);
+    QFETCH(int, gapMs);
+    QFETCH(int, encoderEvery);
+    QFETCH(int, thermal);
+    QFETCH(int, postThermal);
+    QFETCH(int, encoder);
+    QFETCH(int, powerCycles);
+    QFETCH(int, restarts);
+
+    m_motor->setDiagnostics({});
+    m_motor->setEncoderFault(encoderEvery);
+    for (int i = 0; i < moves; ++i) {
+        const quint8 limit = i % 2 ? 1 : 0;  // down, up, down...
+        QCOMPARE(ask(request(DTS::CtrlMoveTo, bytes({limit, 0, 0, 0xFF}))).cmd(), quint8(DTS::Ack));
+        m_motor->ownClock()->advance(qint64(gapMs) * 1000);
+    }
+    for (int i = 0; i < powerCycles; ++i)
+        m_motor->powerCycle();
+    for (int i = 0; i < restarts; ++i)
+        m_motor->restart();
+
+    // What the motor tells is what it counted.
+    const SimNode::Diagnostics c = m_motor->diagnostics();
+    QCOMPARE(int(c.totalMoveCount), moves);
+    QCOMPARE(int(c.thermalCount), thermal);
+    QCOMPARE(int(c.postThermalMove), postThermal);
+    QCOMPARE(int(c.encoderErrCount), encoder);
+    QCOMPARE(int(c.powerCount), powerCycles);
+    QCOMPARE(int(c.resetCount), restarts);
+    QCOMPARE(ask(request(DTS::DiagGetThermalCount)).payload(),
+             bytes({0, thermal, 0, postThermal}));
 }
 
 QTEST_MAIN(tst_SimNode)

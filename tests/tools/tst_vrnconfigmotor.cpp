@@ -2,46 +2,22 @@
 // motor (TX30) simulated on their own multicast group at ten times real
 // time; settings and registry in a temporary folder.
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
+#include "clifixture.h"
+
 #include <QtTest>
+
+using CliFixture::Result;
 
 class TstVrnConfigMotor : public QObject
 {
     Q_OBJECT
 
-    struct Result
-    {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-    };
-
     QTemporaryDir m_home;
     QProcess m_sim;
 
-    Result run(const QStringList& args)
-    {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-        p.setProcessEnvironment(env);
-        p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QStringLiteral("200")} + args);
-        if (!p.waitForFinished(30000))
-            p.kill();
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-                p.readAllStandardError()};
-    }
+    Result run(const QStringList& args) { return CliFixture::run(m_home, args); }
     Result run(const QString& line) { return run(line.split(QLatin1Char(' '))); }
-    // The first device's result in a run's document.
-    static QJsonObject json(const QByteArray& out)
-    {
-        return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(0).toObject();
-    }
+    static QJsonObject json(const QByteArray& out) { return CliFixture::result(out); }
     static QJsonObject jsonLine(const QByteArray& out, int line)
     {
         return QJsonDocument::fromJson(out.trimmed().split('\n').value(line)).object();
@@ -52,12 +28,10 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         // Nodes 0x100 (standard), 0x101 (motor), 0x102 (TX30) become devices 2, 1, 3.
-        m_sim.start(qEnvironmentVariable("VRNSIM"),
-                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.10:47710"), QStringLiteral("--devices"),
-                     QStringLiteral("std:1,motor:1,tx30:1"), QStringLiteral("--time-scale"), QStringLiteral("10")});
-        QVERIFY(m_sim.waitForStarted(5000));
-        QVERIFY(m_sim.waitForReadyRead(5000));
-        const QString bus = QString::fromLatin1(m_sim.readLine()).trimmed();
+        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.77.10:47710"),
+                                                 {QStringLiteral("--devices"), QStringLiteral("std:1,motor:1,tx30:1"),
+                                                  QStringLiteral("--time-scale"), QStringLiteral("10")});
+        QVERIFY(!bus.isEmpty());
         QCOMPARE(run({QStringLiteral("open"), bus}).code, 0);
         QCOMPARE(run(QStringLiteral("discover")).code, 0);
     }

@@ -211,6 +211,8 @@ void tst_DTSProxyRequests::pinnedFrames_data()
                            << hex("458B00000001123456B39C");
     QTest::newRow("group slot") << Request([](DTSMotorProxy& p) { return p.setGroupAddr(3, 0x000123); })
                                 << hex("528F00000001123456030001230AD1");
+    QTest::newRow("reset all statistics") << Request([](DTSMotorProxy& p) { return p.setNetworkStat(2, 0); })
+                                          << hex("598D000000011234560200BA42");
 }
 
 void tst_DTSProxyRequests::pinnedFrames()

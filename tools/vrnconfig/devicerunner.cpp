@@ -13,27 +13,62 @@
 #include "vrnstdobject.h"
 #include "workqueue.h"
 
+#include "stateretry.h"
+
+#include <QFinalState>
+#include <QStateMachine>
 #include <QTimer>
 
 // --- one device ---------------------------------------------------------------
+
+namespace {
+// Pause before a job runs again: the bus has already waited its timeout.
+constexpr int RetryDelayMs = 50;
+} // namespace
 
 bool DeviceRun::start(QmlJob* job, std::function<void(Job::Error)> then)
 {
     job->setParent(m_runner);
     m_job = job;
     m_stopped.clear();
-    QObject::connect(job, &Job::finished, m_runner, [this, job, then](Job::Error error) {
-        then(error);
-        if (m_job == job)
-            m_job = nullptr;
-        job->deleteLater();
-    });
-    if (!worker || !worker->queue()->enqueue(*job, m_runner->m_priority)) {
+    if (!worker) {
         m_job = nullptr;
         job->deleteLater();
         fail(QCoreApplication::translate("vrnconfig", "cannot queue the job"));
         return false;
     }
+    // Each try queues the job again; only the last try's end reaches `then`.
+    auto* machine = new QStateMachine(job);
+    const int retries = job->property(DeviceRunner::RunOnce).toBool() ? 0 : m_runner->m_cli.retries() - m_triesBefore;
+    auto* retry = new StateRetry(retries, RetryDelayMs, machine);
+    auto* over = new QFinalState(machine);
+    machine->setInitialState(retry);
+    retry->addTransition(retry, &QState::finished, over);
+    retry->addTransition(retry, &StateRetry::failed, over);
+    QObject::connect(retry, &StateRetry::attempt, m_runner, [this, job, retry](int tryNumber) {
+        m_tries = m_triesBefore + tryNumber;
+        if (m_ended || !worker)  // ended meanwhile (the bus given up on): nothing more to run
+            return retry->failTry(m_retryError, false);
+        if (!m_stopped.isEmpty())
+            return retry->failTry(m_stopped, false);  // taken off while waiting for the next try
+        if (!worker->queue()->enqueue(*job, m_runner->m_priority))
+            retry->failTry(QCoreApplication::translate("vrnconfig", "cannot queue the job"), false);
+    });
+    QObject::connect(job, &Job::finished, retry, [retry, job] { retry->reportJob(*job); });
+    QObject::connect(machine, &QStateMachine::finished, m_runner, [this, job, retry, then] {
+        if (m_tries > 1)
+            result.insert(QStringLiteral("tries"), m_tries);
+        m_retryError = retry->errorString();
+        const Job::Error error = job->error();
+        if (m_retryError.isEmpty())
+            then(error);
+        else  // a failure of the job, or one before it could run again
+            then(error != Job::NoError ? error : Job::TaskFailedError);
+        if (m_job == job)
+            m_job = nullptr;
+        job->deleteLater();
+    });
+    machine->start();
     return true;
 }
 
@@ -49,7 +84,9 @@ QString DeviceRun::jobError() const
 {
     if (!m_stopped.isEmpty())
         return m_stopped;
-    return m_job ? m_job->errorString() : QString();
+    if (!m_retryError.isEmpty() || !m_job)
+        return m_retryError;
+    return m_job->errorString();
 }
 
 void DeviceRun::succeed()
@@ -93,6 +130,7 @@ void DeviceRunner::runJobs(const QList<VRNObject::UUID>& uuids, const JobFactory
 {
     begin(uuids);
     m_read = read;
+    m_make = make;
     // Every device is under way from the start: the group holds them.
     m_next = m_runs.size();
     QList<unsigned int> group;
@@ -148,8 +186,15 @@ void DeviceRunner::deviceDone(unsigned int uuid)
     if (!run || run->ended() || !m_groupTask)
         return;
     const GroupTaskResultModel* results = m_groupTask->result();
-    if (results->error(uuid) != Job::NoError)
+    if (results->error(uuid) != Job::NoError) {
+        // The group's copy of the job still tells how this device's run ended
+        // (unless the device never got to run it: another worker then).
+        const QmlJob* inner = m_groupTask->innerJob();
+        if (inner && inner->worker() == run->worker.data() && inner->isTransientError() && m_cli.retries() > 0
+            && !inner->property(RunOnce).toBool() && m_interrupts == 0 && !m_abortNow)
+            return retryAlone(*run);
         return run->fail(results->errorString(uuid));
+    }
     run->jobResult = results->result(uuid);
     QString why;
     if (m_read && !m_read(*run, why))
@@ -159,11 +204,34 @@ void DeviceRunner::deviceDone(unsigned int uuid)
 
 void DeviceRunner::groupEnded()
 {
+    // Devices trying again on their own workers are still running.
     m_running = 0;
-    for (const auto& run : qAsConst(m_runs))
-        if (!run->ended())
+    for (const auto& run : qAsConst(m_runs)) {
+        if (run->m_triesBefore > 0 && !run->ended())
+            ++m_running;
+        else if (!run->ended())
             run->worker.reset();
+    }
     summarise();
+}
+
+void DeviceRunner::retryAlone(DeviceRun& run)
+{
+    QmlJob* job = m_make(*run.device);
+    if (!job)
+        return run.fail(m_groupTask->result()->errorString(run.uuid));
+    job->setParent(this);
+    run.m_triesBefore = 1;
+    QTimer::singleShot(RetryDelayMs, this, [this, &run, job] {
+        run.start(job, [this, &run](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            QString why;
+            if (m_read && !m_read(run, why))
+                return run.fail(why);
+            run.succeed();
+        });
+    });
 }
 
 void DeviceRunner::begin(const QList<VRNObject::UUID>& uuids)
@@ -306,8 +374,12 @@ void DeviceRunner::interrupt()
             m_cli.output().note(tr("vrnconfig: interrupted: waiting for the running device; Ctrl-C again to stop it"));
             if (m_groupTask)
                 m_groupTask->skipRemaining();
-        } else if (m_groupJob) {
-            m_group->queue()->dequeue(*m_groupJob);
+        } else {
+            if (m_groupJob)
+                m_group->queue()->dequeue(*m_groupJob);
+            for (const auto& run : qAsConst(m_runs))
+                if (run->m_triesBefore > 0 && !run->ended())
+                    run->stop(tr("interrupted"));
         }
         return;
     }

@@ -42,7 +42,10 @@ public:
     QVariant jobResult;
 
     /// Queues `job` (owned by the run from now on) on the device's worker;
-    /// `then` is called when it ended. False when it could not be queued:
+    /// `then` is called when it ended. A run that failed for a reason that
+    /// may pass (a timeout, the bus; `Job::isTransientError`) is queued again
+    /// after a short pause, up to --retries times, and `then` hears only of
+    /// the last; the result then holds "tries". False when it could not be queued:
     /// the run has then failed.
     bool start(QmlJob* job, std::function<void(Job::Error)> then);
     /// The job now running, if any.
@@ -62,6 +65,11 @@ private:
     DeviceRunner* m_runner = nullptr;
     QPointer<QmlJob> m_job;
     QString m_stopped;
+    /// Why the last try failed (empty after a success).
+    QString m_retryError;
+    int m_tries = 0;
+    /// Tries made before `start()` (the device's turn in a group).
+    int m_triesBefore = 0;
     bool m_started = false;
     bool m_ended = false;
 };
@@ -88,7 +96,10 @@ private:
 /// of its own per device uses the devices' own workers. Both honour
 /// --priority N (the job's priority on every queue it waits in) and
 /// --abort-on-error (no device is started after the first one that failed;
-/// those left are reported as not run).
+/// those left are reported as not run), and --retries N: a device whose
+/// job timed out (or met a bus failure) runs it again, up to N times in all,
+/// on its own worker (after its turn in the group for `runJobs`); its result
+/// then holds "tries". A job with the property `RunOnce` runs once.
 /// When several devices in a row fail without a single frame heard on the
 /// bus meanwhile, the bus is taken as silent (unplugged, powered off, the
 /// wrong line): the devices still waiting fail at once with "bus not
@@ -106,6 +117,10 @@ public:
     /// Puts what the device said into the result; false (and the reason in
     /// `error`) when the job's outcome is a failure after all.
     using ValueReader = std::function<bool(DeviceRun&, QString& error)>;
+
+    /// Name of a job property: true for a job that must not run again after a
+    /// timeout (a relative change, which a lost acknowledgement hides).
+    static constexpr const char* RunOnce = "vrnconfigRunOnce";
 
     explicit DeviceRunner(VrnConfigCli& cli);
 
@@ -144,6 +159,9 @@ private:
     void deviceDone(unsigned int uuid);
     /// The group job ended: devices without an entry were not run.
     void groupEnded();
+    /// Runs a device's job again on its own worker, after its turn in the
+    /// group failed for a reason that may pass (--retries).
+    void retryAlone(DeviceRun& run);
     void ended(DeviceRun& run);
     void interrupt();
     void report(const DeviceRun& run);
@@ -166,6 +184,7 @@ private:
     bool m_abortOnError = false;
     bool m_abortNow = false;
     ValueReader m_read;
+    JobFactory m_make;
     QSharedPointer<GroupWorker> m_group;
     QPointer<QmlJob> m_groupJob;
     QPointer<GroupTask> m_groupTask;

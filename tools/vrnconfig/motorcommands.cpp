@@ -318,6 +318,9 @@ bool setMotor(Cli& cli, const QString& what, const QList<VRNObject::UUID>& uuids
             job->setCommand(command);
             job->setLimit(limit);
             job->setDelta(delta);
+            // An adjustment whose acknowledgement was lost has been made: another would add to it.
+            if (command == DTSMotor::LimitAdjust)
+                job->setProperty(DeviceRunner::RunOnce, true);
             return job;
         };
         read = readLimits;

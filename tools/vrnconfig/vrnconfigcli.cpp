@@ -43,6 +43,8 @@ void onSignal(int)
 // it is hidden from the option parser behind this mark and restored after.
 const QChar NegativeMark(0xFDD0);
 
+const quint32 MaxRetries = 10;
+
 const char OptionsText[] =
     "Options:\n"
     "  --bus UUID      bus to use (default: the remembered last bus)\n"
@@ -51,6 +53,8 @@ const char OptionsText[] =
     "  --json          machine-readable output on standard output (see below)\n"
     "  --timeout MS    time a device has to answer one request (default: 500); in\n"
     "                  discovery, how long a round waits for late answers (default: 300)\n"
+    "  --retries N     run a device's job again up to N times after a timeout or a bus\n"
+    "                  failure, never after a refusal (0..10, default: 2)\n"
     "  -h, --help      this text; help COMMAND for one command\n"
     "  --version       the tool's version\n";
 
@@ -98,9 +102,10 @@ bool VrnConfigCli::start(const QStringList& given)
     const QCommandLineOption db(QStringLiteral("db"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption timeout(QStringLiteral("timeout"), QString(), QStringLiteral("MS"));
+    const QCommandLineOption retries(QStringLiteral("retries"), QString(), QStringLiteral("N"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringLiteral("version"));
-    m_parser.addOptions({bus, db, jsonOption, timeout, help, version});
+    m_parser.addOptions({bus, db, jsonOption, timeout, retries, help, version});
     m_parser.addOptions(m_registry.options());
     if (!m_parser.parse(arguments)) {
         fail(Usage, m_parser.errorText());
@@ -135,6 +140,13 @@ bool VrnConfigCli::start(const QStringList& given)
             return false;
         }
         m_timeout = int(number);
+    }
+    if (m_parser.isSet(retries)) {
+        if (!parseNumber(m_parser.value(retries), MaxRetries, number)) {
+            fail(Usage, tr("bad --retries: %1 (0..%2)").arg(m_parser.value(retries)).arg(MaxRetries));
+            return false;
+        }
+        m_retries = int(number);
     }
     if (args.isEmpty()) {
         fail(Usage, tr("no command; see vrnconfig --help"));

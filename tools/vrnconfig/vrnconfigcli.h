@@ -45,6 +45,8 @@ public:
     bool isSet(const QString& option) const { return m_parser.isSet(option); }
     /// --timeout in ms, or -1.
     int timeout() const { return m_timeout; }
+    /// --retries: how often a job that timed out runs again (0..10, default 2).
+    int retries() const { return m_retries; }
 
     /// Opens the bus (--bus or the remembered one); false when it failed (the
     /// run has then ended with the reason).
@@ -102,6 +104,7 @@ private:
     QString m_busUuid;
     QString m_dbFile;
     int m_timeout = -1;
+    int m_retries = 2;
     int m_exit = Ok;
     bool m_ended = false;
     std::function<void()> m_interrupt;

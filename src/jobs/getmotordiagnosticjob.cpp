@@ -1,0 +1,8 @@
+#include "getmotordiagnosticjob.h"
+
+GetMotorDiagnosticJob::GetMotorDiagnosticJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetMotorDiagnosticJob::~GetMotorDiagnosticJob() = default;

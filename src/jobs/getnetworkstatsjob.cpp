@@ -1,0 +1,8 @@
+#include "getnetworkstatsjob.h"
+
+GetNetworkStatsJob::GetNetworkStatsJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetNetworkStatsJob::~GetNetworkStatsJob() = default;
