@@ -1,10 +1,26 @@
 #include "firmwarejob.h"
 #include "firmwarejob_p.h"
 
+#include "firmwaretask.h"
+
+namespace {
+FirmwareTask* firmwareTask(const Job* job) { return qobject_cast<FirmwareTask*>(job->task()); }
+} // namespace
+
 FirmwareJob::FirmwareJob(QObject* parent)
     : QmlJob(parent)
     , d_ptr(new FirmwareJobPrivate)
 {
+    // The task is attached per run and has loaded its package when the
+    // run starts: its progress becomes the job's, for views that only
+    // see the job.
+    connect(this, &Job::started, this, [this] {
+        FirmwareTask* task = firmwareTask(this);
+        if (!task)
+            return;
+        connect(task, &FirmwareTask::progress, this, &FirmwareJob::progress, Qt::UniqueConnection);
+        Q_EMIT progress(task->blocksDone(), task->blockCount());
+    });
 }
 
 FirmwareJob::~FirmwareJob() = default;
@@ -12,6 +28,18 @@ FirmwareJob::~FirmwareJob() = default;
 QString FirmwareJob::package() const { return d_func()->package; }
 QString FirmwareJob::keyFile() const { return d_func()->keyFile; }
 int FirmwareJob::retries() const { return d_func()->retries; }
+
+int FirmwareJob::blocksDone() const
+{
+    const FirmwareTask* task = firmwareTask(this);
+    return task ? task->blocksDone() : 0;
+}
+
+int FirmwareJob::blockCount() const
+{
+    const FirmwareTask* task = firmwareTask(this);
+    return task ? task->blockCount() : 0;
+}
 
 void FirmwareJob::setPackage(const QString& package)
 {

@@ -18,6 +18,9 @@ class FirmwareJob : public QmlJob
     Q_PROPERTY(QString keyFile READ keyFile WRITE setKeyFile NOTIFY keyFileChanged)
     /// Times one request is sent again in a row before the update gives up (default 5).
     Q_PROPERTY(int retries READ retries WRITE setRetries NOTIFY retriesChanged)
+    /// Blocks the device took so far in the current run, and blocks of the package (0 before it is loaded).
+    Q_PROPERTY(int blocksDone READ blocksDone NOTIFY progress)
+    Q_PROPERTY(int blockCount READ blockCount NOTIFY progress)
 
 public:
     ~FirmwareJob() override;
@@ -28,8 +31,12 @@ public:
     void setKeyFile(const QString& keyFile);
     int retries() const;
     void setRetries(int retries);
+    int blocksDone() const;
+    int blockCount() const;
 
 Q_SIGNALS:
+    /// After each block the device took, and once when a run starts.
+    void progress(int done, int total);
     void packageChanged(const QString& package);
     void keyFileChanged(const QString& keyFile);
     void retriesChanged(int retries);

@@ -4,9 +4,11 @@
 #include "bpkpackage.h"
 #include "dts.h"
 #include "firmwareloader.h"
+#include "stateretry.h"
 #include "vrnmessage.h"
 #include "vrnstdobject.h"
 
+#include <QStateMachine>
 #include <QVariantMap>
 
 FirmwareTask::FirmwareTask(QObject* object, const Job& job, QObject* parent, FirmwareTaskPrivate* dd)
@@ -19,6 +21,30 @@ FirmwareTask::FirmwareTask(QObject* object, const Job& job, QObject* parent, Fir
     const int retries = job.property("retries").toInt(&ok);
     if (ok && retries >= 0)
         d->maxRetries = retries;
+
+    // One try per request; a good answer leaves the retry state and enters
+    // it again, so the next request starts from try 1.
+    d->machine = new QStateMachine(this);
+    d->retry = new StateRetry(d->maxRetries, 0, d->machine);
+    d->machine->setInitialState(d->retry);
+    d->retry->addTransition(d->retry, &QState::finished, d->retry);
+    connect(d->retry, &StateRetry::attempt, this, [this, d](int tryNumber) {
+        if (!isRunning())
+            return;
+        if (tryNumber > 1)
+            ++d->retries;
+        if (d->readingVersion)
+            watch(d->versionProxy->getNodeAppVersion());
+        else
+            resend();
+    });
+    connect(d->retry, &StateRetry::failed, this, [this, d](const QString& text) {
+        if (d->lastCallError != BusPendingCall::NoError)
+            DeviceTask::treatBusPendingCallError(d->lastCallError);
+        else
+            fail(text);
+    });
+    connect(this, &Task::finished, d->machine, &QStateMachine::stop);
 }
 
 FirmwareTask::~FirmwareTask() = default;
@@ -103,26 +129,22 @@ void FirmwareTask::start()
                       BpkManifest::nodeTypeName(nodeType())));
         return;
     }
-    d->retriesInRow = 0;
     d->readingVersion = false;
     setProgress(0, d->manifest.blockCount());
     begin();
+    d->machine->start(); // the retry state's first try sends begin()'s request
 }
 
-bool FirmwareTask::retry()
+void FirmwareTask::advance()
+{
+    d_func()->retry->succeed();
+}
+
+void FirmwareTask::refused(const QString& text)
 {
     Q_D(FirmwareTask);
-    if (d->retriesInRow >= d->maxRetries)
-        return false;
-    ++d->retriesInRow;
-    ++d->retries;
-    resend();
-    return true;
-}
-
-void FirmwareTask::answered()
-{
-    d_func()->retriesInRow = 0;
+    d->lastCallError = BusPendingCall::NoError;
+    d->retry->failTry(text, true);
 }
 
 void FirmwareTask::setProgress(int done, int total)
@@ -137,9 +159,15 @@ void FirmwareTask::setProgress(int done, int total)
 
 void FirmwareTask::treatBusPendingCallError(const BusPendingCall::Error& error)
 {
-    if (error == BusPendingCall::TimeoutError && retry())
+    Q_D(FirmwareTask);
+    if (error != BusPendingCall::TimeoutError) {
+        DeviceTask::treatBusPendingCallError(error);
         return;
-    DeviceTask::treatBusPendingCallError(error);
+    }
+    // A lost frame or a lost answer: the same request again. The text is
+    // the one the task ends with when this was the last try.
+    d->lastCallError = error;
+    d->retry->failTry(translated(QT_TR_NOOP("Timeout error")), true);
 }
 
 void FirmwareTask::readVersion()
@@ -147,7 +175,7 @@ void FirmwareTask::readVersion()
     Q_D(FirmwareTask);
     d->readingVersion = true;
     d->versionProxy.reset(new DTSUpdateProxy(nodeAddress(), nodeBus()));
-    watch(d->versionProxy->getNodeAppVersion());
+    advance();
 }
 
 bool FirmwareTask::onVersionReply(const VRNMessage& reply)

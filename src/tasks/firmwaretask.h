@@ -19,10 +19,13 @@ class FirmwareTaskPrivate;
 ///   package that fails is refused with one line and nothing is sent.
 ///   Keys come from the job property "keyFile" or the setting
 ///   "firmwareKeyFile".
-/// - retries: a request that times out, or a block the device refuses as
-///   damaged, is sent again, up to "retries" times in a row (job property,
-///   default 5); the next good answer resets the count. The retry lives in
-///   `retry()` alone.
+/// - retries: every request is a try of one `StateRetry`. A request that
+///   times out, or a block the device refuses as damaged, is sent again, up
+///   to "retries" times in a row (job property, default 5); the next good
+///   answer starts the count again. With the retries spent the task fails
+///   with the last error ("Timeout error", or the device's refusal).
+///   Subclasses never send themselves: they set up their step and
+///   `advance()`, and the try sends it through `resend()`.
 /// - progress: `progress(done, total)` after each block the device took.
 /// - the end: the version read back must be the package's; the task's
 ///   result is a map {"version", "blocks", "retries", "package"}.
@@ -55,14 +58,18 @@ protected:
     virtual const QMetaObject& objectClass() const = 0;
     /// Loads, verifies and checks the package, then `begin()`.
     void start() override;
-    /// Sends the first frame of the protocol; the image is ready.
+    /// Sets up the first step of the protocol; the image is ready. Its
+    /// request goes out through `resend()` as the first try.
     virtual void begin() = 0;
-    /// Sends the current request again; false when the retries are spent.
-    bool retry();
-    /// Sends the request of the current step again, as `retry()` asks.
+    /// Sends the request of the current step: each try, first or again.
     virtual void resend() = 0;
-    /// A good answer came: the count of retries in a row starts again.
-    void answered();
+    /// A good answer came and the caller has set up the next step: its
+    /// request goes out as a first try (the count of retries in a row
+    /// starts again).
+    void advance();
+    /// The device refused the current request as damaged: it is tried
+    /// again, or, with the retries spent, the task fails with `text`.
+    void refused(const QString& text);
     void setProgress(int done, int total);
 
     bool hasObject() const override;
@@ -77,7 +84,8 @@ protected:
     /// The node's type on the wire, which the package must fit.
     int nodeType() const;
 
-    /// Reads the version back and finishes when it is the package's.
+    /// Moves on to reading the version back (a step of its own, retried
+    /// like any other) and finishes when it is the package's.
     void readVersion();
     /// Parses the version reply of `readVersion()`; true when handled.
     bool onVersionReply(const VRNMessage& reply);

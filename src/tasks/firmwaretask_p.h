@@ -8,14 +8,21 @@
 
 #include <memory>
 
+class QStateMachine;
+class StateRetry;
+
 class FirmwareTaskPrivate : public DeviceTaskPrivate
 {
 public:
     QString packagePath;
     QString keyFile;
     int maxRetries = 5;
-    int retriesInRow = 0;
     int retries = 0;
+    /// Runs the one `StateRetry` every request of the update is a try of.
+    QStateMachine* machine = nullptr;
+    StateRetry* retry = nullptr;
+    /// The call error of the last failed try; NoError when the device refused.
+    BusPendingCall::Error lastCallError = BusPendingCall::NoError;
     int done = 0;
     int total = 0;
     bool readingVersion = false;

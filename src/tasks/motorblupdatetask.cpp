@@ -41,13 +41,16 @@ void MotorBLUpdateTask::begin()
     Q_D(MotorBLUpdateTask);
     d->proxy.reset(new MotorBL(nodeAddress(), nodeBus()));
     d->offset = 0;
-    enterStep(MotorBLStates::Enter);
+    d->step = MotorBLStates::Enter;
 }
 
 void MotorBLUpdateTask::enterStep(MotorBLStates::State step)
 {
     d_func()->step = step;
-    resend();
+    if (step == MotorBLStates::ReadVersion)
+        readVersion();
+    else
+        advance();
 }
 
 void MotorBLUpdateTask::resend()
@@ -72,8 +75,7 @@ void MotorBLUpdateTask::resend()
         watch(bl.exit());
         break;
     case MotorBLStates::ReadVersion:
-        readVersion();
-        break;
+        break; // the version request is FirmwareTask's own
     }
 }
 
@@ -97,18 +99,16 @@ void MotorBLUpdateTask::onReply(const VRNMessage& reply)
     const BpkManifest& m = manifest();
     if (d->step == MotorBLStates::Write) {
         if (status == MotorBL::ChecksumError) {
-            if (!retry())
-                fail(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
+            refused(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
             return;
         }
         // The motor names the offset it waits for: a lost answer is no gap.
         const bool moved = status == MotorBL::Ok || (status == MotorBL::OutOfOrder && value != d->offset);
         if (moved && value <= quint32(m.size)) {
-            answered();
             d->offset = value;
             setProgress(int((value + quint32(m.blockSize) - 1) / quint32(m.blockSize)), m.blockCount());
             if (value < quint32(m.size))
-                resend();
+                advance();
             else
                 enterStep(MotorBLStates::Verify);
             return;
@@ -118,6 +118,5 @@ void MotorBLUpdateTask::onReply(const VRNMessage& reply)
         fail(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
         return;
     }
-    answered();
     enterStep(MotorBLStates::next(d->step));
 }

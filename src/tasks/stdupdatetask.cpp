@@ -35,7 +35,6 @@ void StdUpdateTask::begin()
     Q_D(StdUpdateTask);
     d->proxy.reset(new DTSUpdateProxy(nodeAddress(), nodeBus()));
     d->phase = StdUpdateTaskPrivate::Begin;
-    resend();
 }
 
 void StdUpdateTask::resend()
@@ -48,23 +47,12 @@ void StdUpdateTask::resend()
                                     m.digest.left(DTSUpdateProxy::ImageIdSize)));
         break;
     case StdUpdateTaskPrivate::Blocks:
-        sendBlock(d->block);
+        watch(d->proxy->sendBlock(quint16(d->block), image().mid(d->block * m.blockSize, m.blockSize)));
         break;
     case StdUpdateTaskPrivate::End:
-        if (d->readingVersion)
-            readVersion();
-        else
-            watch(d->proxy->endUpdate(m.digest));
+        watch(d->proxy->endUpdate(m.digest));
         break;
     }
-}
-
-void StdUpdateTask::sendBlock(int index)
-{
-    Q_D(StdUpdateTask);
-    d->block = index;
-    const int size = manifest().blockSize;
-    watch(d->proxy->sendBlock(quint16(index), image().mid(index * size, size)));
 }
 
 bool StdUpdateTask::takesNack(const VRNMessage& reply) const
@@ -87,15 +75,12 @@ void StdUpdateTask::onReply(const VRNMessage& reply)
         return;
     if (reply.cmd() == DTS::Nack) {
         // A block the node found damaged: the same block again.
-        if (!retry())
-            fail(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
+        refused(translated(QT_TR_NOOP("Nack(%1)")).arg(DTS::toString(DTS::getNackReply(reply))));
         return;
     }
     if (d->phase == StdUpdateTaskPrivate::End) {
-        if (acceptAck(reply)) {
-            answered();
+        if (acceptAck(reply))
             readVersion();
-        }
         return;
     }
     quint16 next = 0;
@@ -104,13 +89,12 @@ void StdUpdateTask::onReply(const VRNMessage& reply)
         failUnexpected(reply);
         return;
     }
-    answered();
     setProgress(next, count);
     if (next < count) {
         d->phase = StdUpdateTaskPrivate::Blocks;
-        sendBlock(next);
+        d->block = next;
     } else {
         d->phase = StdUpdateTaskPrivate::End;
-        watch(d->proxy->endUpdate(manifest().digest));
     }
+    advance();
 }

@@ -34,7 +34,6 @@ protected:
     quint8 expectedReply() const override;
 
 private:
-    void sendBlock(int index);
     Q_DECLARE_PRIVATE(StdUpdateTask)
 };
 

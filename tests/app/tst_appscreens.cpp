@@ -3,10 +3,12 @@
 // the build folder (screenshots/).
 #include "appengine.h"
 #include "appfixture.h"
+#include "../firmware/firmwarefixture.h"
 
 #include "objectfactory.h"
 #include "settings.h"
 #include "simnode.h"
+#include "vrn.h"
 
 #include <QDir>
 #include <QQmlApplicationEngine>
@@ -26,6 +28,8 @@ private slots:
     void devices();
     void motor();
     void actions();
+    void diagnostics();
+    void firmware();
     void traffic();
 
 private:
@@ -36,12 +40,17 @@ private:
     QVariant runtime(const char* field) const { return panel()->property("runtime").toMap().value(field); }
     int firstRowOfType(int type);
     QVariantMap values(int row) const;
+    /// Selects the devices of `type`; how many there are.
+    int selectType(int type);
+    /// What the view's rows show in their labels named `name`, top row first.
+    QStringList shown(const char* list, const char* name) const;
     /// The delegate showing `row`, scrolled into view.
     QQuickItem* rowItem(int row);
     void show(const char* name);
     void save(const QString& name);
 
     QTemporaryDir m_home;
+    QScopedPointer<FirmwareFixture::Folder> m_firmware;
     QScopedPointer<AppFixture::Network> m_network;
     QScopedPointer<QQmlApplicationEngine> m_engine;
     QQuickWindow* m_window = nullptr;
@@ -50,6 +59,11 @@ private:
 void tst_AppScreens::initTestCase()
 {
     AppFixture::redirectUserFolders(m_home);
+    // A catalogue of a package for motors and one nobody signed that we know.
+    m_firmware.reset(new FirmwareFixture::Folder);
+    m_firmware->add(QStringLiteral("motor-9.0.0.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.0.0"));
+    const BpkKeys stranger = BpkKeys::generate();
+    m_firmware->add(QStringLiteral("forged.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.1.0"), 200, &stranger);
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     // The bus of the last run is reopened at start; when it fails, the
     // library's text is what the user sees.
@@ -77,6 +91,7 @@ void tst_AppScreens::cleanupTestCase()
     m_engine.reset();
     m_network.reset();
     AppFixture::destroySingletons();
+    m_firmware.reset();
 }
 
 QVariant tst_AppScreens::call(QObject* object, const char* method, const QVariant& a, const QVariant& b)
@@ -107,6 +122,34 @@ int tst_AppScreens::firstRowOfType(int type)
             return row;
     }
     return -1;
+}
+
+int tst_AppScreens::selectType(int type)
+{
+    QObject* selection = view("devicesView")->property("selection").value<QObject*>();
+    QMetaObject::invokeMethod(selection, "setItems", Q_ARG(ObjectFactory::DevicesTableColumn, ObjectFactory::TypeColumn),
+                              Q_ARG(QVariant, type));
+    return selection->property("rowCount").toInt();
+}
+
+QStringList tst_AppScreens::shown(const char* list, const char* name) const
+{
+    // Delegates are items of the view, not its QObject children.
+    QList<QQuickItem*> labels;
+    QList<QQuickItem*> open{m_window->findChild<QQuickItem*>(QLatin1String(list))};
+    while (!open.isEmpty()) {
+        QQuickItem* item = open.takeLast();
+        if (item->objectName() == QLatin1String(name) && item->isVisible())
+            labels.append(item);
+        open.append(item->childItems());
+    }
+    std::sort(labels.begin(), labels.end(), [](QQuickItem* a, QQuickItem* b) {
+        return a->mapToScene({}).y() < b->mapToScene({}).y();
+    });
+    QStringList texts;
+    for (QQuickItem* label : labels)
+        texts.append(label->property("text").toString());
+    return texts;
 }
 
 QQuickItem* tst_AppScreens::rowItem(int row)
@@ -213,12 +256,7 @@ void tst_AppScreens::motor()
 
 void tst_AppScreens::actions()
 {
-    QObject* devicesView = view("devicesView");
-    QObject* selection = devicesView->property("selection").value<QObject*>();
-    QMetaObject::invokeMethod(selection, "clear");
-    QMetaObject::invokeMethod(selection, "setItems", Q_ARG(ObjectFactory::DevicesTableColumn, ObjectFactory::TypeColumn),
-                              Q_ARG(QVariant, 2));
-    QCOMPARE(selection->property("rowCount").toUInt(), 5u);
+    QCOMPARE(selectType(2), 5);
     show("actions");
     QObject* actions = view("actionsView");
     QCOMPARE(call(actions, "runOnSelection", 3).toInt(), 5); // wink
@@ -226,6 +264,67 @@ void tst_AppScreens::actions()
     QObject* results = actions->property("results").value<QObject*>();
     QCOMPARE(results->property("count").toInt(), 5);
     save(QStringLiteral("actions"));
+}
+
+// The motors' counters read, then their statistics reset and read back.
+void tst_AppScreens::diagnostics()
+{
+    QCOMPARE(selectType(2), 5);
+    show("diagnostics");
+    QObject* diagnostics = view("diagnosticsView");
+    const QRegularExpression received(QStringLiteral("frameReceived (\\d+)"));
+    auto counts = [&] {
+        QList<int> out;
+        for (const QString& text : shown("diagnosticRows", "statistics"))
+            out.append(received.match(text).captured(1).toInt());
+        return out;
+    };
+    QCOMPARE(call(diagnostics, "read").toInt(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(diagnostics->property("busy").toInt(), 0, 5000);
+    QTRY_COMPARE(counts().size(), 5);
+    const QList<int> before = counts();
+    for (const QString& text : shown("diagnosticRows", "motorCounters"))
+        QVERIFY2(QRegularExpression(QStringLiteral("^totalMoveCount \\d+, ")).match(text).hasMatch(), qPrintable(text));
+    QVERIFY2(before.first() > 10, qPrintable(shown("diagnosticRows", "statistics").first()));
+    save(QStringLiteral("diagnostics"));
+
+    QCOMPARE(call(diagnostics, "reset", 2).toInt(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(diagnostics->property("busy").toInt(), 0, 5000);
+    QTRY_VERIFY(counts().first() < before.first());
+    for (int i = 0; i < 5; ++i)
+        QVERIFY2(counts().at(i) < 10, qPrintable(shown("diagnosticRows", "statistics").at(i)));
+}
+
+// The catalogue listed, the motors checked against it and updated; a node
+// that no package fits shows why its update failed.
+void tst_AppScreens::firmware()
+{
+    QCOMPARE(selectType(2), 5);
+    show("firmware");
+    QObject* firmware = view("firmwareView");
+    QCOMPARE(firmware->property("catalogue").value<QObject*>()->property("count").toInt(), 2);
+    QCOMPARE(call(firmware, "check").toInt(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(firmware->property("busy").toInt(), 0, 5000);
+    QTRY_COMPARE(shown("firmwareRows", "firmwareStatus").size(), 5);
+    for (const QString& text : shown("firmwareRows", "firmwareStatus"))
+        QVERIFY2(text.endsWith(QLatin1String(", 9.0.0 available")), qPrintable(text));
+    save(QStringLiteral("firmware"));
+
+    // The motors and a standard node, which no package fits.
+    QObject* selection = view("devicesView")->property("selection").value<QObject*>();
+    const QVariant keypad = values(firstRowOfType(1)).value(QStringLiteral("uuid"));
+    QMetaObject::invokeMethod(selection, "addItems", Q_ARG(ObjectFactory::DevicesTableColumn, ObjectFactory::UuidColumn),
+                              Q_ARG(QVariant, keypad));
+    QCOMPARE(call(firmware, "update", false).toInt(), 6);
+    QTRY_COMPARE_WITH_TIMEOUT(firmware->property("busy").toInt(), 0, 30000);
+    QTRY_COMPARE(shown("firmwareRows", "firmwareStatus").size(), 6);
+    const QStringList statuses = shown("firmwareRows", "firmwareStatus");
+    QVERIFY2(statuses.contains(QStringLiteral("UpdateFwJob: No firmware package fits this device")),
+             qPrintable(statuses.join(QLatin1String(" / "))));
+    // The motor that shares its node number with a standard node may be
+    // refused by the other node; every other motor is updated.
+    QVERIFY2(statuses.count(QStringLiteral("updated to 9.0.0")) >= 4, qPrintable(statuses.join(QLatin1String(" / "))));
+    save(QStringLiteral("firmware-updated"));
 }
 
 void tst_AppScreens::traffic()

@@ -54,13 +54,15 @@ void tst_QmlPlugin::types_data()
                              "VisualFeedbackJob", "MotorControlJob", "MotorCtrlMoveJob", "GetDirectionJob",
                              "SetDirectionJob", "GetEndLimitsJob", "SetEndLimitsJob", "GetPositionJob",
                              "SetFactoryDefaultJob", "GetMotorIpsJob", "SetMotorIpJob", "GetSpeedJob",
-                             "SetSpeedJob", "GetRampJob", "SetRampJob"})
+                             "SetSpeedJob", "GetRampJob", "SetRampJob", "FirmwareLoader",
+                             "GetMotorDiagnosticJob", "GetNetworkStatsJob", "SetNetworkStatsJob", "CheckFwJob",
+                             "UpdateFwJob", "DirectUpdateFwJob"})
         QTest::newRow(name) << name << int(Creatable);
     for (const char* name : {"ObjectQueryModel", "ObjectSelectionModel", "VRNListenerViewModel", "VRNObject",
                              "VRNStdObject", "VRNMotorObject", "VRNDCMotorObject", "LRU50Object", "TX50DCObject",
                              "TX30Object", "SettingToolObject", "VRNObjectWorker", "QmlStdConfigData",
                              "QmlMotorConfigData", "QmlDCMotorConfigData", "QmlRuntimeData", "QmlSharedObject",
-                             "GroupWorker", "GroupTaskResultModel", "QmlGroupTaskResult"})
+                             "GroupWorker", "GroupTaskResultModel", "QmlGroupTaskResult", "FirmwareJob"})
         QTest::newRow(name) << name << int(Uncreatable);
 }
 

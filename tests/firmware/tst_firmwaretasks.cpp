@@ -1,7 +1,7 @@
 // Firmware check and updates on simulated nodes: the bindings, the check's
 // outcomes, the standard update with the version read back, refusals before
 // anything is sent, resuming, faults on the line, and recovery from the
-// bootloader after a power loss.
+// bootloader after a power loss, and giving up on a block refused every time.
 #include "firmwarefixture.h"
 #include "taskfixture.h"
 
@@ -43,6 +43,8 @@ private slots:
     void resumesAfterInterruption();
     void recoversFromBootloader_data();
     void recoversFromBootloader();
+    void givesUpWithLastError_data();
+    void givesUpWithLastError();
 
 private:
     /// Queues `job` on the worker of `device` and waits for its end.
@@ -303,6 +305,37 @@ void tst_FirmwareTasks::recoversFromBootloader()
     QCOMPARE(node->appVersion().major, quint8(3));
     QCOMPARE(node->firmwareImage(), image(500, 1));
     QCOMPARE(recover.result().toMap().value("version").toString(), QStringLiteral("3.1.0"));
+}
+
+void tst_FirmwareTasks::givesUpWithLastError_data()
+{
+    QTest::addColumn<bool>("bootloader");
+    QTest::addColumn<int>("blockCmd");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("standard") << false << int(DTS::FwUpdateBlock) << QStringLiteral("Nack(block checksum error)");
+    QTest::newRow("bootloader") << true << int(DTS::BlWrite) << QStringLiteral("Bootloader refused: checksum error");
+}
+
+void tst_FirmwareTasks::givesUpWithLastError()
+{
+    // Every block arrives damaged: the first one is sent once and retried
+    // three times in a row, then the device's refusal ends the task.
+    QFETCH(bool, bootloader);
+    QFETCH(int, blockCmd);
+    QFETCH(QString, error);
+    const QString path = m_folder->add(QStringLiteral("m.bpk"), {1}, QStringLiteral("2.0.0"), 100);
+    sim(Motor)->setBlockCorruption(1.0);
+    UpdateFwJob standard;
+    DirectUpdateFwJob direct;
+    FirmwareJob& job = bootloader ? static_cast<FirmwareJob&>(direct) : standard;
+    job.setPackage(path);
+    job.setRetries(3);
+    QCOMPARE(run(Motor, job), Job::TaskFailedError);
+    QCOMPARE(job.errorString(), error);
+    const QList<VRNMessage> blocks = m_wire->sentOf(quint8(blockCmd));
+    QCOMPARE(blocks.size(), 4);
+    for (const VRNMessage& block : blocks)
+        QCOMPARE(block.payload(), blocks.first().payload());
 }
 
 QTEST_GUILESS_MAIN(tst_FirmwareTasks)

@@ -16,7 +16,10 @@ QtObject {
         "GetPositionJob": getPosition, "GetMotorIpsJob": getMotorIps, "SetMotorIpJob": setMotorIp,
         "GetSpeedJob": getSpeed, "SetSpeedJob": setSpeed,
         "GetRampJob": getRamp, "SetRampJob": setRamp,
-        "SetFactoryDefaultJob": factoryDefault
+        "SetFactoryDefaultJob": factoryDefault,
+        "GetMotorDiagnosticJob": getMotorDiagnostic, "GetNetworkStatsJob": getNetworkStats,
+        "SetNetworkStatsJob": setNetworkStats, "CheckFwJob": checkFw,
+        "UpdateFwJob": updateFw, "DirectUpdateFwJob": directUpdateFw
     })
     property Component getLabel: Component { GetLabelJob {} }
     property Component setLabel: Component { SetLabelJob {} }
@@ -38,6 +41,12 @@ QtObject {
     property Component getRamp: Component { GetRampJob {} }
     property Component setRamp: Component { SetRampJob {} }
     property Component factoryDefault: Component { SetFactoryDefaultJob {} }
+    property Component getMotorDiagnostic: Component { GetMotorDiagnosticJob {} }
+    property Component getNetworkStats: Component { GetNetworkStatsJob {} }
+    property Component setNetworkStats: Component { SetNetworkStatsJob {} }
+    property Component checkFw: Component { CheckFwJob {} }
+    property Component updateFw: Component { UpdateFwJob {} }
+    property Component directUpdateFw: Component { DirectUpdateFwJob {} }
 
     // Jobs after which the device's row in the registry is stored, so that
     // the device list shows what was read or written.
@@ -56,8 +65,9 @@ QtObject {
     signal done(string name, var uuid, bool ok, string errorText, var result)
 
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
-    // (optional) is called with (ok, errorText, result) after `done`.
-    function run(uuid, name, props, then, priority) {
+    // (optional) is called with (ok, errorText, result) after `done`;
+    // `created` (optional) with the job before it is queued.
+    function run(uuid, name, props, then, priority, created) {
         var worker = ObjectFactory.objectWorkerQml(jobs, uuid);
         if (!worker || !worker.data) {
             done(name, uuid, false, qsTr("device not found"), undefined);
@@ -66,6 +76,7 @@ QtObject {
         }
         var job = kinds[name].createObject(jobs, props || {});
         running += 1;
+        if (created) created(job);
         var ended = function() {
             delete waiting[job];
             running -= 1;

@@ -11,7 +11,7 @@ ApplicationWindow {
     title: qsTr("VRN configuration tool")
 
     // The views, by the names the tab bar shows.
-    readonly property var viewNames: ["connection", "devices", "actions", "traffic"]
+    readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic"]
     property alias currentView: tabs.currentIndex
     property string message: ""
     property bool messageIsError: false
@@ -19,6 +19,8 @@ ApplicationWindow {
     property alias connectionView: connectionView
     property alias devicesView: devicesView
     property alias actionsView: actionsView
+    property alias diagnosticsView: diagnosticsView
+    property alias firmwareView: firmwareView
     property alias trafficView: trafficView
     property alias jobs: jobs
 
@@ -35,6 +37,8 @@ ApplicationWindow {
         TabButton { text: qsTr("Connection") }
         TabButton { text: qsTr("Devices (%1)").arg(devicesView.deviceCount) }
         TabButton { text: qsTr("Actions") }
+        TabButton { text: qsTr("Diagnostics") }
+        TabButton { text: qsTr("Firmware") }
         TabButton { text: qsTr("Traffic") }
     }
 
@@ -55,6 +59,16 @@ ApplicationWindow {
         }
         ActionsView {
             id: actionsView
+            devices: window.devices
+            jobs: jobs
+        }
+        DiagnosticsView {
+            id: diagnosticsView
+            devices: window.devices
+            jobs: jobs
+        }
+        FirmwareView {
+            id: firmwareView
             devices: window.devices
             jobs: jobs
         }

@@ -27,13 +27,19 @@
 #include "qmlruntimedata.h"
 #include "qmlsharedobject.h"
 
+#include "firmwareloader.h"
+
 #include "busdiscoverjob.h"
+#include "checkfwjob.h"
+#include "directupdatefwjob.h"
 #include "getdirectionjob.h"
 #include "getendlimitsjob.h"
 #include "getfwversionjob.h"
 #include "getgroupsjob.h"
 #include "getlabeljob.h"
+#include "getmotordiagnosticjob.h"
 #include "getmotoripsjob.h"
+#include "getnetworkstatsjob.h"
 #include "getpositionjob.h"
 #include "getrampjob.h"
 #include "getspeedjob.h"
@@ -45,9 +51,11 @@
 #include "setgroupsjob.h"
 #include "setlabeljob.h"
 #include "setmotoripjob.h"
+#include "setnetworkstatsjob.h"
 #include "setnodediscoveryjob.h"
 #include "setrampjob.h"
 #include "setspeedjob.h"
+#include "updatefwjob.h"
 #include "visualfeedbackjob.h"
 
 #include <QQmlEngine>
@@ -102,6 +110,7 @@ const Registration registrations[] = {
     {"QMLSerialPortList", creatable<QMLSerialPortList>},
     {"VRNListenerViewModel", uncreatable<VRNListenerViewModel>},
     {"VRNListenerModel", uncreatable<VRNListenerModel>},
+    {"FirmwareLoader", creatable<FirmwareLoader>},
     // jobs
     {"Job", uncreatable<Job>},
     {"QmlJob", uncreatable<QmlJob>},
@@ -127,6 +136,13 @@ const Registration registrations[] = {
     {"SetSpeedJob", creatable<SetSpeedJob>},
     {"GetRampJob", creatable<GetRampJob>},
     {"SetRampJob", creatable<SetRampJob>},
+    {"GetMotorDiagnosticJob", creatable<GetMotorDiagnosticJob>},
+    {"GetNetworkStatsJob", creatable<GetNetworkStatsJob>},
+    {"SetNetworkStatsJob", creatable<SetNetworkStatsJob>},
+    {"CheckFwJob", creatable<CheckFwJob>},
+    {"FirmwareJob", uncreatable<FirmwareJob>},
+    {"UpdateFwJob", creatable<UpdateFwJob>},
+    {"DirectUpdateFwJob", creatable<DirectUpdateFwJob>},
     // groups
     {"GroupWorker", uncreatable<GroupWorker>},
     {"GroupTaskResultModel", uncreatable<GroupTaskResultModel>},
@@ -170,6 +186,9 @@ void VRNConfigToolPlugin::registerTypes(const char* uri)
     qRegisterMetaType<ObjectFactory::DevicesTableColumn>("ObjectFactory::DevicesTableColumn");
     qRegisterMetaType<ObjectQueryModel::Role>("ObjectQueryModel::Role");
     qRegisterMetaType<VRNObject::Type>("VRNObject::Type");
+    // A value type: QML reads its properties from what at(), newestFor()
+    // and the "info" role return; it has no element of its own.
+    qRegisterMetaType<FirmwareInfo>();
     for (const Registration& r : registrations)
         r.add(uri, r.name);
 }
