@@ -28,6 +28,7 @@ private slots:
 
     void streamResynchronises_data();
     void streamResynchronises();
+    void longestFrameIsTaken();
     void ownFramesAreNotReported();
     void pseudoTerminal_data();
     void pseudoTerminal();
@@ -149,6 +150,19 @@ bool tst_VRNBus::openPty()
 void tst_VRNBus::writeMaster(const QByteArray& bytes)
 {
     QCOMPARE(::write(master, bytes.constData(), size_t(bytes.size())), ssize_t(bytes.size()));
+}
+
+// A frame of the largest size the length byte allows is a frame, not noise.
+void tst_VRNBus::longestFrameIsTaken()
+{
+    const QByteArray longest = reply(0x42, QByteArray(21, 'x'));
+    QCOMPARE(longest.size(), int(VRNMessage::MaxFrameSize));
+    connect(loopback, &VRNLoopbackBus::transmitted, this, [&] { loopback->inject(longest); });
+    BusPendingCallWatcher watcher(loopback->call(request(0x42)));
+    QSignalSpy finished(&watcher, &BusPendingCallWatcher::finished);
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(watcher.error(), BusPendingCall::NoError);
+    QCOMPARE(watcher.reply().data(), longest);
 }
 
 void tst_VRNBus::pseudoTerminal_data()

@@ -2,7 +2,6 @@
 #include "settings.h"
 #include "vrnmcastbus.h"
 
-#include <QMetaMethod>
 #include <QPointer>
 #include <QProcess>
 #include <QSerialPort>
@@ -66,7 +65,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void interfaceSeenByQml();
     void identifiers_data();
     void identifiers();
     void generatedIdentifiersParseBack();
@@ -112,23 +110,6 @@ void tst_BusFactory::cleanup()
         QTRY_VERIFY_WITH_TIMEOUT(m_sim->state() == QProcess::NotRunning, 5000);
         m_sim.reset();
     }
-}
-
-void tst_BusFactory::interfaceSeenByQml()
-{
-    const QMetaObject& mo = BusFactory::staticMetaObject;
-    QStringList methods;
-    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i)
-        methods << QString::fromLatin1(mo.method(i).methodSignature());
-    QCOMPARE(methods, (QStringList{"busChanged(VRNBus*)", "busUUIDChanged(QString)", "error(QString)",
-                                   "busListenerChanged()", "openSerial(QString)",
-                                   "openMCast(QString,QString)", "openMCast(QString)", "openUUID(QString)",
-                                   "close()", "generateSerialUUID(QString)",
-                                   "generateMCastUUID(QHostAddress,ushort,QHostAddress)"}));
-    QStringList properties;
-    for (int i = mo.propertyOffset(); i < mo.propertyCount(); ++i)
-        properties << QString::fromLatin1(mo.property(i).name());
-    QCOMPARE(properties, (QStringList{"bus", "busWorker", "listener", "lastError", "busUUID"}));
 }
 
 void tst_BusFactory::identifiers_data()

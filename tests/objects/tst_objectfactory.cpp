@@ -273,14 +273,6 @@ private slots:
         QCOMPARE(factory()->object(obj->uuid())->label(), QByteArray("Hall"));
     }
 
-    void columnNames()
-    {
-        QStringList names;
-        for (int c = ObjectFactory::UuidColumn; c <= ObjectFactory::NbOccurColumn; ++c)
-            names << factory()->columnToString(ObjectFactory::DevicesTableColumn(c));
-        QCOMPARE(names, (QStringList{"Uuid", "NodeID", "Type", "Label", "SerialNumber", "NbOccur"}));
-    }
-
     void objectsFollowTheBus()
     {
         const auto obj = factory()->createObject(VRNObject::DtsMotor, 8, false);

@@ -41,7 +41,6 @@ private slots:
     void cleanup();
     void badOptions_data();
     void badOptions();
-    void help();
     void serial();
 
 private:
@@ -123,18 +122,6 @@ void tst_VrnSim::badOptions()
     QVERIFY(sim.readAllStandardOutput().isEmpty());
     const QString err = QString::fromLocal8Bit(sim.readAllStandardError());
     QVERIFY2(err.startsWith("vrnsim: ") && err.contains(message), qPrintable(err));
-}
-
-void tst_VrnSim::help()
-{
-    QProcess sim;
-    sim.start(program(), {"--help"});
-    QVERIFY(sim.waitForFinished(Wait));
-    QCOMPARE(sim.exitCode(), 0);
-    const QByteArray text = sim.readAllStandardOutput();
-    for (const char* option : {"--mcast", "--bind", "--serial", "--devices", "--duplicates", "--seed",
-                               "--loss", "--corrupt", "--latency", "--baud", "--silent"})
-        QVERIFY2(text.contains(option), option);
 }
 
 // Through the pseudo-terminal: a request written in two pieces after some

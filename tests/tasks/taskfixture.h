@@ -12,6 +12,8 @@
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 #include "vrnmessage.h"
+#include "vrnobjectworker.h"
+#include "workqueue.h"
 
 #include <QList>
 #include <QPointer>
@@ -130,6 +132,37 @@ inline void closeRegistry()
 inline bool waitEnd(const Job& job, int ms = 3000)
 {
     return QTest::qWaitFor([&] { return job.state() == Job::Finished || job.state() == Job::Idle; }, ms);
+}
+
+/// Queues `job` on `worker` and waits for its end.
+inline Job::Error runJob(VRNObjectWorker& worker, Job& job)
+{
+    if (!worker.queue()->enqueue(job, 0) || !waitEnd(job))
+        return Job::AbortedError;
+    return job.error();
+}
+
+/// Runs `task` on a job of its own and waits for its end; `error` gets the job's text.
+inline Job::Error runTask(Task* task, QString* error = nullptr)
+{
+    Job job;
+    job.attach(task);
+    job.start();
+    if (!waitEnd(job))
+        return Job::AbortedError;
+    if (error)
+        *error = job.errorString();
+    return job.error();
+}
+
+/// A device object of class `T` for simulated `node`, attached to `wire`'s bus.
+template<class T>
+QSharedPointer<VRNObject> attachedObject(Wire& wire, const SimNode* node)
+{
+    QSharedPointer<VRNObject> object(new T);
+    object->setNodeAddress(node->address());
+    object->attach(wire.bus);
+    return object;
 }
 
 } // namespace TaskFixture

@@ -58,10 +58,6 @@ private slots:
     void nodeDiscoveryMark();
 
 private:
-    /// Queues `job` on the standard node's worker and waits for its end.
-    Job::Error run(Job& job);
-    /// Runs `task` on a job of its own and waits for its end.
-    Job::Error run(Task* task, QString* error = nullptr);
     VRNStdObject* stdObj() const { return static_cast<VRNStdObject*>(m_std.data()); }
 
     QScopedPointer<Wire> m_wire;
@@ -78,12 +74,8 @@ void tst_DeviceTasks::init()
     m_simStd = m_wire->net.addNode(SimNode::Std, 0x000200);
     m_simMotor = m_wire->net.addNode(SimNode::DCMotor, 0x123456);
     m_simStd->setLabel("Hall");
-    m_std.reset(new VRNStdObject);
-    m_std->setNodeAddress(m_simStd->address());
-    m_std->attach(m_wire->bus);
-    m_motor.reset(new VRNDCMotorObject);
-    m_motor->setNodeAddress(m_simMotor->address());
-    m_motor->attach(m_wire->bus);
+    m_std = attachedObject<VRNStdObject>(*m_wire, m_simStd);
+    m_motor = attachedObject<VRNDCMotorObject>(*m_wire, m_simMotor);
     m_worker.reset(new VRNObjectWorker(m_std));
 }
 
@@ -95,34 +87,13 @@ void tst_DeviceTasks::cleanup()
     m_wire.reset();
 }
 
-Job::Error tst_DeviceTasks::run(Job& job)
-{
-    if (!m_worker->queue()->enqueue(job, 0) || !waitEnd(job))
-        return Job::AbortedError;
-    return job.error();
-}
-
-Job::Error tst_DeviceTasks::run(Task* task, QString* error)
-{
-    Job job;
-    job.attach(task);
-    job.start();
-    if (!waitEnd(job))
-        return Job::AbortedError;
-    if (error)
-        *error = job.errorString();
-    return job.error();
-}
-
 void tst_DeviceTasks::bindings()
 {
     QScopedPointer<Job> byName(JobRegistration::create(QStringLiteral("GetLabelJob")));
     QVERIFY(qobject_cast<GetLabelJob*>(byName.data()));
 
     // A derived device class runs the standard tasks through its base's binding.
-    QSharedPointer<VRNObject> tx30(new TX30Object);
-    tx30->setNodeAddress(m_simMotor->address());
-    tx30->attach(m_wire->bus);
+    QSharedPointer<VRNObject> tx30 = attachedObject<TX30Object>(*m_wire, m_simMotor);
     VRNObjectWorker tx30Worker(tx30);
     GetLabelJob label;
     QVERIFY(tx30Worker.queue()->enqueue(label, 0));
@@ -133,7 +104,7 @@ void tst_DeviceTasks::bindings()
 
     // Discovery is bound to the bus only.
     BusDiscoverJob discover;
-    QCOMPARE(run(discover), Job::NoTaskError);
+    QCOMPARE(runJob(*m_worker, discover), Job::NoTaskError);
     QVERIFY(m_worker->jobNames().contains(QStringLiteral("SetGroupsJob")));
 }
 
@@ -175,7 +146,7 @@ void tst_DeviceTasks::replyChecks()
         });
     const StdConfigData before = stdObj()->proxyStdConfig();
     QString text;
-    QCOMPARE(run(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, error);
     QVERIFY(stdObj()->proxyStdConfig().compareStd(before));
 }
@@ -211,7 +182,7 @@ void tst_DeviceTasks::objectMissing()
         task = new GetGroupsTask(nullptr);
     }
     QString text;
-    QCOMPARE(run(task, &text), Job::TaskFailedError);
+    QCOMPARE(runTask(task, &text), Job::TaskFailedError);
     QCOMPARE(text, error);
 }
 
@@ -221,7 +192,7 @@ void tst_DeviceTasks::objectGoneWhileRequestOut()
     // The device goes the moment its request is on the wire.
     connect(m_wire->bus, &Bus::messageSent, this, [this] { m_std.reset(); });
     QString text;
-    QCOMPARE(run(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, QStringLiteral("Internal error(no VRNObject)"));
     QCOMPARE(m_wire->sentOf(DTS::GetNodeLabel).size(), 1);
 }
@@ -242,7 +213,7 @@ void tst_DeviceTasks::labelSeeding()
         stdObj()->updateLocalStdConfig(local);
     }
     GetLabelJob job;
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(stdObj()->proxyStdConfig().getConstData().label, QByteArray("Hall"));
     QCOMPARE(stdObj()->localStdConfig().getConstData().label, pending.isNull() ? QByteArray("Hall") : pending);
 }
@@ -257,8 +228,8 @@ void tst_DeviceTasks::firstReadsSeedLocal()
     m_simStd->setGroup(2, 0x00ABCD);
     GetFwVersionJob version;
     GetGroupsJob groups;
-    QCOMPARE(run(version), Job::NoError);
-    QCOMPARE(run(groups), Job::NoError);
+    QCOMPARE(runJob(*m_worker, version), Job::NoError);
+    QCOMPARE(runJob(*m_worker, groups), Job::NoError);
     const StdConfigData local = stdObj()->localStdConfig();
     QCOMPARE(local.getConstData().appVersion.toString(), QStringLiteral("3.1.0.7"));
     QCOMPARE(local.getConstData().groups, stdObj()->proxyStdConfig().getConstData().groups);
@@ -266,7 +237,7 @@ void tst_DeviceTasks::firstReadsSeedLocal()
 
     // A second read of a changed device updates the proxy only.
     m_simStd->setGroup(2, 0x000777);
-    QCOMPARE(run(groups), Job::NoError);
+    QCOMPARE(runJob(*m_worker, groups), Job::NoError);
     QCOMPARE(stdObj()->proxyStdConfig().getConstData().groups.value(2), 0x000777u);
     QCOMPARE(stdObj()->localStdConfig().getConstData().groups.value(2), 0x00ABCDu);
 }
@@ -277,7 +248,7 @@ void tst_DeviceTasks::invalidVersion()
     none.major = 0xFF;
     m_simStd->setAppVersion(none);
     QString text;
-    QCOMPARE(run(new GetFwVersionTask(m_std.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(new GetFwVersionTask(m_std.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, QStringLiteral("Internal error(firwmare version is not valid)"));
     QVERIFY(!stdObj()->proxyStdConfig().isVersionValid());
 }
@@ -306,14 +277,14 @@ void tst_DeviceTasks::failureTextsTranslated()
     none.major = 0xFF;
     m_simStd->setAppVersion(none);
     QString text;
-    run(new GetFwVersionTask(m_std.data()), &text);
+    runTask(new GetFwVersionTask(m_std.data()), &text);
     QCOMPARE(text, QStringLiteral("~Internal error(firwmare version is not valid)"));
-    run(new SetLabelTask(QByteArray(17, 'x'), m_std.data()), &text);
+    runTask(new SetLabelTask(QByteArray(17, 'x'), m_std.data()), &text);
     QCOMPARE(text, QStringLiteral("~SetLabelTask failed"));
-    run(new GetGroupsTask(nullptr), &text);
+    runTask(new GetGroupsTask(nullptr), &text);
     QCOMPARE(text, QStringLiteral("~Internal error(no VRNObject)"));
     m_simStd->setSilent(true);
-    run(new GetLabelTask(m_std.data()), &text);
+    runTask(new GetLabelTask(m_std.data()), &text);
     QCOMPARE(text, QStringLiteral("~Timeout error"));
 }
 
@@ -322,7 +293,7 @@ void tst_DeviceTasks::groupRead()
     for (int i = 0; i < SimNode::GroupSlots; ++i)
         m_simStd->setGroup(i, i % 3 ? 0x010000u + unsigned(i) : 0u);
     GetGroupsJob job;
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     const QList<VRNMessage> asked = m_wire->sentOf(DTS::GetGroupAddr);
     QCOMPARE(asked.size(), 16);
     for (int i = 0; i < asked.size(); ++i)
@@ -346,7 +317,7 @@ void tst_DeviceTasks::groupReplyForAnotherSlot()
             m_wire->script.append(nodeFrame(DTS::PostGroupAddr, m_simStd->address(), QByteArray::fromHex("09030009")));
     });
     GetGroupsJob job;
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     const QList<VRN::Addr> read = stdObj()->proxyStdConfig().getConstData().groups;
     QCOMPARE(read.size(), 16);
     QCOMPARE(read.at(3), 0x030009u);
@@ -364,7 +335,7 @@ void tst_DeviceTasks::groupReadTimeout()
             m_simStd->setSilent(true);
     });
     GetGroupsJob job;
-    QCOMPARE(run(job), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(job.errorString(), QStringLiteral("Timeout error"));
     const QList<VRN::Addr> read = stdObj()->proxyStdConfig().getConstData().groups;
     QCOMPARE(read, (QList<VRN::Addr>{0x020000, 0x020001, 0x020002, 0x020003, 0x020004}));
@@ -391,11 +362,11 @@ void tst_DeviceTasks::setGroups()
 
     // Slots read before: the local list takes the written entries.
     GetGroupsJob read;
-    QCOMPARE(run(read), Job::NoError);
+    QCOMPARE(runJob(*m_worker, read), Job::NoError);
     m_wire->sent.clear();
     SetGroupsJob job;
     job.setGroups(groups);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     const QList<VRNMessage> writes = m_wire->sentOf(DTS::SetGroupAddr);
     QCOMPARE(writes.size(), groups.size());
     for (int i = 0; i < writes.size(); ++i) {
@@ -441,7 +412,7 @@ void tst_DeviceTasks::setLabel()
 {
     SetLabelJob job;
     job.setLabel("Porch");
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(m_simStd->label(), QByteArray("Porch"));
     QCOMPARE(stdObj()->localStdConfig().getConstData().label, QByteArray("Porch"));
     QVERIFY(!stdObj()->proxyStdConfig().isLabelValid()); // only a read fills the proxy
@@ -449,7 +420,7 @@ void tst_DeviceTasks::setLabel()
     // The node refuses: the local record keeps what it had.
     m_simStd->setForcedNack(DTS::NackNodeLocked);
     job.setLabel("Attic");
-    QCOMPARE(run(job), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(stdObj()->localStdConfig().getConstData().label, QByteArray("Porch"));
 }
 
@@ -457,10 +428,10 @@ void tst_DeviceTasks::nodeDiscoveryMark()
 {
     SetNodeDiscoveryJob job;
     job.setEnabled(false);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QVERIFY(m_simStd->discoveryMark());
     job.setEnabled(true);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QVERIFY(!m_simStd->discoveryMark());
     QCOMPARE(m_wire->sentOf(DTS::SetNodeDiscovery).size(), 2);
 }

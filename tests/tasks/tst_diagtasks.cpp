@@ -51,7 +51,6 @@ private slots:
     void bindings();
 
 private:
-    Job::Error run(VRNObjectWorker& worker, Job& job);
     /// From request `step` (1 = the first) on `node` is silent; `reply`, when
     /// not empty, answers request `step` instead.
     void faultAt(SimNode* node, int step, const QByteArray& reply);
@@ -72,13 +71,9 @@ void tst_DiagTasks::init()
     m_sim = m_wire->net.addNode(SimNode::Motor, 0x123456);
     m_sim->setDiagnostics(SomeDiagnostics);
     m_simStd = m_wire->net.addNode(SimNode::Std, 0x000200);
-    m_motor.reset(new VRNMotorObject);
-    m_motor->setNodeAddress(m_sim->address());
-    m_motor->attach(m_wire->bus);
+    m_motor = attachedObject<VRNMotorObject>(*m_wire, m_sim);
     m_worker.reset(new VRNObjectWorker(m_motor));
-    m_std.reset(new VRNStdObject);
-    m_std->setNodeAddress(m_simStd->address());
-    m_std->attach(m_wire->bus);
+    m_std = attachedObject<VRNStdObject>(*m_wire, m_simStd);
     m_stdWorker.reset(new VRNObjectWorker(m_std));
 }
 
@@ -89,13 +84,6 @@ void tst_DiagTasks::cleanup()
     m_std.reset();
     m_motor.reset();
     m_wire.reset();
-}
-
-Job::Error tst_DiagTasks::run(VRNObjectWorker& worker, Job& job)
-{
-    if (!worker.queue()->enqueue(job, 0) || !waitEnd(job))
-        return Job::AbortedError;
-    return job.error();
 }
 
 void tst_DiagTasks::faultAt(SimNode* node, int step, const QByteArray& reply)
@@ -130,7 +118,7 @@ void tst_DiagTasks::diagnosticChain()
     m_motor->setProxyRuntime(before);
 
     GetMotorDiagnosticJob job;
-    QCOMPARE(run(*m_worker, job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(sentCodes(), DiagRequests);
 
     const RuntimeDataData& after = m_motor->proxyRuntime().getConstData();
@@ -185,7 +173,7 @@ void tst_DiagTasks::diagnosticFailures()
     const RuntimeData before = m_motor->proxyRuntime();
 
     GetMotorDiagnosticJob job;
-    QCOMPARE(run(*m_worker, job), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(job.errorString(), error);
     QCOMPARE(job.isTransientError(), transient);
     QVERIFY(m_motor->proxyRuntime() == before);
@@ -222,7 +210,7 @@ void tst_DiagTasks::networkStats()
     const RuntimeData before = m_std->proxyRuntime();
 
     GetNetworkStatsJob job;
-    const Job::Error result = run(*m_stdWorker, job);
+    const Job::Error result = runJob(*m_stdWorker, job);
     QCOMPARE(job.errorString(), error);
     if (!error.isEmpty()) {
         QCOMPARE(result, Job::TaskFailedError);
@@ -271,7 +259,7 @@ void tst_DiagTasks::resetStats()
 
     QScopedPointer<Job> job(JobRegistration::create(QStringLiteral("SetNetworkStatsJob")));
     QVERIFY(job->setProperty("stats", stats));
-    QCOMPARE(run(*m_stdWorker, *job), Job::NoError);
+    QCOMPARE(runJob(*m_stdWorker, *job), Job::NoError);
 
     QCOMPARE(sentCodes(), QList<quint8>{DTS::SetNetworkStat} + reads);
     QCOMPARE(m_wire->sent.first().payload(), QByteArray(1, char(stats)) + '\0');
@@ -295,19 +283,19 @@ void tst_DiagTasks::bindings()
     // Diagnostics belong to motors: a standard node has no task for them.
     GetMotorDiagnosticJob diag;
     QTest::ignoreMessage(QtWarningMsg, "[Worker]: No task for GetMotorDiagnosticJob on VRNStdObject");
-    QCOMPARE(run(*m_stdWorker, diag), Job::NoTaskError);
+    QCOMPARE(runJob(*m_stdWorker, diag), Job::NoTaskError);
 
     // Statistics on every node, a motor included.
     GetNetworkStatsJob stats;
-    QCOMPARE(run(*m_worker, stats), Job::NoError);
+    QCOMPARE(runJob(*m_worker, stats), Job::NoError);
     QVERIFY(m_motor->proxyRuntime().getConstData().networkStat.frameReceived > 0);
     SetNetworkStatsJob reset;
-    QCOMPARE(run(*m_worker, reset), Job::NoError);
+    QCOMPARE(runJob(*m_worker, reset), Job::NoError);
 
     // A value that names no counters is refused before anything is sent.
     m_wire->sent.clear();
     reset.setStats(7);
-    QCOMPARE(run(*m_worker, reset), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, reset), Job::TaskFailedError);
     QCOMPARE(reset.errorString(), QStringLiteral("Internal error(unknown statistics 7)"));
     QVERIFY(m_wire->sent.isEmpty());
 }

@@ -123,8 +123,6 @@ private slots:
     void moveObservedInSimulatedTime();
 
 private:
-    Job::Error run(Job& job);
-    Job::Error run(Task* task, QString* error = nullptr);
     VRNDCMotorObject* motor() const { return static_cast<VRNDCMotorObject*>(m_motor.data()); }
     /// (function, ramps, value) of every soft start/stop request, as "f,r,v".
     QStringList rampRequests() const;
@@ -143,9 +141,7 @@ void tst_MotorTasks::init()
     m_sim->setPosition(600);
     for (int i = 0; i < SimNode::IpSlots; ++i)
         m_sim->setIp(i, i < 4 ? quint16(200 + 200 * i) : quint16(SimNode::Unset16));
-    m_motor.reset(new VRNDCMotorObject);
-    m_motor->setNodeAddress(m_sim->address());
-    m_motor->attach(m_wire->bus);
+    m_motor = attachedObject<VRNDCMotorObject>(*m_wire, m_sim);
     m_worker.reset(new VRNObjectWorker(m_motor));
 }
 
@@ -154,25 +150,6 @@ void tst_MotorTasks::cleanup()
     m_worker.reset();
     m_motor.reset();
     m_wire.reset();
-}
-
-Job::Error tst_MotorTasks::run(Job& job)
-{
-    if (!m_worker->queue()->enqueue(job, 0) || !waitEnd(job))
-        return Job::AbortedError;
-    return job.error();
-}
-
-Job::Error tst_MotorTasks::run(Task* task, QString* error)
-{
-    Job job;
-    job.attach(task);
-    job.start();
-    if (!waitEnd(job))
-        return Job::AbortedError;
-    if (error)
-        *error = job.errorString();
-    return job.error();
 }
 
 QStringList tst_MotorTasks::rampRequests() const
@@ -194,9 +171,7 @@ void tst_MotorTasks::bindings()
 
     // Speeds belong to DC motors: a plain motor has no task for them.
     SimNode* plain = m_wire->net.addNode(SimNode::Motor, 0x000300);
-    QSharedPointer<VRNObject> motorOnly(new VRNMotorObject);
-    motorOnly->setNodeAddress(plain->address());
-    motorOnly->attach(m_wire->bus);
+    QSharedPointer<VRNObject> motorOnly = attachedObject<VRNMotorObject>(*m_wire, plain);
     VRNObjectWorker plainWorker(motorOnly);
     GetSpeedJob speed;
     QTest::ignoreMessage(QtWarningMsg, "[Worker]: No task for GetSpeedJob on VRNMotorObject");
@@ -206,9 +181,7 @@ void tst_MotorTasks::bindings()
 
     // A TX30 is a DC-motor model.
     SimNode* simTx30 = m_wire->net.addNode(SimNode::TX30, 0x000400);
-    QSharedPointer<VRNObject> tx30(new TX30Object);
-    tx30->setNodeAddress(simTx30->address());
-    tx30->attach(m_wire->bus);
+    QSharedPointer<VRNObject> tx30 = attachedObject<TX30Object>(*m_wire, simTx30);
     VRNObjectWorker tx30Worker(tx30);
     QVERIFY(tx30Worker.queue()->enqueue(speed, 0));
     QVERIFY(waitEnd(speed));
@@ -285,17 +258,17 @@ void tst_MotorTasks::taskFailures()
     QString text;
 
     m_wire->bus->failWrites = true;
-    QCOMPARE(run(t.make(m_motor.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(t.make(m_motor.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, QString::fromLatin1(t.failedText));
     m_wire->bus->failWrites = false;
 
-    QCOMPARE(run(t.make(nullptr), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(t.make(nullptr), &text), Job::TaskFailedError);
     QCOMPARE(text, QString::fromLatin1(t.goneText));
 
     m_worker.reset();
     m_wire->sent.clear();
     connect(m_wire->bus, &Bus::messageSent, this, [this] { m_motor.reset(); });
-    QCOMPARE(run(t.make(m_motor.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(t.make(m_motor.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, QStringLiteral("Internal error(no VRNObject)"));
     QCOMPARE(m_wire->sent.size(), 1);
 }
@@ -310,7 +283,7 @@ void tst_MotorTasks::settingsReadAndWritten()
     GetRampJob ramp;
     GetPositionJob position;
     for (Job* job : QList<Job*>{&direction, &speed, &ramp, &position})
-        QCOMPARE(run(*job), Job::NoError);
+        QCOMPARE(runJob(*m_worker, *job), Job::NoError);
 
     const DCMotorConfigDataData& proxy = motor()->proxyDCMotorConfig().getConstData();
     QCOMPARE(proxy.rotDirection, qint32(DTSMotor::DirectionReversed));
@@ -333,8 +306,8 @@ void tst_MotorTasks::settingsReadAndWritten()
     setSpeed.setSlowSpeed(6);
     SetDirectionJob setDirection;
     setDirection.setDirection(DTSMotor::DirectionStandard);
-    QCOMPARE(run(setSpeed), Job::NoError);
-    QCOMPARE(run(setDirection), Job::NoError);
+    QCOMPARE(runJob(*m_worker, setSpeed), Job::NoError);
+    QCOMPARE(runJob(*m_worker, setDirection), Job::NoError);
     QCOMPARE(m_sim->rollingSpeed().down, quint8(12));
     QCOMPARE(m_sim->direction(), quint8(DTSMotor::DirectionStandard));
     QCOMPARE(motor()->localDCMotorConfig().getConstData().downRollingSpeed, quint8(12));
@@ -343,7 +316,7 @@ void tst_MotorTasks::settingsReadAndWritten()
 
     // A speed the device refuses leaves the local record alone.
     setSpeed.setDownSpeed(40);
-    QCOMPARE(run(setSpeed), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, setSpeed), Job::TaskFailedError);
     QCOMPARE(setSpeed.errorString(), QStringLiteral("Nack(%1)").arg(DTS::toString(DTS::NackDataOutOfRange)));
     QCOMPARE(motor()->localDCMotorConfig().getConstData().downRollingSpeed, quint8(12));
 }
@@ -377,7 +350,7 @@ void tst_MotorTasks::endLimits()
     job.setCommand(command);
     job.setLimit(limit);
     job.setDelta(delta);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(m_wire->sentOf(DTS::SetMotorLimits).value(0).payload(), payload);
     QCOMPARE(m_wire->sentOf(DTS::GetMotorLimits).size(), 1);
     QCOMPARE(int(m_sim->upLimit()), up);
@@ -392,7 +365,7 @@ void tst_MotorTasks::endLimits()
     local.data().upEndLimit = 5;
     motor()->updateLocalMotorConfig(local);
     GetEndLimitsJob read;
-    QCOMPARE(run(read), Job::NoError);
+    QCOMPARE(runJob(*m_worker, read), Job::NoError);
     QCOMPARE(int(motor()->proxyMotorConfig().getConstData().upEndLimit), up);
     QCOMPARE(int(motor()->localMotorConfig().getConstData().upEndLimit), 5);
 }
@@ -417,13 +390,13 @@ void tst_MotorTasks::endLimitsUnexpectedReply()
     m_sim->setSilent(true);
     m_wire->script = {nodeFrame(DTS::Ack, node, bytes({DTS::SetMotorLimits})), frame};
     QString text;
-    QCOMPARE(run(new SetEndLimitsTask(1, 1, 50, m_motor.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(new SetEndLimitsTask(1, 1, 50, m_motor.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, error.isEmpty() ? QStringLiteral("Unexpected reply(%1)").arg(QString(frame.toHex().toUpper())) : error);
     QVERIFY(!motor()->proxyMotorConfig().isEndLimitsValid());
 
     // An acknowledgement of nothing in particular is no answer to a read.
     m_wire->script = {nodeFrame(DTS::PostMotorDirection, node, bytes({0}))};
-    QCOMPARE(run(new SetEndLimitsTask(1, 1, 50, m_motor.data()), &text), Job::TaskFailedError);
+    QCOMPARE(runTask(new SetEndLimitsTask(1, 1, 50, m_motor.data()), &text), Job::TaskFailedError);
     QCOMPARE(text, QStringLiteral("Unexpected reply(32)"));
     QCOMPARE(m_wire->sentOf(DTS::GetMotorLimits).size(), 1);
 }
@@ -457,7 +430,7 @@ void tst_MotorTasks::rampGraph()
     job.setSoftStartValue(40);
     job.setSoftStopStatus(stop);
     job.setSoftStopValue(60);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(rampRequests(), requests);
 
     const bool stopOn = ramps == 0 ? start : stop;
@@ -472,7 +445,7 @@ void tst_MotorTasks::rampGraph()
     // A refusal part-way stops the graph there.
     m_wire->sent.clear();
     m_sim->setForcedNack(DTS::NackBusy);
-    QCOMPARE(run(job), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(job.errorString(), QStringLiteral("Nack(%1)").arg(DTS::toString(DTS::NackBusy)));
     QCOMPARE(rampRequests().size(), 1);
 }
@@ -489,7 +462,7 @@ void tst_MotorTasks::factoryDefault()
 {
     QFETCH(int, function);
     for (Job* read : QList<Job*>{new GetDirectionJob(this), new GetEndLimitsJob(this), new GetMotorIpsJob(this)})
-        QCOMPARE(run(*read), Job::NoError);
+        QCOMPARE(runJob(*m_worker, *read), Job::NoError);
     MotorConfigData local = motor()->localMotorConfig();
     local.data().ips = motor()->proxyMotorConfig().getConstData().ips; // not seeded: slots 4.. are unset
     motor()->updateLocalMotorConfig(local);
@@ -497,7 +470,7 @@ void tst_MotorTasks::factoryDefault()
 
     SetFactoryDefaultJob job;
     job.setCommand(function);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     const MotorConfigDataData& after = motor()->localMotorConfig().getConstData();
     if (function == DTSMotor::FactoryIPs) {
         QCOMPARE(after.ips.size(), 16);
@@ -531,7 +504,7 @@ void tst_MotorTasks::motorIps()
             m_sim->setSilent(true);
     });
     GetMotorIpsJob job;
-    const QList<MotorConfigDataData::MotorIp> ips = [&] { run(job); return motor()->proxyMotorConfig().getConstData().ips; }();
+    const QList<MotorConfigDataData::MotorIp> ips = [&] { runJob(*m_worker, job); return motor()->proxyMotorConfig().getConstData().ips; }();
     QCOMPARE(ips.size(), silentAt < 0 ? 16 : silentAt);
     for (int i = 0; i < ips.size(); ++i) {
         QCOMPARE(ips.at(i).pulse, m_sim->ip(i).pulse);
@@ -552,7 +525,7 @@ void tst_MotorTasks::setMotorIp()
     job.setIpIndex(5);
     job.setFunction(DTSMotor::IPSetPercent);
     job.setValue(50);
-    QCOMPARE(run(job), Job::NoError);
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(m_wire->sentOf(DTS::SetMotorIP).value(0).payload(), bytes({3, 5, 0, 50}));
     QCOMPARE(m_wire->sentOf(DTS::GetMotorIP).value(0).payload(), bytes({5}));
     QCOMPARE(m_sim->ip(5).pulse, quint16(600));
@@ -566,7 +539,7 @@ void tst_MotorTasks::setMotorIp()
 
     // A refused write sends no read.
     job.setIpIndex(16);
-    QCOMPARE(run(job), Job::TaskFailedError);
+    QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(m_wire->sentOf(DTS::GetMotorIP).size(), 1);
 }
 
@@ -582,11 +555,11 @@ void tst_MotorTasks::moveObservedInSimulatedTime()
     MotorControlJob move;
     move.setCommand(MotorControlTask::ToPercent);
     move.setValue(100);
-    QCOMPARE(run(move), Job::NoError);
+    QCOMPARE(runJob(*m_worker, move), Job::NoError);
     QList<int> seen;
     GetPositionJob position;
     while (seen.size() < 1000 && (seen.isEmpty() || seen.last() != 1100)) {
-        QCOMPARE(run(position), Job::NoError);
+        QCOMPARE(runJob(*m_worker, position), Job::NoError);
         seen.append(motor()->proxyRuntime().getConstData().posPulse);
     }
     QCOMPARE(seen.last(), 1100);

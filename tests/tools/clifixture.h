@@ -12,33 +12,49 @@
 
 namespace CliFixture {
 
+/// Device `i`'s result in a run's JSON document.
+inline QJsonObject result(const QByteArray& out, int i = 0)
+{
+    return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(i).toObject();
+}
+
 struct Result
 {
     int code = -1;
     QByteArray out;
     QByteArray err;
+    /// The run's JSON document.
+    QJsonObject doc() const { return QJsonDocument::fromJson(out).object(); }
+    /// Device `i`'s result in it.
+    QJsonObject result(int i = 0) const { return CliFixture::result(out, i); }
 };
 
-/// Runs vrnconfig (with `--timeout timeoutMs` first) on the settings and
-/// registry under `home`; waits for its end.
-inline Result run(const QTemporaryDir& home, const QStringList& args, int timeoutMs = 200)
+/// Starts vrnconfig (with `--timeout timeoutMs` first) on the settings and
+/// registry under `home`.
+inline void start(QProcess& p, const QTemporaryDir& home, const QStringList& args, int timeoutMs = 200)
 {
-    QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
     p.setProcessEnvironment(env);
     p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QString::number(timeoutMs)} + args);
-    if (!p.waitForFinished(30000))
+}
+
+/// Waits for the end of a run started with start(); a run that does not end is killed.
+inline Result finished(QProcess& p, int ms = 60000)
+{
+    if (!p.waitForFinished(ms))
         p.kill();
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
             p.readAllStandardError()};
 }
 
-/// Device `i`'s result in a run's JSON document.
-inline QJsonObject result(const QByteArray& out, int i = 0)
+/// Runs vrnconfig on the settings and registry under `home`; waits for its end.
+inline Result run(const QTemporaryDir& home, const QStringList& args, int timeoutMs = 200)
 {
-    return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().at(i).toObject();
+    QProcess p;
+    start(p, home, args, timeoutMs);
+    return finished(p);
 }
 
 /// Starts vrnsim on multicast `groupPort` with `options`; the bus identifier
@@ -49,6 +65,13 @@ inline QString startSim(QProcess& sim, const QString& groupPort, const QStringLi
     if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(5000))
         return QString();
     return QString::fromLatin1(sim.readLine()).trimmed();
+}
+
+/// Ends a simulator started with startSim().
+inline void stopSim(QProcess& sim)
+{
+    sim.terminate();
+    sim.waitForFinished(5000);
 }
 
 } // namespace CliFixture

@@ -1,81 +1,35 @@
 // vrnconfig end to end: simulators on their own multicast groups, the tool
 // run as a user would, settings and registries in a temporary folder.
 
+#include "clifixture.h"
+
 #include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <unistd.h>
+
+using namespace CliFixture;
 
 class TstVrnConfig : public QObject
 {
     Q_OBJECT
 
-    struct Result
-    {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-        QJsonObject doc() const { return QJsonDocument::fromJson(out).object(); }
-        // One device's result in a run's document.
-        QJsonObject result(int i = 0) const { return doc().value(QStringLiteral("results")).toArray().at(i).toObject(); }
-    };
-
     QTemporaryDir m_home;
     QProcess m_sim;
     QString m_bus;
 
-    void start(QProcess& p, const QStringList& args)
-    {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-        p.setProcessEnvironment(env);
-        p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QStringLiteral("200")} + args);
-    }
-
-    Result finished(QProcess& p, int ms = 60000)
-    {
-        if (!p.waitForFinished(ms))
-            p.kill();
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(), p.readAllStandardError()};
-    }
-
-    Result run(const QStringList& args)
-    {
-        QProcess p;
-        start(p, args);
-        return finished(p);
-    }
+    void start(QProcess& p, const QStringList& args) { CliFixture::start(p, m_home, args); }
+    Result run(const QStringList& args) { return CliFixture::run(m_home, args); }
     Result run(const QString& line) { return run(line.split(QLatin1Char(' '))); }
-
-    // A simulator on `group:port`; its bus identifier, or empty.
-    static QString startSim(QProcess& sim, const QString& where, const QStringList& options)
-    {
-        sim.start(qEnvironmentVariable("VRNSIM"), QStringList{QStringLiteral("--mcast"), where} + options);
-        if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(5000))
-            return QString();
-        return QString::fromLatin1(sim.readLine()).trimmed();
-    }
 
     // The registry file the tool keeps for the first simulator's bus.
     QString registryOfFirstBus() const
     {
         return QDir(m_home.filePath(QStringLiteral("data/Velmo/vrnconfig")))
             .entryInfoList({QStringLiteral("devices-mcast_239.255.77.3_*")}).value(0).filePath();
-    }
-
-    static void stopSim(QProcess& sim)
-    {
-        sim.terminate();
-        sim.waitForFinished(5000);
     }
 
 private slots:
