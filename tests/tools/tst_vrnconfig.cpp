@@ -28,7 +28,7 @@ class TstVrnConfig : public QObject
     // The registry file the tool keeps for the first simulator's bus.
     QString registryOfFirstBus() const
     {
-        return QDir(m_home.filePath(QStringLiteral("data/Velmo/vrnconfig")))
+        return QDir(m_home.filePath(QStringLiteral("data/Velmo/VRNConfigTool")))
             .entryInfoList({QStringLiteral("devices-mcast_239.255.77.3_*")}).value(0).filePath();
     }
 

@@ -56,12 +56,15 @@ bool labelFits(const QString& label, QString& why)
     return why.isEmpty();
 }
 
-// Keeps what the device said in the registry, so `list` shows it.
-bool storeLabel(DeviceRun& run, QString& error)
+// Keeps the label in the registry, so `list` shows it: the one written, or
+// the one the device reported.
+bool storeLabel(DeviceRun& run, QString& error, bool read = false)
 {
-    if (ObjectFactory::instance()->save(run.object.data()))
+    ObjectFactory* registry = ObjectFactory::instance();
+    if (read ? registry->storeLabelRead(run.object.data()) : registry->save(run.object.data()))
         return true;
-    error = Cli::tr("the registry did not store the label");
+    error = registry->lastError().isEmpty() ? Cli::tr("the registry did not store the label")
+                                            : Cli::tr("the registry did not store the label: %1").arg(registry->lastError());
     return false;
 }
 
@@ -176,7 +179,7 @@ bool readLabel(DeviceRun& run, QString& error)
 {
     run.line = QString::fromUtf8(run.device->proxyStdConfig().getConstData().label);
     run.result.insert(QStringLiteral("label"), run.line);
-    return storeLabel(run, error);
+    return storeLabel(run, error, true);
 }
 
 namespace {

@@ -90,11 +90,19 @@ public:
     static bool checkMCastUuid(const QString& uuid, QString& error);
     static QString hex(quint32 value, int width);
 
+    /// True, and the run ended with one line, when the registry is read-only
+    /// (for commands that change it).
+    bool refuseReadOnly();
+    /// Why a registry write failed during the run, empty when none did.
+    QString registryError() const { return m_registryError; }
+
 Q_SIGNALS:
     void done(int exitCode);
 
 private:
     bool openDatabase(const QString& busUuid);
+    /// Removes the registry file this run created while it is still empty.
+    void discardNewRegistry();
     void printHelp(const QString& command);
     void watchInterrupts();
 
@@ -103,6 +111,9 @@ private:
     Output m_output;
     QString m_busUuid;
     QString m_dbFile;
+    QString m_registryPath;
+    bool m_registryCreated = false;
+    QString m_registryError;
     int m_timeout = -1;
     int m_retries = 2;
     int m_exit = Ok;
