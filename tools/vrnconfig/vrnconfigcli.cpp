@@ -76,8 +76,10 @@ const char TrailerText[] =
 VrnConfigCli::VrnConfigCli(QObject* parent) : QObject(parent)
 {
     CommandFamily::registerAll(m_registry);
-    // "set ... all" asks first; --yes answers.
-    m_registry.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("set")});
+    // Writes, moves and resets of more than one device ask first; --yes answers.
+    m_registry.addOption(QCommandLineOption(QStringLiteral("yes")),
+                         {QStringLiteral("set"), QStringLiteral("move"), QStringLiteral("reset"), QStringLiteral("group"),
+                          QStringLiteral("firmware")});
 }
 
 VrnConfigCli::~VrnConfigCli()
@@ -177,6 +179,13 @@ bool VrnConfigCli::start(const QStringList& given)
     if (name == QLatin1String("set") && args.value(0) == QLatin1String("all")
         && !confirm(tr("Change %1 of every device in the registry").arg(command->subject)))
         return false;
+    // Any other selection of more than one device asks when it is resolved.
+    static const QStringList manyAsk{QStringLiteral("set"), QStringLiteral("move"), QStringLiteral("reset"),
+                                     QStringLiteral("forget"), QStringLiteral("group add"), QStringLiteral("group remove"),
+                                     QStringLiteral("firmware update"), QStringLiteral("firmware recover")};
+    if ((manyAsk.contains(name) || manyAsk.contains(name + QLatin1Char(' ') + command->subject))
+        && !((name == QLatin1String("set") || name == QLatin1String("forget")) && args.contains(QStringLiteral("all"))))
+        m_asking = (command->subject.isEmpty() ? name : name + QLatin1Char(' ') + command->subject);
     // A mistyped bus never gets a registry file of its own.
     if (!m_busUuid.isEmpty() && !checkBusUuid(m_busUuid))
         return false;
@@ -400,6 +409,21 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
                        "(and 'vrnconfig get groups all' to learn the groups)")
                         .arg(words.join(QLatin1Char(' '))));
         return false;
+    }
+    // A word such as type:std reaches more devices than it seems to: a
+    // change of more than one asks, naming how many and which kinds.
+    if (!m_asking.isEmpty() && uuids.size() > 1) {
+        QMap<QString, int> kinds;
+        for (VRNObject::UUID uuid : qAsConst(uuids))
+            if (const QSharedPointer<VRNObject> object = factory->object(uuid))
+                ++kinds[kindName(int(object->type()))];
+        QStringList parts;
+        for (auto it = kinds.cbegin(); it != kinds.cend(); ++it)
+            parts << QStringLiteral("%1 %2").arg(it.value()).arg(it.key());
+        const QString question = tr("%1 on %2 devices (%3)").arg(m_asking).arg(uuids.size()).arg(parts.join(QStringLiteral(", ")));
+        m_asking.clear();
+        if (!confirm(question))
+            return false;
     }
     return true;
 }

@@ -114,6 +114,8 @@ private:
     QString m_registryPath;
     bool m_registryCreated = false;
     QString m_registryError;
+    /// The command that asks before changing more than one device, until it asked.
+    QString m_asking;
     int m_timeout = -1;
     int m_retries = 2;
     int m_exit = Ok;
