@@ -835,6 +835,10 @@ bool ObjectFactory::switchRegistry(const QString& file, QString* error)
     emit registryChanged();
     if (old != name)
         QSqlDatabase::removeDatabase(old);
+    if (!ok) {
+        d->lastError = why;
+        emit writeFailed(why);
+    }
     return ok;
 }
 
