@@ -323,6 +323,13 @@ void discover(Cli& cli, const QStringList& args)
             });
     });
     const QString busUuid = BusFactory::instance()->busUUID();
+    // A device the registry cannot keep is lost to the report: the run ends
+    // at once with the registry's reason rather than waiting on every node.
+    QObject::connect(factory, &ObjectFactory::writeFailed, job, [&cli, job](const QString& why) {
+        cli.fail(Cli::Failed, Cli::tr("discovery stopped: %1").arg(why));
+        if (auto task = job->task())
+            task->abort();
+    });
     QObject::connect(job, &Job::finished, &cli, [&cli, job, before, watch, busUuid](Job::Error error) {
         cli.output().clearProgress();
         if (error != Job::NoError)
