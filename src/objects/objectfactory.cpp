@@ -396,6 +396,8 @@ bool ObjectFactoryPrivate::nodeListed(unsigned nodeID, int type, VRNObject::UUID
 ObjectFactory::ObjectFactory() : d_ptr(new ObjectFactoryPrivate(this))
 {
     VRNObject::registerMetaTypes();
+    // Lists of uuids and addresses reach QML (results, discovery) by this name.
+    qRegisterMetaType<QList<unsigned int>>("QList<uint>");
     d_ptr->init();
 }
 
