@@ -776,6 +776,10 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
         // writer waits its turn (the busy timeout) rather than failing.
         if (!readOnly && (!query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) || !query.next()))
             failed(tr("cannot open the device registry %1: %2"));
+        // With the log, NORMAL keeps the file whole through a power cut; only
+        // the last changes before it may be lost. A sync per device created
+        // would make discovery wait on the disk.
+        query.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
         QStringList tables;
         if (why.isEmpty()) {
             if (query.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))

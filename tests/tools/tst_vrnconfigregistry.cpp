@@ -99,6 +99,12 @@ private slots:
         QCOMPARE(rows(r).size(), 7);
         for (const QJsonValue& v : rows(r))
             QCOMPARE(v.toObject().value(QStringLiteral("nbOccur")).toInt(), 1);
+
+        // A setting tool on a line of its own, listed by hand, once.
+        r = on(file, busSingle, {QStringLiteral("add"), QStringLiteral("node:0x7000"), QStringLiteral("--kind"), QStringLiteral("settingtool")});
+        QCOMPARE(r.doc().value(QStringLiteral("type")).toInt(), 7);
+        QCOMPARE(on(file, busSingle, {QStringLiteral("add"), QStringLiteral("node:0x7000"), QStringLiteral("--kind"), QStringLiteral("settingtool")}).code, 1);
+        QCOMPARE(rows(on(file, busSingle, {QStringLiteral("list")})).size(), 8);
     }
 
     // Four tools write one registry at once while it is open beside them:

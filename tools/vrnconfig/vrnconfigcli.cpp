@@ -320,19 +320,35 @@ const QList<QPair<QString, VRNObject::Type>>& kindNames()
     return names;
 }
 
-// A kind and every kind whose class is built on it ("motor" holds the DC
-// motors too), as the job bindings see them.
-QList<VRNObject::Type> kindAndDerived(const QString& word, bool& ok)
+} // namespace
+
+bool VrnConfigCli::parseKind(const QString& word, VRNObject::Type& kind)
 {
-    ok = false;
-    VRNObject::Type kind = VRNObject::VRNObj;
     for (const auto& name : kindNames()) {
         if (word.compare(name.first, Qt::CaseInsensitive) == 0
             || word.compare(VRNObject::typeToString(name.second), Qt::CaseInsensitive) == 0) {
             kind = name.second;
-            ok = true;
+            return true;
         }
     }
+    return false;
+}
+
+QString VrnConfigCli::kindWords()
+{
+    QStringList names;
+    for (const auto& name : kindNames())
+        names << name.first;
+    return names.join(QStringLiteral(", "));
+}
+
+namespace {
+// A kind and every kind whose class is built on it ("motor" holds the DC
+// motors too), as the job bindings see them.
+QList<VRNObject::Type> kindAndDerived(const QString& word, bool& ok)
+{
+    VRNObject::Type kind = VRNObject::VRNObj;
+    ok = VrnConfigCli::parseKind(word, kind);
     QList<VRNObject::Type> kinds;
     const QMetaObject* base = ok ? VRNObject::typeToMetaObject(kind) : nullptr;
     for (const auto& name : kindNames()) {
@@ -378,10 +394,7 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
             bool ok = false;
             const QList<VRNObject::Type> kinds = kindAndDerived(word.mid(5), ok);
             if (!ok) {
-                QStringList names;
-                for (const auto& name : kindNames())
-                    names << name.first;
-                fail(Usage, tr("unknown device kind: %1 (one of %2)").arg(word.mid(5), names.join(QStringLiteral(", "))));
+                fail(Usage, tr("unknown device kind: %1 (one of %2)").arg(word.mid(5), kindWords()));
                 return false;
             }
             ObjectSelectionModel selection(factory->database());

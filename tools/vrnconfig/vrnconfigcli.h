@@ -82,6 +82,10 @@ public:
     /// A device kind as a person names it ("DC motor"); JSON carries the
     /// enum key (`VRNObject::typeToString`) and the number beside it.
     static QString kindName(int type);
+    /// A kind as the tool's words name it ("dcmotor") or by its enum key.
+    static bool parseKind(const QString& word, VRNObject::Type& kind);
+    /// The kind words, for messages.
+    static QString kindWords();
     /// The registry file of a bus when --db is not given: one per bus, in
     /// the user's data folder, named from the bus identifier.
     static QString registryFile(const QString& dataFolder, const QString& busUuid);
