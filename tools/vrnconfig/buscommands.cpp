@@ -222,65 +222,58 @@ void report(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates, con
         cli.output().note(QStringLiteral("vrnconfig: ") + hint);
 }
 
-// Reads the label of every device found, so the registry lists them at once,
-// then reports.
-void readLabels(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch> watch, const QString& bus, int answered)
+// Runs one job quietly on every device found (not the missing ones); `then`
+// gets each device's result by uuid.
+void readFound(Cli& cli, const QList<Found>& devices, const DeviceRunner::JobFactory& make,
+               const DeviceRunner::ValueReader& read, std::function<void(const QHash<qint64, QJsonObject>&)> then)
 {
     QList<VRNObject::UUID> uuids;
-    for (const Found& f : qAsConst(devices))
+    for (const Found& f : devices)
         if (f.status != QLatin1String("missing"))
             uuids << f.uuid;
     auto runner = new DeviceRunner(cli);
     runner->setQuiet(true);
-    QObject::connect(runner, &DeviceRunner::finished, &cli, [&cli, runner, devices, watch, bus, answered]() mutable {
+    QObject::connect(runner, &DeviceRunner::finished, &cli, [runner, then] {
         QHash<qint64, QJsonObject> results;
         for (const QJsonObject& r : runner->results())
             results.insert(r.value(QStringLiteral("uuid")).toVariant().toLongLong(), r);
-        for (Found& f : devices) {
-            if (!results.contains(f.uuid))
-                continue;
-            const QJsonObject r = results.value(f.uuid);
-            if (r.value(QStringLiteral("ok")).toBool())
-                f.label = r.value(QStringLiteral("label")).toString();
-            else
-                f.labelError = r.value(QStringLiteral("error")).toString();
-        }
-        // A number that more devices answer to keeps a row per device, so
-        // the registry shows it (nbOccur) until a discovery sees it once.
+        then(results);
+    });
+    runner->runJobs(uuids, make, read);
+}
+
+// Reads the label of every device found, so the registry lists them at once,
+// keeps a row per device of a duplicated number, then reports.
+void readLabels(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch> watch, const QString& bus, int answered)
+{
+    readFound(cli, devices, [](VRNStdObject&) { return new GetLabelJob; }, readLabel,
+              [&cli, devices, watch, bus, answered](const QHash<qint64, QJsonObject>& results) mutable {
         ObjectFactory* factory = ObjectFactory::instance();
         for (Found& f : devices) {
+            if (results.contains(f.uuid)) {
+                const QJsonObject r = results.value(f.uuid);
+                if (r.value(QStringLiteral("ok")).toBool())
+                    f.label = r.value(QStringLiteral("label")).toString();
+                else
+                    f.labelError = r.value(QStringLiteral("error")).toString();
+            }
             if (f.status == QLatin1String("missing"))
                 continue;
+            // A number that more devices answer to keeps a row per device, so
+            // the registry shows it (nbOccur) until a discovery sees it once.
             f.duplicate = watch->duplicates.contains(f.node);
             factory->setOccurrences(f.node, VRNObject::Type(f.type), watch->occurrences(f.node));
         }
         report(cli, devices, watch->duplicates, bus, answered);
         cli.finish();
     });
-    runner->runJobs(uuids, [](VRNStdObject&) { return new GetLabelJob; }, readLabel);
 }
 
 // Reads the serial number of every device found into the registry, then
 // the labels.
 void readSerials(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch> watch, const QString& bus, int answered)
 {
-    QList<VRNObject::UUID> uuids;
-    for (const Found& f : qAsConst(devices))
-        if (f.status != QLatin1String("missing"))
-            uuids << f.uuid;
-    auto runner = new DeviceRunner(cli);
-    runner->setQuiet(true);
-    QObject::connect(runner, &DeviceRunner::finished, &cli, [&cli, runner, devices, watch, bus, answered]() mutable {
-        QHash<qint64, QString> serials;
-        for (const QJsonObject& r : runner->results())
-            if (r.value(QStringLiteral("ok")).toBool())
-                serials.insert(r.value(QStringLiteral("uuid")).toVariant().toLongLong(), r.value(QStringLiteral("serialNumber")).toString());
-        for (Found& f : devices)
-            if (serials.contains(f.uuid))
-                f.serial = serials.value(f.uuid);
-        readLabels(cli, devices, watch, bus, answered);
-    });
-    runner->runJobs(uuids, [](VRNStdObject&) { return new GetSerialNumberJob; }, [](DeviceRun& run, QString& error) {
+    auto read = [](DeviceRun& run, QString& error) {
         const QByteArray serial = run.device->proxyStdConfig().getConstData().serialNumber;
         run.result.insert(QStringLiteral("serialNumber"), QString::fromLatin1(serial));
         // Written by a statement of its own: save() never writes it.
@@ -288,6 +281,13 @@ void readSerials(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch>
             return true;
         error = ObjectFactory::instance()->lastError();
         return false;
+    };
+    readFound(cli, devices, [](VRNStdObject&) { return new GetSerialNumberJob; }, read,
+              [&cli, devices, watch, bus, answered](const QHash<qint64, QJsonObject>& results) mutable {
+        for (Found& f : devices)
+            if (results.value(f.uuid).value(QStringLiteral("ok")).toBool())
+                f.serial = results.value(f.uuid).value(QStringLiteral("serialNumber")).toString();
+        readLabels(cli, devices, watch, bus, answered);
     });
 }
 
