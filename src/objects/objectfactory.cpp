@@ -785,6 +785,9 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
         // instead, so the list stays as quick as one held in memory.
         query.exec(QStringLiteral("PRAGMA mmap_size=268435456"));
         query.exec(QStringLiteral("PRAGMA cache_size=-16384"));
+        // The list views and selections are temporary tables of the
+        // connection: kept in memory, as with a registry held in memory.
+        query.exec(QStringLiteral("PRAGMA temp_store=MEMORY"));
         QStringList tables;
         if (why.isEmpty()) {
             if (query.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
