@@ -83,6 +83,14 @@ ApplicationWindow {
                 text: BusFactory.busUUID !== "" ? qsTr("Bus: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
             }
             Label {
+                objectName: "registryStatus"
+                text: ObjectFactory.registryPath !== ""
+                      ? qsTr("Registry: %1%2").arg(ObjectFactory.registryPath).arg(ObjectFactory.readOnly ? qsTr(" (read-only)") : "")
+                      : qsTr("Registry: in memory")
+                elide: Text.ElideMiddle
+                Layout.maximumWidth: 420
+            }
+            Label {
                 objectName: "statusMessage"
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignRight
@@ -97,6 +105,10 @@ ApplicationWindow {
     Connections {
         target: BusFactory
         function onError(error) { window.showMessage(error, true) }
+    }
+    Connections {
+        target: ObjectFactory
+        function onWriteFailed(error) { window.showMessage(error, true) }
     }
 
     Component.onCompleted: {
