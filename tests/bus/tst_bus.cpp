@@ -162,7 +162,8 @@ void tst_Bus::broadcastCollectsEveryReplyInWindow()
     answerEach([&](const VRNMessage&) {
         bus->inject("\x01\x02"); // garbage is not a reply
         for (int n = 1; n <= nodes; ++n) {
-            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            const QByteArray frame = group ? reply(0x100 + quint32(n), "label")
+                                           : reply(0x100 + quint32(n), QByteArray(), DTS::PostNodeAddr);
             sent.append(BusMessage(frame));
             // Replies straggle in while the window is open.
             QTimer::singleShot(n, bus, [this, frame] { bus->inject(frame); });
@@ -187,7 +188,7 @@ void tst_Bus::broadcastEndsWhenTheLineStaysQuiet()
     QList<BusMessage> sent;
     answerEach([&](const VRNMessage&) {
         for (int n = 1; n <= 4; ++n) {
-            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            const QByteArray frame = reply(0x100 + quint32(n), QByteArray(), DTS::PostNodeAddr);
             sent.append(BusMessage(frame));
             QTimer::singleShot(n * 30, bus, [this, frame] { bus->inject(frame); });
         }
@@ -211,7 +212,7 @@ void tst_Bus::callsGoOutOneAtATimeInSubmissionOrder()
             bus->inject(reply(node));
         });
     });
-    const QList<quint32> nodes{5, 3, 9, 1};
+    const QList<quint32> nodes{0x105, 0x103, 0x109, 0x101};
     for (quint32 node : nodes) {
         Watched& w = watch(bus->call(request(node)));
         connect(&w.watcher, &BusPendingCallWatcher::finished, this,
@@ -242,7 +243,7 @@ void tst_Bus::waitingCallsEndOnceWhenBusGoes()
     QFETCH(bool, destroy);
     bus->setTimeout(5000); // ends by the bus going, not by the clock
     QList<BusPendingCall> calls;
-    for (quint32 node = 1; node <= 3; ++node) {
+    for (quint32 node = 0x101; node <= 0x103; ++node) {
         calls.append(bus->call(request(node)));
         watch(calls.last());
     }
@@ -273,7 +274,7 @@ void tst_Bus::waitingCallsEndOnceWhenBusGoes()
 void tst_Bus::callOnClosedBusEndsFromEventLoop()
 {
     bus->close();
-    const BusPendingCall call = bus->call(request(1));
+    const BusPendingCall call = bus->call(request(0x101));
     Watched& w = watch(call);
     QVERIFY(!call.isFinished());
     QCOMPARE(w.spy.count(), 0);
@@ -286,7 +287,7 @@ void tst_Bus::callOnClosedBusEndsFromEventLoop()
     // A bus opened again carries calls again.
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     QVERIFY(bus->open());
-    Watched& again = watch(bus->call(request(1)));
+    Watched& again = watch(bus->call(request(0x101)));
     QTRY_COMPARE(again.spy.count(), 1);
     QCOMPARE(again.watcher.error(), BusPendingCall::NoError);
 }
@@ -294,7 +295,7 @@ void tst_Bus::callOnClosedBusEndsFromEventLoop()
 void tst_Bus::cancel()
 {
     bus->setTimeout(5000);
-    BusPendingCall onWire = bus->call(request(1));
+    BusPendingCall onWire = bus->call(request(0x101));
     BusPendingCall waiting = bus->call(request(2));
     BusPendingCall last = bus->call(request(3));
     Watched& wOnWire = watch(onWire);
@@ -328,7 +329,7 @@ void tst_Bus::writeFailureEndsCallAndNextGoes()
 {
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     bus->refuse = true;
-    Watched& refused = watch(bus->call(request(1)));
+    Watched& refused = watch(bus->call(request(0x101)));
     Watched& second = watch(bus->call(request(2)));
     QTRY_COMPARE(refused.spy.count(), 1);
     QCOMPARE(refused.watcher.error(), BusPendingCall::WriteError);
@@ -357,7 +358,7 @@ void tst_Bus::watcherReportsOncePerWatchedCall()
     // A call replaced before it reported never reports here.
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     spy.clear();
-    const BusPendingCall first = bus->call(request(1));
+    const BusPendingCall first = bus->call(request(0x101));
     watcher = first;
     const BusPendingCall second = BusPendingCall::fromError(BusPendingCall::TimeoutError);
     watcher = second;
