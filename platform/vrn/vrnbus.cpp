@@ -232,8 +232,11 @@ bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
 
 QString VRNBus::refusal(const BusMessage& request) const
 {
+    // A request that wants an acknowledgement is meant for one node, even
+    // when its destination is the broadcast number.
     const VRNMessage call(request);
-    if (call.dstType() != VRN::AddrNode || !VRN::isReservedNumber(call.dstAddr()))
+    const bool toOne = call.dstType() == VRN::AddrNode || (call.ack() && call.dstType() == VRN::AddrBroadcast);
+    if (!toOne || !VRN::isReservedNumber(call.dstAddr()))
         return QString();
     return tr("request 0x%1 to node 0x%2 refused: the number is reserved (broadcast, tool or none), "
               "never a device's")
