@@ -68,7 +68,8 @@ FirmwareTask::FirmwareTask(QObject* object, const Job& job, QObject* parent, Fir
     });
     connect(d->retry, &StateRetry::failed, this, [this, d](const QString& text) {
         if (d->side == FirmwareTaskPrivate::BootloaderProbe) {
-            giveUp(d->probeReason); // the probe went unanswered too
+            // The probe went unanswered too (or was the first request).
+            giveUp(d->probeReason.isEmpty() ? text : d->probeReason);
             return;
         }
         if (d->lastCallError == BusPendingCall::TimeoutError) {
@@ -122,6 +123,11 @@ int FirmwareTask::nodeType() const
 }
 
 bool FirmwareTask::readsVersionFirst() const
+{
+    return false;
+}
+
+bool FirmwareTask::probesFirst() const
 {
     return false;
 }
@@ -213,9 +219,12 @@ void FirmwareTask::start()
     }
     d->clock.start();
     setProgress(0, d->manifest.blockCount());
-    if (readsVersionFirst()) {
+    d->versionProxy.reset(new DTSUpdateProxy(nodeAddress(), nodeBus()));
+    if (probesFirst()) {
+        d->side = FirmwareTaskPrivate::BootloaderProbe;
+        d->probe.reset(new MotorBL(nodeAddress(), nodeBus()));
+    } else if (readsVersionFirst()) {
         d->side = FirmwareTaskPrivate::VersionBefore;
-        d->versionProxy.reset(new DTSUpdateProxy(nodeAddress(), nodeBus()));
     } else {
         d->side = FirmwareTaskPrivate::Protocol;
         begin();
@@ -357,12 +366,29 @@ void FirmwareTask::onProbe(const VRNMessage& reply)
     MotorBL::Status status = MotorBL::Ok;
     quint32 value = 0;
     // A refusal is an application answering; a bootloader status without a
-    // verified image means the node waits there.
+    // verified image means the node waits there (with one, it has just
+    // left for it).
     if (reply.cmd() == DTS::BlPostStatus && d->probe->statusReply(reply, status, value))
         setInBootloader(status == MotorBL::NoImage);
     else if (reply.cmd() == DTS::Nack)
         setInBootloader(false);
-    giveUp(d->probeReason);
+    else if (d->probeReason.isEmpty()) {
+        failUnexpected(reply);
+        return;
+    }
+    if (!d->probeReason.isEmpty()) {
+        giveUp(d->probeReason);
+        return;
+    }
+    // The first request: an application tells its version first, so that
+    // a healthy node is updated by the same rules as the standard update.
+    if (d->inBootloader) {
+        d->side = FirmwareTaskPrivate::Protocol;
+        begin();
+    } else {
+        d->side = FirmwareTaskPrivate::VersionBefore;
+    }
+    advance();
 }
 
 void FirmwareTask::skip(const QString& reason)

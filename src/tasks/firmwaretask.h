@@ -19,7 +19,8 @@ class FirmwareTaskPrivate;
 ///   before the first frame is sent; a package that fails is refused with
 ///   one line and nothing is sent. Keys come from the job property "keyFile"
 ///   or the setting "firmwareKeyFile".
-/// - the device's version first (tasks that `readsVersionFirst()`): the
+/// - the device's version first (tasks that `readsVersionFirst()`, and the
+///   bootloader update on a node whose application answers the probe): the
 ///   node must answer from the node type the package names; a device that
 ///   already runs the package's version is skipped unless the job property
 ///   "force" is set; a package older than the device's firmware is refused
@@ -89,6 +90,10 @@ protected:
     /// True when the device's version is read (and compared with the
     /// package's) before `begin()`; false by default.
     virtual bool readsVersionFirst() const;
+    /// True when the first request is the bootloader probe: a node that
+    /// waits in its bootloader begins at once, an application reads its
+    /// version first; false by default.
+    virtual bool probesFirst() const;
     quint8 expectedReply() const final;
     bool takesNack(const VRNMessage& reply) const override;
     /// The node now waits in its bootloader (or has left it): failures

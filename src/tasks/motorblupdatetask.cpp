@@ -84,6 +84,11 @@ quint8 MotorBLUpdateTask::protocolReply() const
     return DTS::BlPostStatus;
 }
 
+bool MotorBLUpdateTask::probesFirst() const
+{
+    return true;
+}
+
 bool MotorBLUpdateTask::takesNack(const VRNMessage& reply) const
 {
     return FirmwareTask::takesNack(reply)

@@ -10,7 +10,9 @@ class MotorBLUpdateTaskPrivate;
 /// the bootloader after a power loss in the middle of an update (it answers
 /// nothing else), or to force an update. Runs the steps of `MotorBLStates`
 /// with the bootloader's own frames (`MotorBL`); package, retries and
-/// progress as `FirmwareTask` says. Motors and standard nodes share the
+/// progress as `FirmwareTask` says: a node that still runs its application
+/// tells its version first and is skipped or refused by the same rules as
+/// the standard update. Motors and standard nodes share the
 /// bootloader, so the task works on any standard node.
 ///
 /// A write the node refuses as damaged is sent again (a retry); a write
@@ -37,6 +39,7 @@ protected:
     const QMetaObject& objectClass() const override;
     void begin() override;
     void resend() override;
+    bool probesFirst() const override;
     bool takesNack(const VRNMessage& reply) const override;
     void onReply(const VRNMessage& reply) override;
     quint8 protocolReply() const override;
