@@ -127,8 +127,16 @@ private slots:
             QVERIFY2(r.out.contains(hint), r.out.constData());
         }
         QVERIFY2(r.out.contains("report: 0 updated, 0 skipped, 2 failed, 0 recovered"), r.out.constData());
-        // In its bootloader the node answers nothing else.
+        // In its bootloader the node answers nothing else; discovery says where it is.
         QCOMPARE(run(QStringLiteral("get version node:0x100")).code, 1);
+        r = run(QStringLiteral("discover --json"));
+        QCOMPARE(r.code, 0);
+        QStringList waiting;
+        for (const QJsonValue& v : QJsonDocument::fromJson(r.out).object().value(QStringLiteral("devices")).toArray()) {
+            if (v.toObject().value(QStringLiteral("status")).toString() == QLatin1String("in bootloader"))
+                waiting << v.toObject().value(QStringLiteral("node")).toString();
+        }
+        QCOMPARE(waiting, (QStringList{QStringLiteral("0x000100"), QStringLiteral("0x000102")}));
 
         r = run(QStringLiteral("firmware recover node:0x100 node:0x102 --json"));
         QVERIFY2(r.code == 0, r.out.constData());
