@@ -3,6 +3,7 @@
 // the build folder (screenshots/).
 #include "appengine.h"
 #include "appfixture.h"
+#include "dts.h"
 #include "../firmware/firmwarefixture.h"
 
 #include "objectfactory.h"
@@ -31,6 +32,7 @@ private slots:
     void diagnostics();
     void firmware();
     void traffic();
+    void stopAllOnEscape();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -346,6 +348,20 @@ void tst_AppScreens::traffic()
     QTRY_VERIFY(traffic->property("count").toInt() < all);
     QVERIFY(traffic->property("count").toInt() > 0);
     save(QStringLiteral("traffic"));
+}
+
+// Escape, from whatever view, stops every motor with one broadcast frame.
+void tst_AppScreens::stopAllOnEscape()
+{
+    show("diagnostics");
+    QSignalSpy sent(m_network->bus.data(), &Bus::messageSent);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTRY_COMPARE(sent.count(), 1);
+    const VRNMessage frame(sent.first().first().value<BusMessage>());
+    QCOMPARE(frame.cmd(), quint8(DTS::CtrlStopAll));
+    QVERIFY(frame.isBroadcast());
+    QTest::qWait(50);
+    QCOMPARE(sent.count(), 1);
 }
 
 QTEST_MAIN(tst_AppScreens)
