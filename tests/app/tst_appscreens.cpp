@@ -3,6 +3,7 @@
 // the build folder (screenshots/).
 #include "appengine.h"
 #include "appfixture.h"
+#include "dts.h"
 #include "../firmware/firmwarefixture.h"
 
 #include "objectfactory.h"
@@ -31,6 +32,7 @@ private slots:
     void diagnostics();
     void firmware();
     void traffic();
+    void stopAllOnEscape();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -322,8 +324,15 @@ void tst_AppScreens::firmware()
     QVERIFY2(statuses.contains(QStringLiteral("UpdateFwJob: No firmware package fits this device")),
              qPrintable(statuses.join(QLatin1String(" / "))));
     // The motor that shares its node number with a standard node may be
-    // refused by the other node; every other motor is updated.
-    QVERIFY2(statuses.count(QStringLiteral("updated to 9.0.0")) >= 4, qPrintable(statuses.join(QLatin1String(" / "))));
+    // refused by the other node, a motor with inputs refuses a motor's
+    // package; every other motor is updated, and the summary counts them.
+    int updated = 0;
+    for (const QString& status : statuses)
+        updated += status.startsWith(QLatin1String("updated ")) && status.contains(QChar(0x2192) + QStringLiteral(" 9.0.0")) ? 1 : 0;
+    QVERIFY2(updated >= 3, qPrintable(statuses.join(QLatin1String(" / "))));
+    QVERIFY2(firmware->property("summary").toString().startsWith(QStringLiteral("%1 updated, 0 skipped, %2 failed")
+                                                                     .arg(updated).arg(6 - updated)),
+             qPrintable(firmware->property("summary").toString()));
     save(QStringLiteral("firmware-updated"));
 }
 
@@ -339,6 +348,20 @@ void tst_AppScreens::traffic()
     QTRY_VERIFY(traffic->property("count").toInt() < all);
     QVERIFY(traffic->property("count").toInt() > 0);
     save(QStringLiteral("traffic"));
+}
+
+// Escape, from whatever view, stops every motor with one broadcast frame.
+void tst_AppScreens::stopAllOnEscape()
+{
+    show("diagnostics");
+    QSignalSpy sent(m_network->bus.data(), &Bus::messageSent);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTRY_COMPARE(sent.count(), 1);
+    const VRNMessage frame(sent.first().first().value<BusMessage>());
+    QCOMPARE(frame.cmd(), quint8(DTS::CtrlStopAll));
+    QVERIFY(frame.isBroadcast());
+    QTest::qWait(50);
+    QCOMPARE(sent.count(), 1);
 }
 
 QTEST_MAIN(tst_AppScreens)

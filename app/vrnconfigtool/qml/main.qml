@@ -75,10 +75,34 @@ ApplicationWindow {
         TrafficView { id: trafficView }
     }
 
+    // Every motor stops with one frame, from any view: the button and Escape.
+    GroupControl {
+        id: stopControl
+        onSent: if (!ok) window.showMessage(qsTr("Stop all: %1").arg(error), true)
+    }
+    function stopAllMotors() {
+        if (stopControl.stopAll())
+            showMessage(qsTr("Stop sent to every motor"), false)
+        else
+            showMessage(qsTr("Stop all: %1").arg(stopControl.lastError), true)
+    }
+    Shortcut {
+        sequence: "Escape"
+        context: Qt.ApplicationShortcut
+        onActivated: window.stopAllMotors()
+    }
+
     footer: ToolBar {
         RowLayout {
             anchors.fill: parent
             anchors.leftMargin: 8
+            Button {
+                objectName: "stopAll"
+                text: qsTr("Stop all motors (Esc)")
+                palette.button: "firebrick"
+                palette.buttonText: "white"
+                onClicked: window.stopAllMotors()
+            }
             Label {
                 text: BusFactory.busUUID !== "" ? qsTr("Bus: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
             }
