@@ -2,6 +2,7 @@
 #include "networkconfiguration_p.h"
 
 #include "changelog.h"
+#include "changerecorder.h"
 #include "jsonschemavalidator.h"
 #include "readserialjob.h"
 
@@ -522,23 +523,8 @@ void NetworkConfigurationPrivate::writeDone(Device& d, QmlJob* job, const QStrin
         QTimer::singleShot(RetryDelayMs, q, [this, uuid = d.uuid] { runNextWrite(devices[uuid]); });
         return;
     }
+    // The change log has the write already (ChangeRecorder).
     const QString error = !stopped.isEmpty() ? stopped : job ? job->errorString() : QString();
-    for (const QString& field : w.fields) {
-        const auto it = std::find_if(d.differences.begin(), d.differences.end(),
-                                     [&](const NetworkConfiguration::Difference& x) { return x.field == field; });
-        ChangeLog::Entry e;
-        e.time = QDateTime::currentDateTimeUtc();
-        e.tool = ChangeLog::toolName();
-        e.uuid = d.uuid;
-        e.node = d.object ? (d.object->address() & 0xFFFFFF) : 0;
-        e.field = field;
-        if (it != d.differences.end()) {
-            e.oldValue = ChangeLog::text(it->device);
-            e.newValue = ChangeLog::text(it->document);
-        }
-        e.outcome = ok ? QStringLiteral("ok") : error;
-        ChangeLog::append(e);
-    }
     if (!ok) {
         d.failedFields << w.fields;
         d.errors << QStringLiteral("%1: %2").arg(w.fields.isEmpty() ? NetworkConfiguration::tr("read-back")
@@ -581,6 +567,7 @@ NetworkConfiguration::NetworkConfiguration(QObject* parent)
     : QObject(parent)
     , d_ptr(new NetworkConfigurationPrivate(this))
 {
+    ChangeRecorder::install();
 }
 
 NetworkConfiguration::~NetworkConfiguration() = default;

@@ -91,14 +91,19 @@ private slots:
         r = run({QStringLiteral("apply"), m_backup, QStringLiteral("--dry-run")});
         QCOMPARE(r.code, 0);
         QVERIFY(r.out.contains("/ips/5"));
+        const QString beforeApply = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
         r = run({QStringLiteral("apply"), m_backup, QStringLiteral("--yes")});
         QVERIFY2(r.code == 0, r.err.constData());
         QVERIFY2(r.out.trimmed() == "4 0x000101 ok", r.out.constData());
         r = run({QStringLiteral("diff"), m_backup});
         QVERIFY2(r.code == 0 && r.out.isEmpty(), r.out.constData());
 
-        // Each write is in the log, with the value before and after.
+        // Each write is in the log, the tool's own "set" commands too, with
+        // the value before and after.
         r = run({QStringLiteral("log"), QStringLiteral("node:0x101"), QStringLiteral("--json")});
+        QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 6);
+        r = run({QStringLiteral("log"), QStringLiteral("node:0x101"), QStringLiteral("--since"), beforeApply,
+                 QStringLiteral("--json")});
         const QJsonArray log = QJsonDocument::fromJson(r.out).array();
         QCOMPARE(log.size(), 3);
         QCOMPARE(log.at(0).toObject().value(QStringLiteral("old")).toString(), QStringLiteral("Elsewhere"));

@@ -1,4 +1,5 @@
 #include "busfactory.h"
+#include "changerecorder.h"
 #include "objectfactory.h"
 #include "settings.h"
 #include "vrnconfigcli.h"
@@ -34,6 +35,8 @@ int main(int argc, char** argv)
     // A tool number of this process's own (see PROTOCOL.md): replies to
     // another tool on the same bus are never taken for ours.
     VRN::setToolNumber(0xFE0000u + quint32(getpid()) % 0x10000u);
+    // Every write this tool makes goes to the registry's change log.
+    ChangeRecorder::install();
     VrnConfigCli cli;
     QObject::connect(&cli, &VrnConfigCli::done, &app, &QCoreApplication::exit, Qt::QueuedConnection);
     const int code = cli.start(app.arguments()) ? app.exec() : cli.exitCode();
