@@ -705,7 +705,7 @@ QList<NetworkConfiguration::Difference> NetworkConfiguration::compareEntries(con
 bool NetworkConfiguration::matchDevices(const NetworkDocument& document, QList<quint32>& uuids, QString& error)
 {
     uuids.clear();
-    QHash<quint32, QPair<quint32, int>> byNode;
+    QMultiHash<quint32, QPair<quint32, int>> byNode;
     QSqlQuery query(QSqlDatabase::database());
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("SELECT uuid, nodeID, type FROM Devices"))) {
@@ -717,11 +717,18 @@ bool NetworkConfiguration::matchDevices(const NetworkDocument& document, QList<q
     for (int i = 0; i < document.devices.size(); ++i) {
         const QJsonObject entry = document.devices.at(i);
         const quint32 node = entry.value(QStringLiteral("node")).toVariant().toUInt();
-        const auto found = byNode.value(node, {0u, -1});
         const QString kind = entry.value(QStringLiteral("kind")).toString();
-        if (found.first && NetworkDocument::kindKey(found.second) != kind) {
+        // The device of the entry's kind on its number; another kind there
+        // (and none of this one) means the document is not of this network.
+        QPair<quint32, int> found{0u, -1};
+        const auto there = byNode.values(node);
+        for (const auto& candidate : there) {
+            if (NetworkDocument::kindKey(candidate.second) == kind)
+                found = candidate;
+        }
+        if (!found.first && !there.isEmpty()) {
             error = tr("/devices/%1/kind: the document describes node %2 as %3, the bus has a %4 there")
-                        .arg(i).arg(node).arg(kind, NetworkDocument::kindKey(found.second));
+                        .arg(i).arg(node).arg(kind, NetworkDocument::kindKey(there.first().second));
             return false;
         }
         uuids << found.first;

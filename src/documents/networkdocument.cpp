@@ -154,12 +154,15 @@ bool NetworkDocument::fromJson(const QByteArray& bytes, NetworkDocument& documen
                 return false;
             }
         }
+        // Two devices may share a node number (a fault the registry keeps
+        // apart by kind); the same kind twice on one number is one device twice.
         const qint64 node = entry.value(QStringLiteral("node")).toVariant().toLongLong();
-        if (nodes.contains(node)) {
-            error = tr("%1/node: node %2 is already described by /devices/%3").arg(at).arg(node).arg(nodes.value(node));
+        const qint64 key = node | (qint64(type) << 32);
+        if (nodes.contains(key)) {
+            error = tr("%1/node: node %2 of this kind is already described by /devices/%3").arg(at).arg(node).arg(nodes.value(key));
             return false;
         }
-        nodes.insert(node, i);
+        nodes.insert(key, i);
         result.devices.append(entry);
     }
     document = result;
