@@ -110,6 +110,7 @@ bool NetworkConfigurationPrivate::begin(Mode m)
     if (mode != Idle)
         return false;
     mode = m;
+    ++generation;
     order.clear();
     // The previous operation's workers (and the records their objects hold)
     // stay until this one has taken its own.
@@ -169,7 +170,10 @@ void NetworkConfigurationPrivate::startReads(const QList<quint32>& uuids)
         Device& d = device(uuid);
         // Not in the registry, or a device that is no network node: nothing to read.
         if (d.jobsLeft == 0)
-            QTimer::singleShot(0, q, [this, uuid] { deviceRead(device(uuid)); });
+            QTimer::singleShot(0, q, [this, uuid, g = generation] {
+                if (g == generation)
+                    deviceRead(device(uuid));
+            });
     }
     for (const ReadSection& s : readSections()) {
         const QList<quint32>& members = byLevel[s.level];
@@ -188,7 +192,7 @@ void NetworkConfigurationPrivate::startReads(const QList<quint32>& uuids)
                 return;
             QObject::connect(task, &GroupTask::deviceDone, q_ptr, [this, task, name, make](unsigned int uuid) {
                 // The group's copy of the job tells how this device's run ended.
-                readDone(uuid, name, task->innerJob(), make, false);
+                readDone(uuid, name, task->innerJob(), make);
             });
         });
         QObject::connect(job, &Job::finished, q, [this, job] {
@@ -196,16 +200,18 @@ void NetworkConfigurationPrivate::startReads(const QList<quint32>& uuids)
             jobDone();
         });
         if (!group->queue()->enqueue(*job, 0)) {
+            --jobsLeft;
+            job->deleteLater();
             for (quint32 uuid : members)
-                readDone(uuid, name, nullptr, Make(), false);
+                readDone(uuid, name, nullptr, Make());
         }
     }
-    if (jobsLeft == 0)
-        QTimer::singleShot(0, q, [this] { end(); });
+    // Otherwise the last device (or the last job) ends the operation.
+    if (order.isEmpty() || jobsLeft == 0)
+        endLater();
 }
 
-void NetworkConfigurationPrivate::readDone(quint32 uuid, const QString& name, const QmlJob* job, const Make& make,
-                                           bool retried)
+void NetworkConfigurationPrivate::readDone(quint32 uuid, const QString& name, const QmlJob* job, const Make& make)
 {
     Q_Q(NetworkConfiguration);
     auto it = devices.find(uuid);
@@ -219,14 +225,14 @@ void NetworkConfigurationPrivate::readDone(quint32 uuid, const QString& name, co
         ++jobsLeft;
         QObject::connect(again, &Job::finished, q, [this, uuid, name, again, make] {
             again->deleteLater();
-            readDone(uuid, name, again, make, true);
+            readDone(uuid, name, again, make);
             jobDone();
         });
         QTimer::singleShot(RetryDelayMs, again, [this, uuid, name, again, worker = d.worker] {
             if (worker->queue()->enqueue(*again, 0))
                 return;
             again->deleteLater();
-            readDone(uuid, name, nullptr, Make(), true);
+            readDone(uuid, name, nullptr, Make());
             jobDone();
         });
         return;
@@ -237,7 +243,6 @@ void NetworkConfigurationPrivate::readDone(quint32 uuid, const QString& name, co
         d.read << name;
     else
         d.errors << QStringLiteral("%1: %2").arg(name, job ? job->errorString() : NetworkConfiguration::tr("not run"));
-    Q_UNUSED(retried)
     if (--d.jobsLeft == 0)
         deviceRead(d);
 }
@@ -278,7 +283,17 @@ void NetworkConfigurationPrivate::endDevice(Device& d, bool ok, const QString& e
     emit q->deviceFinished(d.uuid, ok, error);
     // An apply or a device without jobs ends with its last device.
     if ((mode == Apply || jobsLeft == 0) && results.size() == order.size())
-        QTimer::singleShot(0, q, [this] { end(); });
+        endLater();
+}
+
+void NetworkConfigurationPrivate::endLater()
+{
+    // Queued ends of an operation that has ended meanwhile (a replacement
+    // goes on with its writes) do nothing.
+    QTimer::singleShot(0, q_ptr, [this, g = generation] {
+        if (g == generation)
+            end();
+    });
 }
 
 void NetworkConfigurationPrivate::jobDone()
@@ -520,7 +535,10 @@ void NetworkConfigurationPrivate::writeDone(Device& d, QmlJob* job, const QStrin
     const bool ok = job && job->error() == Job::NoError && stopped.isEmpty();
     if (!ok && job && stopped.isEmpty() && job->isTransientError() && d.tries < retries) {
         ++d.tries;
-        QTimer::singleShot(RetryDelayMs, q, [this, uuid = d.uuid] { runNextWrite(devices[uuid]); });
+        QTimer::singleShot(RetryDelayMs, q, [this, uuid = d.uuid, g = generation] {
+            if (g == generation)
+                runNextWrite(devices[uuid]);
+        });
         return;
     }
     // The change log has the write already (ChangeRecorder).
@@ -645,7 +663,7 @@ bool NetworkConfiguration::apply(const QList<Difference>& differences)
     for (const Difference& diff : differences)
         d->device(diff.uuid).differences << diff;
     if (d->order.isEmpty()) {
-        QTimer::singleShot(0, this, [d] { d->end(); });
+        d->endLater();
         return true;
     }
     for (quint32 uuid : qAsConst(d->order))

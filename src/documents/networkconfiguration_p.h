@@ -36,6 +36,8 @@ public:
         QSharedPointer<VRNObjectWorker> worker;
         QSharedPointer<VRNObject> object;
         int jobsLeft = 0;
+    /// Counts the operations begun.
+    int generation = 0;
         QStringList read;
         QStringList errors;
         QList<Write> writes;
@@ -51,7 +53,7 @@ public:
     bool begin(Mode mode);
     Device& device(quint32 uuid);
     void startReads(const QList<quint32>& uuids);
-    void readDone(quint32 uuid, const QString& section, const QmlJob* job, const Make& make, bool retried);
+    void readDone(quint32 uuid, const QString& section, const QmlJob* job, const Make& make);
     void deviceRead(Device& d);
     void planWrites(Device& d);
     void runNextWrite(Device& d);
@@ -59,6 +61,7 @@ public:
     void verify(Device& d);
     void endDevice(Device& d, bool ok, const QString& error);
     void jobDone();
+    void endLater();
     void end();
     QmlJob* own(QmlJob* job);
 
@@ -74,6 +77,8 @@ public:
     int done = 0;
     int total = 0;
     int jobsLeft = 0;
+    /// Counts the operations begun.
+    int generation = 0;
     NetworkDocument readDocument;
     /// Compare: the document entry of each device.
     QHash<quint32, QJsonObject> wanted;

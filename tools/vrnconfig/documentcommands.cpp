@@ -51,6 +51,22 @@ QJsonObject resultJson(const Config::DeviceResult& r)
     return o;
 }
 
+QJsonArray differencesJson(const QList<Config::Difference>& differences)
+{
+    QJsonArray list;
+    for (const auto& d : differences)
+        list << differenceJson(d);
+    return list;
+}
+
+QJsonArray resultsJson(const QList<Config::DeviceResult>& results)
+{
+    QJsonArray list;
+    for (const auto& r : results)
+        list << resultJson(r);
+    return list;
+}
+
 QString resultLine(const Config::DeviceResult& r)
 {
     return QStringLiteral("%1 %2 %3").arg(r.uuid).arg(Cli::nodeText(r.node))
@@ -192,12 +208,8 @@ void diff(Cli& cli, const QStringList& args)
         return cli.fail(Cli::Usage, Cli::tr("diff takes a FILE"));
     compareThen(cli, args.first(), args.mid(1), [&cli](Config* config, const QList<Config::Difference>& differences) {
         if (cli.json()) {
-            QJsonArray list, results;
-            for (const auto& d : differences)
-                list << differenceJson(d);
-            for (const auto& r : config->results())
-                results << resultJson(r);
-            cli.output().document(QJsonObject{{QStringLiteral("differences"), list}, {QStringLiteral("results"), results}});
+            cli.output().document(QJsonObject{{QStringLiteral("differences"), differencesJson(differences)},
+                                              {QStringLiteral("results"), resultsJson(config->results())}});
         } else if (!differences.isEmpty()) {
             printDifferences(cli, differences);
         }
@@ -212,10 +224,7 @@ void printApplied(Cli& cli, Config* config)
 {
     const auto results = config->results();
     if (cli.json()) {
-        QJsonArray list;
-        for (const auto& r : results)
-            list << resultJson(r);
-        cli.output().document(QJsonObject{{QStringLiteral("results"), list}});
+        cli.output().document(QJsonObject{{QStringLiteral("results"), resultsJson(results)}});
     } else {
         for (const auto& r : results)
             cli.output().line(resultLine(r));
@@ -244,10 +253,7 @@ void apply(Cli& cli, const QStringList& args)
             devices << d.uuid;
         if (dryRun) {
             if (cli.json()) {
-                QJsonArray list;
-                for (const auto& d : differences)
-                    list << differenceJson(d);
-                cli.output().document(QJsonObject{{QStringLiteral("wouldWrite"), list}});
+                cli.output().document(QJsonObject{{QStringLiteral("wouldWrite"), differencesJson(differences)}});
             } else {
                 printDifferences(cli, differences);
             }
