@@ -55,3 +55,20 @@ QJsonObject DeviceBackups::last(quint32 uuid)
         return {};
     return QJsonDocument::fromJson(query.value(0).toString().toUtf8()).object();
 }
+
+quint32 DeviceBackups::findSerial(const QString& serial)
+{
+    QSqlDatabase db = QSqlDatabase::database();
+    if (serial.isEmpty() || !db.isOpen() || !ensureTable(db))
+        return 0;
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("SELECT b.deviceUUID, b.entry FROM DeviceBackups b JOIN Devices d ON d.uuid = b.deviceUUID")))
+        return 0;
+    while (query.next()) {
+        const QJsonObject entry = QJsonDocument::fromJson(query.value(1).toString().toUtf8()).object();
+        if (entry.value(QStringLiteral("serialNumber")).toString() == serial)
+            return query.value(0).toUInt();
+    }
+    return 0;
+}

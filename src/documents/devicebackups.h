@@ -16,6 +16,8 @@ public:
     static bool store(const NetworkDocument& document);
     /// The last backup of device `uuid`; empty when there is none.
     static QJsonObject last(quint32 uuid);
+    /// The registry's device whose last backup read the serial number `serial`; 0 for none.
+    static quint32 findSerial(const QString& serial);
 };
 
 #endif // DEVICEBACKUPS_H

@@ -3,6 +3,7 @@
 
 #include "changelog.h"
 #include "changerecorder.h"
+#include "devicebackups.h"
 #include "jsonschemavalidator.h"
 #include "readserialjob.h"
 
@@ -777,7 +778,8 @@ quint32 NetworkConfiguration::findDevice(const QString& nodeOrSerial)
     query.addBindValue(nodeOrSerial);
     if (query.exec() && query.next())
         return query.value(0).toUInt();
-    return 0;
+    // The serial numbers the last backups read, of devices still in the registry.
+    return DeviceBackups::findSerial(nodeOrSerial);
 }
 
 bool NetworkConfiguration::takeOver(quint32 from, quint32 to, QString& error)

@@ -194,8 +194,12 @@ private slots:
     void replacement()
     {
         QCOMPARE(run(QStringLiteral("factory-default node:0x102 --yes")).code, 0);
-        Result r = run({QStringLiteral("replace"), QStringLiteral("node:0x101"), QStringLiteral("node:0x102"),
-                        QStringLiteral("--from"), m_backup, QStringLiteral("--yes")});
+        // Both by serial number: the old one's from the document, the new
+        // one's as the registry's last backup read it.
+        const QString oldSerial = entryOf(m_document, 0x101).value(QStringLiteral("serialNumber")).toString();
+        const QString newSerial = entryOf(m_document, 0x102).value(QStringLiteral("serialNumber")).toString();
+        Result r = run({QStringLiteral("replace"), oldSerial, newSerial, QStringLiteral("--from"), m_backup,
+                        QStringLiteral("--yes")});
         QVERIFY2(r.code == 0, r.err.constData());
         const QString copy = file(QStringLiteral("new.json"));
         r = run({QStringLiteral("backup"), QStringLiteral("node:0x102"), QStringLiteral("--output"), copy});

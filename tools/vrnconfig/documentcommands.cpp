@@ -220,7 +220,8 @@ void diff(Cli& cli, const QStringList& args)
     });
 }
 
-void printApplied(Cli& cli, Config* config)
+// `unread`: devices the compare before could not read (already reported).
+void printApplied(Cli& cli, Config* config, int unread = 0)
 {
     const auto results = config->results();
     if (cli.json()) {
@@ -229,9 +230,10 @@ void printApplied(Cli& cli, Config* config)
         for (const auto& r : results)
             cli.output().line(resultLine(r));
     }
-    const int failed = failures(results);
+    const int failed = failures(results) + unread;
     if (failed)
-        return cli.fail(Cli::Failed, Cli::tr("%1 of %2 device(s) not done; run it again to finish").arg(failed).arg(results.size()));
+        return cli.fail(Cli::Failed, Cli::tr("%1 of %2 device(s) not done; run it again to finish")
+                                         .arg(failed).arg(results.size() + unread));
     cli.finish();
 }
 
@@ -241,10 +243,12 @@ void apply(Cli& cli, const QStringList& args)
         return cli.fail(Cli::Usage, Cli::tr("apply takes a FILE"));
     const bool dryRun = cli.isSet(QStringLiteral("dry-run"));
     compareThen(cli, args.first(), args.mid(1), [&cli, dryRun](Config* config, const QList<Config::Difference>& differences) {
-        if (failures(config->results()))
-            return cli.fail(Cli::Failed, Cli::tr("%1 device(s) could not be read: nothing written")
-                                             .arg(failures(config->results())));
+        // Devices that could not be read are reported (above) and left for
+        // the next run; the others are written.
+        const int unread = failures(config->results());
         if (differences.isEmpty()) {
+            if (unread)
+                return cli.fail(Cli::Failed, Cli::tr("%1 device(s) could not be read; run it again to finish").arg(unread));
             cli.output().note(Cli::tr("the devices already hold the document's settings"));
             return cli.finish();
         }
@@ -261,7 +265,7 @@ void apply(Cli& cli, const QStringList& args)
         }
         if (!cli.confirm(Cli::tr("Write %1 field(s) on %2 device(s)").arg(differences.size()).arg(devices.size())))
             return;
-        QObject::connect(config, &Config::finished, &cli, [&cli, config] { printApplied(cli, config); });
+        QObject::connect(config, &Config::finished, &cli, [&cli, config, unread] { printApplied(cli, config, unread); });
         config->apply(differences);
     });
 }
