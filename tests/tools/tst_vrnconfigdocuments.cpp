@@ -113,6 +113,36 @@ private slots:
             QCOMPARE(e.toObject().value(QStringLiteral("outcome")).toString(), QStringLiteral("ok"));
     }
 
+    // A document that moves an end limit out and puts an intermediate
+    // position beyond the old limit: the device takes the position only
+    // after the limit, so limits are written first.
+    void limitsBeforePositions()
+    {
+        QJsonObject doc = m_document;
+        QJsonArray devices = doc.value(QStringLiteral("devices")).toArray();
+        for (int i = 0; i < devices.size(); ++i) {
+            QJsonObject e = devices.at(i).toObject();
+            if (e.value(QStringLiteral("node")).toInt() != 0x102)
+                continue;
+            QJsonObject limits = e.value(QStringLiteral("limits")).toObject();
+            const int down = limits.value(QStringLiteral("down")).toInt();
+            QVERIFY(down > limits.value(QStringLiteral("up")).toInt() && down < 60000);
+            limits.insert(QStringLiteral("down"), down + 1000);
+            QJsonArray ips = e.value(QStringLiteral("ips")).toArray();
+            ips[7] = down + 500;
+            e.insert(QStringLiteral("limits"), limits);
+            e.insert(QStringLiteral("ips"), ips);
+            devices[i] = e;
+        }
+        doc.insert(QStringLiteral("devices"), devices);
+        writeJson(QStringLiteral("wider.json"), doc);
+        const QString wider = file(QStringLiteral("wider.json"));
+        Result r = run({QStringLiteral("apply"), wider, QStringLiteral("--yes")});
+        QVERIFY2(r.code == 0, r.out + r.err);
+        QCOMPARE(run({QStringLiteral("diff"), wider}).code, 0);
+        QCOMPARE(run({QStringLiteral("apply"), m_backup, QStringLiteral("--yes")}).code, 0);
+    }
+
     void badDocuments_data()
     {
         QTest::addColumn<QString>("change");
