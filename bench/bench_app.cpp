@@ -10,7 +10,7 @@
 #include "objectfactory.h"
 
 #include <QElapsedTimer>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -106,7 +106,7 @@ int main(int argc, char* argv[])
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     QList<int> sizes;
     for (int i = 1; i < argc; ++i)

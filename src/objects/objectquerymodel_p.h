@@ -74,6 +74,12 @@ public:
     void shiftAnchors(qint64 key, VRNObject::UUID uuid, int delta);
     void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh = false);
     QString sortColumnName() const;
+    bool filtered() const { return !search.isEmpty() || kinds != 0 || group >= 0; }
+    /// Stores the filter in this model's filter table and lists anew.
+    void applyFilter();
+    /// The condition the view's rows meet while filtered; it reads the
+    /// filter's values from the filter table, never from its own text.
+    QString filterCondition() const;
 
     ObjectQueryModel* q_ptr;
     QSqlDatabase db;
@@ -107,6 +113,11 @@ public:
     /// The key of the row whose destruction was announced, for the anchors.
     qint64 removedKey = 0;
     bool removedKeyKnown = false;
+    // The filter (see ObjectQueryModel::searchText).
+    QString search;
+    quint32 kinds = 0;
+    int group = -1;
+    QString filterTable;
 };
 
 #endif // OBJECTQUERYMODEL_P_H
