@@ -47,7 +47,14 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
         QString sortExpr = sortColumnName();
         if (sortColumn == ObjectFactory::LabelColumn)
             sortExpr = QStringLiteral("lower(") + sortExpr + QLatin1Char(')');
-        const QString where = filtered() ? QStringLiteral("WHERE ") + filterCondition() + QLatin1Char(' ') : QString();
+        // A filter that few rows pass is applied once, into a table of
+        // those rows: otherwise every page read would walk the whole sort
+        // index to find them. Where many pass, a page finds its rows at once
+        // and the view tests the condition itself.
+        narrowFilter = filtered() && collectMatches();
+        const QString where = narrowFilter ? QStringLiteral("WHERE c.uuid IN (SELECT uuid FROM ") + matchTable + QStringLiteral(") ")
+                            : filtered()   ? QStringLiteral("WHERE ") + filterCondition() + QLatin1Char(' ')
+                                           : QString();
         const QString create = QStringLiteral("CREATE TEMP VIEW ") + viewName
             + QStringLiteral(" AS SELECT uuid, nodeID, type, label, serialNumber,"
                              "(SELECT count(*) FROM Devices where nodeID = c.nodeID) AS nbOccur"
@@ -83,8 +90,10 @@ void ObjectQueryModelPrivate::updateRowCount()
     QSqlQuery query(db);
     // The view lists every row of Devices (or the filter's): counting the
     // table spares computing each row's duplicate count.
-    const QString where = filtered() ? QStringLiteral(" c WHERE ") + filterCondition() : QString();
-    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM Devices") + where) && query.next()) {
+    const QString table = narrowFilter ? matchTable
+                        : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
+                                       : QStringLiteral("Devices");
+    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM ") + table) && query.next()) {
         rowCount = query.value(0).toInt();
         return;
     }
@@ -346,6 +355,25 @@ QString ObjectQueryModelPrivate::filterCondition() const
         .arg(pattern, hexPattern, kindSet, grp);
 }
 
+bool ObjectQueryModelPrivate::collectMatches()
+{
+    QSqlQuery query(db);
+    if (matchTable.isEmpty()) {
+        matchTable = QStringLiteral("ObjectQueryModelMatch_%1").arg(quintptr(this), 0, 16);
+        if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + matchTable
+                        + QStringLiteral("(uuid INTEGER PRIMARY KEY NOT NULL)")))
+            qWarning() << "[ObjectQueryModel]: failed to create the match table:" << query.lastError().text();
+    }
+    // One row more than a narrow filter may have: the scan stops there.
+    if (!query.exec(QStringLiteral("DELETE FROM ") + matchTable)
+        || !query.exec(QStringLiteral("INSERT INTO ") + matchTable + QStringLiteral(" SELECT uuid FROM Devices c WHERE ")
+                       + filterCondition() + QStringLiteral(" LIMIT %1").arg(int(NarrowFilterRows) + 1))) {
+        qWarning() << "[ObjectQueryModel]: failed to apply the filter:" << query.lastError().text();
+        return false;
+    }
+    return query.numRowsAffected() <= int(NarrowFilterRows);
+}
+
 void ObjectQueryModelPrivate::applyFilter()
 {
     Q_Q(ObjectQueryModel);
@@ -397,6 +425,7 @@ ObjectQueryModel::~ObjectQueryModel()
         QSqlQuery query(d->db);
         query.exec(QStringLiteral("DROP VIEW IF EXISTS ") + d->viewName);
         query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->filterTable);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->matchTable);
     }
 }
 

@@ -80,6 +80,10 @@ public:
     /// The condition the view's rows meet while filtered; it reads the
     /// filter's values from the filter table, never from its own text.
     QString filterCondition() const;
+    /// Fills the match table with the rows the filter lets through; false
+    /// when more than `NarrowFilterRows` pass.
+    bool collectMatches();
+    enum { NarrowFilterRows = 2000 };
 
     ObjectQueryModel* q_ptr;
     QSqlDatabase db;
@@ -118,6 +122,8 @@ public:
     quint32 kinds = 0;
     int group = -1;
     QString filterTable;
+    QString matchTable;
+    bool narrowFilter = false;
 };
 
 #endif // OBJECTQUERYMODEL_P_H
