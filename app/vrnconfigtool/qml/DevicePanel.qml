@@ -36,7 +36,8 @@ ScrollView {
     readonly property string labelProblem: Format.labelProblem(labelEdit.text)
     readonly property bool invalid: labelProblem !== "" || groupsCheck.problem !== ""
     readonly property bool nothingRead: Object.keys(proxy).length === 0
-    readonly property string syncText: nothingRead ? qsTr("Not read yet")
+    readonly property string syncText: started > ended ? qsTr("Reading from the device\u2026")
+                                       : nothingRead ? qsTr("Not read yet")
                                        : pendingJobs.length > 0 ? qsTr("Changes not written (%1)").arg(pendingJobs.length)
                                        : qsTr("In step with the device")
 
@@ -336,7 +337,7 @@ ScrollView {
             Layout.fillWidth: true
             ColumnLayout {
                 RowLayout {
-                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 18 }
+                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 26 }
                     Label { text: panel.several ? qsTr("Current row has") : qsTr("Device has"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 22 }
                     Label { text: qsTr("Wanted"); font.bold: true }
                 }
@@ -512,7 +513,7 @@ ScrollView {
                 delegate: Label {
                     id: entry
                     width: ListView.view.width
-                    text: (model.running ? "\u23F3 " : model.ok ? "" : "\u2716 ") + model.text
+                    text: (model.running ? "\u25B8 " : model.ok ? "" : "\u2716 ") + model.text
                     color: model.ok ? palette.text : "firebrick"
                     elide: Text.ElideRight
                     MouseArea { id: hover; anchors.fill: parent; hoverEnabled: true }

@@ -21,7 +21,8 @@ ColumnLayout {
     RowLayout {
         Label {
             text: field.name
-            Layout.preferredWidth: fm.averageCharacterWidth * 18
+            Layout.preferredWidth: fm.averageCharacterWidth * 26
+            elide: Text.ElideRight
         }
         Label {
             id: valueLabel
@@ -55,7 +56,7 @@ ColumnLayout {
         text: field.problem
         color: "firebrick"
         wrapMode: Text.Wrap
-        Layout.leftMargin: fm.averageCharacterWidth * 40
+        Layout.leftMargin: fm.averageCharacterWidth * 48
         Layout.fillWidth: true
     }
     FontMetrics { id: fm }
