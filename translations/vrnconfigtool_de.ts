@@ -1115,6 +1115,26 @@
         <source>done</source>
         <translation>erledigt</translation>
     </message>
+    <message>
+        <source>tool</source>
+        <translation>Werkzeug</translation>
+    </message>
+    <message>
+        <source>keypad</source>
+        <translation>Tastenfeld</translation>
+    </message>
+    <message>
+        <source>sensor</source>
+        <translation>Sensor</translation>
+    </message>
+    <message>
+        <source>interface</source>
+        <translation>Schnittstelle</translation>
+    </message>
+    <message>
+        <source>motor input/output</source>
+        <translation>Motor-Ein-/Ausgang</translation>
+    </message>
 </context>
 <context>
     <name>Jobs</name>

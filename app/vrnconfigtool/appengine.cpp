@@ -165,7 +165,7 @@ bool AppEngine::start(QQmlApplicationEngine& engine, const QString& busUUID, QSt
         QQuickStyle::setStyle(QStringLiteral("Fusion"));
     engine.rootContext()->setContextProperty(QStringLiteral("startBusUUID"), busUUID);
     engine.rootContext()->setContextProperty(QStringLiteral("appLog"), new AppLog(&engine));
-    engine.rootContext()->setContextProperty(QStringLiteral("appVersion"), QCoreApplication::applicationVersion());
+    engine.rootContext()->setContextProperty(QStringLiteral("appVersion"), QStringLiteral(VRNCONFIGTOOL_VERSION));
     engine.rootContext()->setContextProperty(QStringLiteral("libraryVersion"), VRNConfigTool::libraryVersion());
     engine.rootContext()->setContextProperty(QStringLiteral("appLanguage"), state().language);
     engine.load(QUrl(QStringLiteral("qrc:/vrnconfigtool/main.qml")));

@@ -228,3 +228,21 @@ function serialText(value) {
     }
     return String(value)
 }
+
+// A node type as firmware packages name it ("motor", "tx30", ...), in words.
+function nodeTypeWord(word) {
+    switch (word) {
+    case "tool": return qsTr("tool");
+    case "motor": return qsTr("motor");
+    case "keypad": return qsTr("keypad");
+    case "sensor": return qsTr("sensor");
+    case "interface": return qsTr("interface");
+    case "motorio": return qsTr("motor input/output");
+    case "dcmotor": return qsTr("DC motor");
+    case "settingtool": return qsTr("setting tool");
+    case "tx30": return "TX30";
+    case "lru50": return "LRU50";
+    case "tx50dc": return "TX50DC";
+    default: return word;
+    }
+}
