@@ -1175,7 +1175,7 @@
     </message>
     <message>
         <source>Dir</source>
-        <translation>Richtung</translation>
+        <translation type="vanished">Richtung</translation>
     </message>
     <message>
         <source>Source</source>
@@ -1192,6 +1192,18 @@
     <message>
         <source>Payload</source>
         <translation>Nutzdaten</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>Richtung</translation>
+    </message>
+    <message>
+        <source>sent</source>
+        <translation>gesendet</translation>
+    </message>
+    <message>
+        <source>received</source>
+        <translation>empfangen</translation>
     </message>
 </context>
 <context>

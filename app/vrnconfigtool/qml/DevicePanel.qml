@@ -280,7 +280,9 @@ ScrollView {
             Label {
                 objectName: "syncState"
                 text: panel.syncText
-                color: panel.nothingRead ? palette.text : panel.pendingJobs.length > 0 ? "darkorange" : "green"
+                color: panel.nothingRead || panel.started > panel.ended ? palette.text
+                       : panel.pendingJobs.length > 0 ? "darkorange"
+                       : palette.window.hslLightness < 0.5 ? "#7ee787" : "green"
             }
             Item { Layout.fillWidth: true }
             Button {
@@ -514,7 +516,7 @@ ScrollView {
                     id: entry
                     width: ListView.view.width
                     text: (model.running ? "\u25B8 " : model.ok ? "" : "\u2716 ") + model.text
-                    color: model.ok ? palette.text : "firebrick"
+                    color: model.ok ? palette.text : palette.window.hslLightness < 0.5 ? "#ff7b72" : "firebrick"
                     elide: Text.ElideRight
                     MouseArea { id: hover; anchors.fill: parent; hoverEnabled: true }
                     ToolTip.visible: hover.containsMouse && entry.truncated
