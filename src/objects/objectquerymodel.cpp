@@ -355,15 +355,28 @@ QString ObjectQueryModelPrivate::filterCondition() const
         .arg(pattern, hexPattern, kindSet, grp);
 }
 
+void ObjectQueryModelPrivate::tempTable(QString& name, const char* prefix, const char* columns)
+{
+    if (!name.isEmpty())
+        return;
+    name = QLatin1String(prefix) + QString::number(quintptr(this), 16);
+    QSqlQuery query(db);
+    if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + name + QLatin1String(columns)))
+        qWarning() << "[ObjectQueryModel]: failed to create" << name << query.lastError().text();
+}
+
+void ObjectQueryModelPrivate::relist()
+{
+    Q_Q(ObjectQueryModel);
+    q->beginResetModel();
+    select(0, true);
+    q->endResetModel();
+}
+
 bool ObjectQueryModelPrivate::collectMatches()
 {
     QSqlQuery query(db);
-    if (matchTable.isEmpty()) {
-        matchTable = QStringLiteral("ObjectQueryModelMatch_%1").arg(quintptr(this), 0, 16);
-        if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + matchTable
-                        + QStringLiteral("(uuid INTEGER PRIMARY KEY NOT NULL)")))
-            qWarning() << "[ObjectQueryModel]: failed to create the match table:" << query.lastError().text();
-    }
+    tempTable(matchTable, "ObjectQueryModelMatch_", "(uuid INTEGER PRIMARY KEY NOT NULL)");
     // One row more than a narrow filter may have: the scan stops there.
     if (!query.exec(QStringLiteral("DELETE FROM ") + matchTable)
         || !query.exec(QStringLiteral("INSERT INTO ") + matchTable + QStringLiteral(" SELECT uuid FROM Devices c WHERE ")
@@ -378,12 +391,7 @@ void ObjectQueryModelPrivate::applyFilter()
 {
     Q_Q(ObjectQueryModel);
     QSqlQuery query(db);
-    if (filterTable.isEmpty()) {
-        filterTable = QStringLiteral("ObjectQueryModelFilter_%1").arg(quintptr(this), 0, 16);
-        if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + filterTable
-                        + QStringLiteral("(pattern TEXT, hexPattern TEXT, kinds INTEGER, grp INTEGER)")))
-            qWarning() << "[ObjectQueryModel]: failed to create the filter table:" << query.lastError().text();
-    }
+    tempTable(filterTable, "ObjectQueryModelFilter_", "(pattern TEXT, hexPattern TEXT, kinds INTEGER, grp INTEGER)");
     // The typed text is bound, never written into a statement; LIKE's own
     // wildcards in it are taken literally.
     QString text = search.trimmed();
@@ -403,9 +411,7 @@ void ObjectQueryModelPrivate::applyFilter()
     query.addBindValue(group >= 0 ? QVariant(group) : QVariant(QVariant::Int));
     if (!query.exec())
         qWarning() << "[ObjectQueryModel]: failed to store the filter:" << query.lastError().text();
-    q->beginResetModel();
-    select(0, true);
-    q->endResetModel();
+    relist();
     emit q->filterChanged();
 }
 
@@ -642,9 +648,7 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     if (!object)
         return;
     if (d->filtered()) {
-        beginResetModel();
-        d->select(0, true);
-        endResetModel();
+        d->relist();
         if (selected) {
             selectionModel()->clear();
             selectionModel()->addItems(ObjectFactory::NodeIDColumn, VRN::getNumber(object->address()));
@@ -690,9 +694,7 @@ void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
     Q_D(ObjectQueryModel);
     if (d->filtered()) {
         // The change may take the row into the filter or out of it.
-        beginResetModel();
-        d->select(0, true);
-        endResetModel();
+        d->relist();
         return;
     }
     // A save may write the sorted column.
@@ -748,9 +750,7 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr addr
 {
     Q_D(ObjectQueryModel);
     if (d->filtered() && d->pendingRemoval < 0) {
-        beginResetModel();
-        d->select(0, true);
-        endResetModel();
+        d->relist();
         return;
     }
     if (d->pendingRemoval < 0) {

@@ -80,6 +80,10 @@ public:
     /// The condition the view's rows meet while filtered; it reads the
     /// filter's values from the filter table, never from its own text.
     QString filterCondition() const;
+    /// Creates this model's temporary table `name` on first use.
+    void tempTable(QString& name, const char* prefix, const char* columns);
+    /// Lists the rows anew (a filtered model cannot place a single row).
+    void relist();
     /// Fills the match table with the rows the filter lets through; false
     /// when more than `NarrowFilterRows` pass.
     bool collectMatches();

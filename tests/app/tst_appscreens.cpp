@@ -57,7 +57,7 @@ private:
     /// Texts that give away the code behind the screen: class and job
     /// names, camelCase keys.
     static QStringList internalNames(const QStringList& texts);
-    /// Starts a window of its own on the same registry (after a language change).
+    /// Starts the window (again, on the same registry, after a language change).
     void restart();
 
     QTemporaryDir m_home;
@@ -79,12 +79,7 @@ void tst_AppScreens::initTestCase()
     // The bus of the last run is reopened at start; when it fails, the
     // library's text is what the user sees.
     Settings::instance()->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:/dev/vrn-unplugged"));
-    m_engine.reset(new QQmlApplicationEngine);
-    QString error;
-    QVERIFY2(AppEngine::start(*m_engine, QString(), &error), qPrintable(error));
-    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().first());
-    QVERIFY(m_window);
-    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    restart();
     const QString shown = m_window->findChild<QObject*>(QStringLiteral("statusMessage"))->property("text").toString();
     QVERIFY(!BusFactory::instance()->lastError().isEmpty());
     QCOMPARE(shown, BusFactory::instance()->lastError());
