@@ -174,6 +174,16 @@ TestCase {
             compare(JSON.stringify(simulator.groups(shared.data.address & 0xFFFFFF)), JSON.stringify([0xABC, 0x12]))
             shared.destroy()
         }
+        // The registry knows the new group: it filters the list and selects.
+        var motors = sel.rowCount
+        verify(devices.knownGroups().indexOf(0xABC) >= 0, JSON.stringify(devices.knownGroups()))
+        sel.clear()
+        sel.addGroup(0xABC)
+        compare(sel.rowCount, motors)
+        compare(sel.selectedType, 2)
+        devices.groupFilter = 0xABC
+        compare(devices.rowCount(), motors)
+        devices.groupFilter = -1
         panel.selection = null
         sel.clear()
     }
