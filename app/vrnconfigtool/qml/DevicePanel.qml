@@ -275,17 +275,22 @@ ScrollView {
             wrapMode: Text.Wrap
             Layout.fillWidth: true
         }
-        RowLayout {
+        Flow {
             visible: panel.uuid !== undefined
+            Layout.fillWidth: true
+            spacing: 6
             Label {
                 objectName: "syncState"
+                height: readAgain.height
+                verticalAlignment: Text.AlignVCenter
+                rightPadding: fm.averageCharacterWidth * 3
                 text: panel.syncText
                 color: panel.nothingRead || panel.started > panel.ended ? palette.text
                        : panel.pendingJobs.length > 0 ? "darkorange"
                        : palette.window.hslLightness < 0.5 ? "#7ee787" : "green"
             }
-            Item { Layout.fillWidth: true }
             Button {
+                id: readAgain
                 text: qsTr("Read again")
                 ToolTip.visible: hovered
                 ToolTip.text: qsTr("Reads every value shown from the device (F5)")
@@ -339,8 +344,8 @@ ScrollView {
             Layout.fillWidth: true
             ColumnLayout {
                 RowLayout {
-                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 26 }
-                    Label { text: panel.several ? qsTr("Current row has") : qsTr("Device has"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 22 }
+                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 20 }
+                    Label { text: panel.several ? qsTr("Current row has") : qsTr("Device has"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 21 }
                     Label { text: qsTr("Wanted"); font.bold: true }
                 }
                 FieldRow {
@@ -384,6 +389,7 @@ ScrollView {
             visible: panel.uuid !== undefined && panel.isMotor
             Layout.fillWidth: true
             ColumnLayout {
+                width: parent.width
                 FieldRow {
                     name: qsTr("Direction")
                     deviceValue: panel.proxy.rotDirection === undefined ? undefined
@@ -415,7 +421,9 @@ ScrollView {
                                  : qsTr("%1 % (%2 pulses)").arg(panel.runtime.posPCent).arg(panel.runtime.posPulse)
                     Label { objectName: "positionLabel"; text: panel.watching ? qsTr("moving\u2026") : "" }
                 }
-                RowLayout {
+                Flow {
+                    Layout.fillWidth: true
+                    spacing: 6
                     Button { text: qsTr("Up"); onClicked: panel.move(1) }
                     Button { text: qsTr("Down"); onClicked: panel.move(0) }
                     Button { text: qsTr("Stop"); onClicked: panel.move(255) }
@@ -439,12 +447,14 @@ ScrollView {
                         }
                     }
                 }
-                RowLayout {
-                    Label { text: qsTr("Position number") }
+                Flow {
+                    Layout.fillWidth: true
+                    spacing: 6
+                    Label { text: qsTr("Position number"); height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
                     SpinBox { id: ipIndex; from: 1; to: 16; editable: true }
-                    Label { text: qsTr("at") }
+                    Label { text: qsTr("at"); height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
                     SpinBox { id: ipValue; from: 0; to: 100; editable: true }
-                    Label { text: "%" }
+                    Label { text: "%"; height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
                     Button {
                         text: qsTr("Set")
                         onClicked: panel.run("SetMotorIpJob", { ipIndex: ipIndex.value - 1, function: 3, value: ipValue.value },

@@ -30,9 +30,9 @@ Pane {
 
     readonly property var columns: [
         { title: qsTr("Node"), role: ObjectQueryModel.NodeIDRole, chars: 13 },
-        { title: qsTr("Kind"), role: ObjectQueryModel.TypeRole, chars: 19 },
-        { title: qsTr("Label"), role: ObjectQueryModel.LabelRole, chars: 22 },
-        { title: qsTr("Serial number"), role: ObjectQueryModel.SerialNumberRole, chars: 18 },
+        { title: qsTr("Kind"), role: ObjectQueryModel.TypeRole, chars: 17 },
+        { title: qsTr("Label"), role: ObjectQueryModel.LabelRole, chars: 20 },
+        { title: qsTr("Serial number"), role: ObjectQueryModel.SerialNumberRole, chars: 15 },
         { title: qsTr("Clash"), role: ObjectQueryModel.NbOccurRole, chars: 10 }
     ]
 
@@ -159,7 +159,7 @@ Pane {
         anchors.left: parent.left
         anchors.top: parent.top
         anchors.bottom: parent.bottom
-        width: Math.min(fm.averageCharacterWidth * 84, parent.width * 0.55)
+        width: Math.min(fm.averageCharacterWidth * 78, parent.width * 0.5)
 
         ColumnLayout {
             id: tools

@@ -28,7 +28,10 @@ ColumnLayout {
         }
         series.clear()
         axisX.categories = names
-        axisY.max = Math.max(1, Math.ceil(top * 1.1))
+        // A round top for the scale: 1, 2 or 5 times a power of ten.
+        var step = Math.pow(10, Math.floor(Math.log(Math.max(1, top)) / Math.LN10))
+        var round = [1, 2, 5, 10].map(function(m) { return m * step }).filter(function(v) { return v >= top })[0]
+        axisY.max = Math.max(1, round)
         var counter = view.counter(key)
         series.append(counter ? counter.title : key, values)
         bars = values.length
@@ -81,7 +84,7 @@ ColumnLayout {
         BarSeries {
             id: series
             axisX: BarCategoryAxis { id: axisX; labelsColor: chartPane.palette.text; labelsAngle: -30 }
-            axisY: ValueAxis { id: axisY; min: 0; labelFormat: "%d"; labelsColor: chartPane.palette.text }
+            axisY: ValueAxis { id: axisY; min: 0; tickCount: 6; labelFormat: "%d"; labelsColor: chartPane.palette.text }
         }
     }
 }

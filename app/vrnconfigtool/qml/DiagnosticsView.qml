@@ -220,8 +220,8 @@ Pane {
                 ScrollBar.vertical: ScrollBar {}
                 ScrollBar.horizontal: ScrollBar {}
                 flickableDirection: Flickable.AutoFlickIfNeeded
-                contentWidth: fm.averageCharacterWidth * (30 + 16 * view.shownCounters.length)
-                readonly property real cellWidth: fm.averageCharacterWidth * 16
+                contentWidth: fm.averageCharacterWidth * (30 + 19 * view.shownCounters.length)
+                readonly property real cellWidth: fm.averageCharacterWidth * 19
                 header: Rectangle {
                     z: 2
                     width: table.contentWidth
@@ -243,7 +243,9 @@ Pane {
                                         width: parent.width
                                         text: modelData.title + (view.sortKey === modelData.key ? (view.sortDescending ? " \u25BC" : " \u25B2") : "")
                                         font.bold: true
-                                        wrapMode: Text.Wrap
+                                        wrapMode: Text.WordWrap
+                                        maximumLineCount: 2
+                                        elide: Text.ElideRight
                                     }
                                     Label { text: modelData.unit; opacity: 0.7; font.pointSize: Qt.application.font.pointSize * 0.85 }
                                 }

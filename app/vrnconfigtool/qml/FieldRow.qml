@@ -21,7 +21,7 @@ ColumnLayout {
     RowLayout {
         Label {
             text: field.name
-            Layout.preferredWidth: fm.averageCharacterWidth * 26
+            Layout.preferredWidth: fm.averageCharacterWidth * 20
             elide: Text.ElideRight
         }
         Label {
@@ -30,7 +30,7 @@ ColumnLayout {
             text: Format.orNotRead(field.deviceValue)
             font.italic: field.deviceValue === undefined
             opacity: field.deviceValue === undefined ? 0.6 : 1
-            Layout.preferredWidth: fm.averageCharacterWidth * 22
+            Layout.preferredWidth: fm.averageCharacterWidth * 21
             elide: Text.ElideRight
             MouseArea { id: valueHover; anchors.fill: parent; hoverEnabled: true }
             ToolTip.visible: valueHover.containsMouse && valueLabel.truncated
@@ -39,7 +39,7 @@ ColumnLayout {
         Item {
             id: slot
             visible: field.editable
-            Layout.preferredWidth: fm.averageCharacterWidth * 26
+            Layout.preferredWidth: fm.averageCharacterWidth * 22
             Layout.preferredHeight: childrenRect.height
         }
         Label {
@@ -56,7 +56,7 @@ ColumnLayout {
         text: field.problem
         color: "firebrick"
         wrapMode: Text.Wrap
-        Layout.leftMargin: fm.averageCharacterWidth * 48
+        Layout.leftMargin: fm.averageCharacterWidth * 40
         Layout.fillWidth: true
     }
     FontMetrics { id: fm }
