@@ -74,6 +74,8 @@ TestCase {
             { tag: "up stops at the top", keys: [[Qt.Key_Up, 0], [Qt.Key_Up, 0]], rows: [0], current: 0 },
             { tag: "shift extends", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier]],
               rows: [1, 2, 3], current: 3 },
+            { tag: "shift extends, descending", descending: true,
+              keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier]], rows: [1, 2, 3], current: 3 },
             { tag: "shift back shrinks", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier],
                                                  [Qt.Key_Up, Qt.ShiftModifier]], rows: [1, 2], current: 2 },
             { tag: "control space adds", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ControlModifier], [Qt.Key_Down, Qt.ControlModifier],
@@ -84,7 +86,7 @@ TestCase {
         ]
     }
     function test_keyboardSelection(data) {
-        devices.setSort(ObjectQueryModel.NodeIDRole, Qt.AscendingOrder)
+        devices.setSort(ObjectQueryModel.NodeIDRole, data.descending ? Qt.DescendingOrder : Qt.AscendingOrder)
         view.clickRow(0, 0)
         view.list.forceActiveFocus()
         for (var i = 0; i < data.keys.length; ++i)
