@@ -150,6 +150,8 @@ const WorkerRegistration bindings[] = {
     bind<UpdateFwJob, VRNObject, StdUpdateTask>(),
     bind<UpdateFwJob, SettingToolObject, SettingToolUpdateTask>(),
     bind<DirectUpdateFwJob, VRNMotorObject, MotorBLUpdateTask>(),
+    // Standard nodes share the bootloader: one cut off in an update is recovered the same way.
+    bind<DirectUpdateFwJob, VRNStdObject, MotorBLUpdateTask>(),
     bind<DirectUpdateFwJob, SettingToolObject, SettingToolBLUpdateTask>(),
     bind<GetMotorDiagnosticJob, VRNMotorObject, GetMotorDiagnosticTask>(),
 };

@@ -10,8 +10,10 @@
 #include "busdiscovertask.h"
 #include "busfactory.h"
 #include "dts.h"
+#include "buspendingcallwatcher.h"
 #include "getlabeljob.h"
 #include "getserialnumberjob.h"
+#include "motorbl.h"
 #include "objectfactory.h"
 #include "objectquerymodel.h"
 #include "qmlserialportlist.h"
@@ -98,7 +100,7 @@ struct Found
     int type = 0;
     QString label;
     QString serial;
-    QString status; // new, known, missing
+    QString status; // new, known, missing, in bootloader
     bool duplicate = false;
     QString labelError;
 };
@@ -166,8 +168,9 @@ void report(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates, con
     std::sort(devices.begin(), devices.end(), [](const Found& a, const Found& b) {
         return a.node != b.node ? a.node < b.node : a.uuid < b.uuid;
     });
-    int counts[3] = {0, 0, 0};
-    const QStringList statuses{QStringLiteral("new"), QStringLiteral("known"), QStringLiteral("missing")};
+    int counts[4] = {0, 0, 0, 0};
+    const QStringList statuses{QStringLiteral("new"), QStringLiteral("known"), QStringLiteral("missing"),
+                               QStringLiteral("in bootloader")};
     for (const Found& f : qAsConst(devices))
         ++counts[statuses.indexOf(f.status)];
     const int found = counts[0] + counts[1];
@@ -193,6 +196,7 @@ void report(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates, con
         QJsonObject doc{{QStringLiteral("devices"), array},
                         {QStringLiteral("summary"), QJsonObject{{QStringLiteral("found"), found}, {QStringLiteral("new"), counts[0]},
                                                                 {QStringLiteral("known"), counts[1]}, {QStringLiteral("missing"), counts[2]},
+                                                                {QStringLiteral("inBootloader"), counts[3]},
                                                                 {QStringLiteral("duplicates"), QJsonArray::fromStringList(duplicateNodes)}}}};
         if (answered == 0)
             doc.insert(QStringLiteral("hint"), hint);
@@ -211,7 +215,8 @@ void report(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates, con
             table.row({QString::number(f.uuid), Cli::nodeText(f.node), Cli::kindName(f.type), f.label, status});
         }
         cli.output().line(Cli::tr("%1 device(s) found: %2 new, %3 known; %4 missing")
-                              .arg(found).arg(counts[0]).arg(counts[1]).arg(counts[2]));
+                              .arg(found).arg(counts[0]).arg(counts[1]).arg(counts[2])
+                          + (counts[3] ? Cli::tr(", %1 in bootloader (vrnconfig firmware recover)").arg(counts[3]) : QString()));
     }
     for (const QString& node : qAsConst(duplicateNodes))
         cli.output().note(Cli::tr("vrnconfig: warning: node %1 answered twice in one round: two devices may share that address")
@@ -222,6 +227,38 @@ void report(Cli& cli, QList<Found> devices, const QSet<quint32>& duplicates, con
         cli.output().note(QStringLiteral("vrnconfig: ") + hint);
 }
 
+// A device that answers no discovery may wait in its bootloader (cut off in
+// an update): BL_EXIT, which such a node answers without leaving, tells.
+void probeBootloaders(Cli& cli, QList<Found> devices, const std::function<void(QList<Found>)>& then)
+{
+    auto left = std::make_shared<QList<Found>>(devices);
+    auto waiting = std::make_shared<int>(1);
+    auto oneDone = [left, waiting, then] {
+        if (--*waiting == 0)
+            then(*left);
+    };
+    for (int i = 0; i < left->size(); ++i) {
+        if (left->at(i).status != QLatin1String("missing"))
+            continue;
+        const QSharedPointer<VRNObject> object = ObjectFactory::instance()->object(left->at(i).uuid);
+        if (!object)
+            continue;
+        auto* probe = new MotorBL(object->address(), BusFactory::instance()->bus(), &cli);
+        auto* watcher = new BusPendingCallWatcher(probe->exit(), probe);
+        ++*waiting;
+        QObject::connect(watcher, &BusPendingCallWatcher::finished, probe, [probe, watcher, left, i, oneDone] {
+            MotorBL::Status status = MotorBL::Ok;
+            quint32 value = 0;
+            if (watcher->error() == BusPendingCall::NoError && probe->statusReply(watcher->reply(), status, value)
+                && status == MotorBL::NoImage)
+                (*left)[i].status = QStringLiteral("in bootloader");
+            probe->deleteLater();
+            oneDone();
+        });
+    }
+    oneDone();
+}
+
 // Runs one job quietly on every device found (not the missing ones); `then`
 // gets each device's result by uuid.
 void readFound(Cli& cli, const QList<Found>& devices, const DeviceRunner::JobFactory& make,
@@ -229,7 +266,7 @@ void readFound(Cli& cli, const QList<Found>& devices, const DeviceRunner::JobFac
 {
     QList<VRNObject::UUID> uuids;
     for (const Found& f : devices)
-        if (f.status != QLatin1String("missing"))
+        if (f.status == QLatin1String("new") || f.status == QLatin1String("known"))
             uuids << f.uuid;
     auto runner = new DeviceRunner(cli);
     runner->setQuiet(true);
@@ -257,7 +294,7 @@ void readLabels(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch> 
                 else
                     f.labelError = r.value(QStringLiteral("error")).toString();
             }
-            if (f.status == QLatin1String("missing"))
+            if (f.status == QLatin1String("missing") || f.status == QLatin1String("in bootloader"))
                 continue;
             // A number that more devices answer to keeps a row per device, so
             // the registry shows it (nbOccur) until a discovery sees it once.
@@ -376,7 +413,9 @@ void discover(Cli& cli, const QStringList& args)
             f.status = QStringLiteral("missing");
             devices << f;
         }
-        readSerials(cli, devices, watch, busUuid, addrs.size());
+        probeBootloaders(cli, devices, [&cli, watch, busUuid, answered = addrs.size()](QList<Found> devices) {
+            readSerials(cli, devices, watch, busUuid, answered);
+        });
     });
     if (!BusFactory::instance()->busWorker()->queue()->enqueue(*job, 0))
         cli.fail(Cli::Failed, Cli::tr("cannot queue the discovery"));

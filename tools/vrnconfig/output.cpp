@@ -6,6 +6,22 @@
 #include <cstdio>
 #include <unistd.h>
 
+QString printable(const QString& text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        const ushort u = c.unicode();
+        if (u < 0x20 || (u >= 0x7F && u <= 0x9F))
+            out += QStringLiteral("\\x%1").arg(u, 2, 16, QLatin1Char('0'));
+        else if (c.category() == QChar::Other_Format || u == 0x2028 || u == 0x2029)
+            out += QStringLiteral("\\u%1").arg(u, 4, 16, QLatin1Char('0'));
+        else
+            out += c;
+    }
+    return out;
+}
+
 QByteArray Output::compact(const QJsonValue& value)
 {
     if (value.isArray())
@@ -120,10 +136,11 @@ void TextTable::row(const QStringList& cells)
         const Column c = m_columns.value(i, Column{QString(), 0});
         if (i > 0)
             text += QLatin1Char(' ');
+        const QString cell = printable(cells.at(i));
         if (i + 1 == cells.size() && !c.right)
-            text += cells.at(i);
+            text += cell;
         else
-            text += c.right ? cells.at(i).rightJustified(c.width) : cells.at(i).leftJustified(c.width);
+            text += c.right ? cell.rightJustified(c.width) : cell.leftJustified(c.width);
     }
     m_output.line(text);
 }

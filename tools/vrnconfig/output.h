@@ -7,6 +7,14 @@
 #include <QStringList>
 #include <QVector>
 
+/// `text` safe to show on a terminal: control characters (C0, DEL, C1) and
+/// invisible format characters (bidirectional overrides and the like) are
+/// written as escapes ("\x1b", "\u202e"), so text from devices, registries
+/// and documents can neither move the cursor nor recolour or hide what
+/// follows. Tables and log lines show text from outside through this; JSON
+/// carries it exactly.
+QString printable(const QString& text);
+
 /// Everything vrnconfig prints goes through here.
 ///
 /// - For people: lines and tables on standard output, notes and progress on
@@ -73,7 +81,8 @@ private:
 
 /// A table for people, written row by row: every column left-aligned and
 /// padded to its width (wider values push the rest along), the last one not
-/// padded; a column with `right` set is right-aligned.
+/// padded; a column with `right` set is right-aligned. Cells are shown
+/// through `printable()`.
 class TextTable
 {
 public:

@@ -1,5 +1,6 @@
 // The registry family: listing and forgetting the devices the registry holds.
 #include "command.h"
+#include "vrn.h"
 #include "vrnconfigcli.h"
 
 #include "objectfactory.h"
@@ -48,14 +49,17 @@ void list(Cli& cli, const QStringList& args)
         const QString label = value(ObjectQueryModel::LabelRole).toString();
         const QString serial = QString::fromUtf8(value(ObjectQueryModel::SerialNumberRole).toByteArray());
         const int nbOccur = value(ObjectQueryModel::NbOccurRole).toInt();
+        // A number no device can have (an older registry, a forged answer): no job runs on it.
+        const bool valid = !VRN::isReservedNumber(VRN::getNumber(node));
         if (cli.json())
             array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("nodeID"), qint64(node)},
                                      {QStringLiteral("type"), type}, {QStringLiteral("typeName"), typeName},
                                      {QStringLiteral("kind"), Cli::kindName(type)},
                                      {QStringLiteral("label"), label}, {QStringLiteral("serialNumber"), serial},
-                                     {QStringLiteral("nbOccur"), nbOccur}});
+                                     {QStringLiteral("nbOccur"), nbOccur}, {QStringLiteral("valid"), valid}});
         else
-            table.row({QString::number(uuid), Cli::nodeText(node), Cli::kindName(type), label, serial, QString::number(nbOccur)});
+            table.row({QString::number(uuid), Cli::nodeText(node) + (valid ? QString() : Cli::tr(" INVALID")),
+                       Cli::kindName(type), label, serial, QString::number(nbOccur)});
     }
     if (cli.json())
         out.document(array);

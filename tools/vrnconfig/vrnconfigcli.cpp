@@ -44,6 +44,7 @@ void onSignal(int)
 const QChar NegativeMark(0xFDD0);
 
 const quint32 MaxRetries = 10;
+const quint32 MaxRepeats = 5;
 
 const char OptionsText[] =
     "Options:\n"
@@ -56,6 +57,9 @@ const char OptionsText[] =
     "                  discovery, how long a round waits for late answers (default: 300)\n"
     "  --retries N     run a device's job again up to N times after a timeout or a bus\n"
     "                  failure, never after a refusal (0..10, default: 2)\n"
+    "  --repeats N     send a request that got no answer again up to N times before it\n"
+    "                  times out; a device never acts on a repeat twice (0..5, default:\n"
+    "                  the setting busRepeats, else 2)\n"
     "  -h, --help      this text; help COMMAND for one command\n"
     "  --version       the tool's version\n";
 
@@ -106,9 +110,10 @@ bool VrnConfigCli::start(const QStringList& given)
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption timeout(QStringLiteral("timeout"), QString(), QStringLiteral("MS"));
     const QCommandLineOption retries(QStringLiteral("retries"), QString(), QStringLiteral("N"));
+    const QCommandLineOption repeats(QStringLiteral("repeats"), QString(), QStringLiteral("N"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringLiteral("version"));
-    m_parser.addOptions({bus, db, jsonOption, timeout, retries, help, version});
+    m_parser.addOptions({bus, db, jsonOption, timeout, retries, repeats, help, version});
     m_parser.addOptions(m_registry.options());
     if (!m_parser.parse(arguments)) {
         fail(Usage, m_parser.errorText());
@@ -150,6 +155,13 @@ bool VrnConfigCli::start(const QStringList& given)
             return false;
         }
         m_retries = int(number);
+    }
+    if (m_parser.isSet(repeats)) {
+        if (!parseNumber(m_parser.value(repeats), MaxRepeats, number)) {
+            fail(Usage, tr("bad --repeats: %1 (0..%2)").arg(m_parser.value(repeats)).arg(MaxRepeats));
+            return false;
+        }
+        m_repeats = int(number);
     }
     if (args.isEmpty()) {
         fail(Usage, tr("no command; see vrnconfig --help"));
@@ -302,6 +314,8 @@ bool VrnConfigCli::openBus()
         Settings::instance()->setValue(QStringLiteral("lastBusUUID"), remembered);
     if (m_timeout > 0)
         buses->bus()->setTimeout(m_timeout);
+    if (m_repeats >= 0)
+        buses->bus()->setRepeats(m_repeats);
     // Nodes answer a broadcast within a short spread: a round ends once the
     // line has been quiet a little longer than that, not after a fixed window.
     buses->bus()->setBroadcastQuietTime(300);

@@ -122,6 +122,7 @@ private:
     QString m_asking;
     int m_timeout = -1;
     int m_retries = 2;
+    int m_repeats = -1;  // -1: the bus's own (the setting)
     int m_exit = Ok;
     bool m_ended = false;
     std::function<void()> m_interrupt;
