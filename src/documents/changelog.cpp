@@ -1,4 +1,5 @@
 #include "changelog.h"
+
 #include "objectfactory.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,5 @@
 #include "devicebackups.h"
+
 #include "objectfactory.h"
 
 #include "networkdocument.h"
