@@ -5,7 +5,7 @@
 #include "changerecorder.h"
 #include "devicebackups.h"
 #include "jsonschemavalidator.h"
-#include "readserialjob.h"
+#include "getserialnumberjob.h"
 
 #include "getdirectionjob.h"
 #include "getendlimitsjob.h"
@@ -67,7 +67,7 @@ Make maker()
 const QList<ReadSection>& readSections()
 {
     static const QList<ReadSection> sections{
-        {"serialNumber", StdLevel, maker<ReadSerialJob>()},
+        {"serialNumber", StdLevel, maker<GetSerialNumberJob>()},
         {"label", StdLevel, maker<GetLabelJob>()},
         {"groups", StdLevel, maker<GetGroupsJob>()},
         {"firmwareVersion", StdLevel, maker<GetFwVersionJob>()},
