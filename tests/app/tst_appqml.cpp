@@ -1,5 +1,6 @@
 // The application's QML logic (tests in qml/), run against simulated devices
 // on the in-process wire. `simulator` lets a test look at or change a node.
+#include "appengine.h"
 #include "appfixture.h"
 #include "vrnconfigtoolqml.h"
 
@@ -74,6 +75,7 @@ public slots:
         VRNConfigToolQml::load(engine);
         engine->rootContext()->setContextProperty(QStringLiteral("simulator"), this);
         engine->rootContext()->setContextProperty(QStringLiteral("startBusUUID"), QString());
+        engine->rootContext()->setContextProperty(QStringLiteral("appHelper"), new AppHelper(engine));
     }
 
     void cleanupTestCase()
