@@ -53,6 +53,10 @@ namespace AppEngine {
 /// module or the window cannot be loaded.
 bool start(QQmlApplicationEngine& engine, const QString& busUUID, QString* error);
 
+/// The device registry follows the bus: each bus opened brings its own
+/// registry file, the one `vrnconfig` uses for it (`ObjectFactory::registryFile`),
+/// and closing the bus leaves an empty registry in memory. `start` calls it.
+void followBus();
 /// The language asked for by "--lang X" or "--lang=X" in `arguments`;
 /// empty: the system's.
 QString languageFromArguments(const QStringList& arguments);

@@ -9,6 +9,7 @@
 #include "vrnmessage.h"
 
 #include <QDeadlineTimer>
+#include <QHash>
 #include <QRandomGenerator>
 #include <array>
 #include <memory>
@@ -69,6 +70,8 @@ public:
     int execute(const VRNMessage& rq, VRNMessage& out);
     int executeNodeCommand(const VRNMessage& rq, VRNMessage& out);
     int executeMotorCommand(const VRNMessage& rq, VRNMessage& out);
+    /// CTRL_STOP_ALL: every node hears it, motors of the group named stop; never answered.
+    int stopAll(const VRNMessage& rq);
     int executeDiagnostic(quint8 cmd, VRNMessage& out) const;
     int moveTo(const VRNMessage& rq);
     int moveOf(const VRNMessage& rq);
@@ -185,6 +188,16 @@ public:
     quint32 refusedBlocks = 0;
     std::unique_ptr<QRandomGenerator> faultRng;
     quint32 winkCount = 0;
+
+    /// The last request of each tool (by its number) with sequence number,
+    /// and what it was answered: a repeat of it gets the same answer again.
+    struct LastRequest {
+        QByteArray request;
+        QList<QByteArray> replies;
+        qint64 atUs = 0;
+    };
+    QHash<quint32, LastRequest> lastRequests;
+    quint64 repeatsAnswered = 0;
 };
 
 #endif // SIMNODE_P_H

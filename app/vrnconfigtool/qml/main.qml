@@ -11,7 +11,8 @@ ApplicationWindow {
     title: qsTr("VRN configuration tool")
 
     // The views, by the names the tab bar shows.
-    readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic"]
+    readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic",
+                                      "backup", "history"]
     property alias currentView: tabs.currentIndex
     property string message: ""
     property bool messageIsError: false
@@ -22,6 +23,8 @@ ApplicationWindow {
     property alias diagnosticsView: diagnosticsView
     property alias firmwareView: firmwareView
     property alias trafficView: trafficView
+    property alias backupView: backupView
+    property alias historyPanel: historyPanel
     property alias jobs: jobs
     property alias aboutDialog: about
     property alias messagesPopup: messages
@@ -124,6 +127,8 @@ ApplicationWindow {
         TabButton { text: qsTr("Diagnostics") }
         TabButton { text: qsTr("Firmware") }
         TabButton { text: qsTr("Traffic") }
+        TabButton { text: qsTr("Backup && Compare") }
+        TabButton { text: qsTr("History") }
     }
 
     StackLayout {
@@ -158,15 +163,55 @@ ApplicationWindow {
             jobs: jobs
         }
         TrafficView { id: trafficView }
+        BackupView {
+            id: backupView
+            devices: window.devices
+        }
+        HistoryPanel {
+            id: historyPanel
+            session: backupView.session
+        }
+    }
+
+    // Every motor stops with one frame, from any view: the button and Escape.
+    GroupControl {
+        id: stopControl
+        onSent: if (!ok) window.showMessage(qsTr("Stop all: %1").arg(error), true)
+    }
+    function stopAllMotors() {
+        if (stopControl.stopAll())
+            showMessage(qsTr("Stop sent to every motor"), false)
+        else
+            showMessage(qsTr("Stop all: %1").arg(stopControl.lastError), true)
+    }
+    Shortcut {
+        sequence: "Escape"
+        context: Qt.ApplicationShortcut
+        onActivated: window.stopAllMotors()
     }
 
     footer: ToolBar {
         RowLayout {
             anchors.fill: parent
             anchors.leftMargin: 8
+            Button {
+                objectName: "stopAll"
+                text: qsTr("Stop all motors (Esc)")
+                palette.button: "firebrick"
+                palette.buttonText: "white"
+                onClicked: window.stopAllMotors()
+            }
             Label {
                 objectName: "statusBus"
                 text: BusFactory.busUUID !== "" ? qsTr("Bus: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
+            }
+            Label {
+                objectName: "registryStatus"
+                text: ObjectFactory.registryPath !== ""
+                      ? qsTr("Registry: %1%2").arg(ObjectFactory.registryPath).arg(ObjectFactory.readOnly ? qsTr(" (read-only)") : "")
+                      : qsTr("Registry: in memory")
+                elide: Text.ElideMiddle
+                Layout.maximumWidth: 420
             }
             Label {
                 objectName: "statusMessage"
@@ -190,6 +235,10 @@ ApplicationWindow {
     Connections {
         target: BusFactory
         function onError(error) { window.showMessage(error, true) }
+    }
+    Connections {
+        target: ObjectFactory
+        function onWriteFailed(error) { window.showMessage(error, true) }
     }
     Connections {
         target: jobs
