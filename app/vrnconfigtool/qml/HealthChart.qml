@@ -7,11 +7,13 @@ ChartView {
     id: chart
     property var view: null
     readonly property var samples: view ? view.samples : []
+    // Colours of the view around it (a chart has no palette of its own).
+    readonly property var pal: view ? view.palette : null
     antialiasing: true
     legend.alignment: Qt.AlignBottom
-    legend.labelColor: chart.palette.text
-    backgroundColor: chart.palette.base
-    plotAreaColor: chart.palette.base
+    legend.labelColor: pal.text
+    backgroundColor: pal.base
+    plotAreaColor: pal.base
 
     onSamplesChanged: {
         frames.clear()
@@ -35,8 +37,8 @@ ChartView {
         tickCount: 6
         labelFormat: "%.0f"
         titleText: qsTr("minutes")
-        labelsColor: chart.palette.text
-        titleBrush: chart.palette.text
+        labelsColor: pal.text
+        titleBrush: pal.text
     }
     ValueAxis {
         id: axisY
@@ -45,8 +47,8 @@ ChartView {
         tickCount: 6
         labelFormat: "%d"
         titleText: qsTr("per second")
-        labelsColor: chart.palette.text
-        titleBrush: chart.palette.text
+        labelsColor: pal.text
+        titleBrush: pal.text
     }
     LineSeries { id: frames; name: qsTr("Frames"); axisX: axisX; axisY: axisY; width: 2 }
     LineSeries { id: errors; name: qsTr("Errors"); axisX: axisX; axisY: axisY; width: 2; color: "firebrick" }

@@ -20,11 +20,11 @@ Pane {
 
     readonly property var columns: [
         { title: qsTr("Node"), role: "node", column: 0, chars: 14 },
-        { title: qsTr("Requests"), role: "requests", column: 1, chars: 11 },
-        { title: qsTr("Replies"), role: "replies", column: 2, chars: 11 },
-        { title: qsTr("Repeated"), role: "retransmissions", column: 3, chars: 11 },
-        { title: qsTr("No answer"), role: "timeouts", column: 4, chars: 11 },
-        { title: qsTr("Invalid frames"), role: "invalidFrames", column: 5, chars: 13 },
+        { title: qsTr("Requests"), role: "requests", column: 1, chars: 13 },
+        { title: qsTr("Replies"), role: "replies", column: 2, chars: 13 },
+        { title: qsTr("Repeated"), role: "retransmissions", column: 3, chars: 13 },
+        { title: qsTr("No answer"), role: "timeouts", column: 4, chars: 13 },
+        { title: qsTr("Invalid frames"), role: "invalidFrames", column: 5, chars: 14 },
         { title: qsTr("Median reply"), unit: qsTr("ms"), role: "medianMs", column: 6, chars: 13 },
         { title: qsTr("Slowest 5 %"), unit: qsTr("ms"), role: "p95Ms", column: 7, chars: 13 },
         { title: qsTr("Gone wrong"), unit: "%", role: "score", column: 8, chars: 12 }
