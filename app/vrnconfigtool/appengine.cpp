@@ -1,10 +1,13 @@
 #include "appengine.h"
 
+#include "busdiscoverjob.h"
+#include "busdiscovertask.h"
 #include "busfactory.h"
-#include "objectfactory.h"
 #include "changerecorder.h"
 #include "qmldocumentsession.h"
 #include "libraryversion.h"
+#include "objectfactory.h"
+#include "vrn.h"
 #include "vrnconfigtoolqml.h"
 
 #include <QCoreApplication>
@@ -113,6 +116,27 @@ void AppLog::clear()
     emit entriesChanged();
 }
 
+QVariantList AppHelper::foundDevices(QObject* discoveryJob) const
+{
+    QVariantList out;
+    auto* job = qobject_cast<Job*>(discoveryJob);
+    auto* task = job ? qobject_cast<BusDiscoverTask*>(job->task()) : nullptr;
+    if (!task)
+        return out;
+    const QList<unsigned int> uuids = job->result().value<QList<unsigned int>>();
+    const QList<unsigned int> nodes = task->answeredNodes();
+    for (int i = 0; i < uuids.size(); ++i) {
+        VRNObject::UUID uuid = uuids.at(i);
+        // A node listed before: its row, by its number and kind.
+        if (uuid == BusDiscoverTask::NoObject && i < nodes.size())
+            uuid = ObjectFactory::instance()->findObject(VRN::getNumber(nodes.at(i)),
+                                                         BusDiscoverTask::deviceType(VRN::getType(nodes.at(i))));
+        if (uuid != 0 && uuid != BusDiscoverTask::NoObject && !out.contains(uuid))
+            out.append(uuid);
+    }
+    return out;
+}
+
 QString AppEngine::languageFromArguments(const QStringList& arguments)
 {
     for (int i = 1; i < arguments.size(); ++i) {
@@ -190,6 +214,7 @@ bool AppEngine::start(QQmlApplicationEngine& engine, const QString& busUUID, QSt
         QQuickStyle::setStyle(QStringLiteral("Fusion"));
     engine.rootContext()->setContextProperty(QStringLiteral("startBusUUID"), busUUID);
     engine.rootContext()->setContextProperty(QStringLiteral("appLog"), new AppLog(&engine));
+    engine.rootContext()->setContextProperty(QStringLiteral("appHelper"), new AppHelper(&engine));
     engine.rootContext()->setContextProperty(QStringLiteral("appVersion"), QStringLiteral(VRNCONFIGTOOL_VERSION));
     engine.rootContext()->setContextProperty(QStringLiteral("libraryVersion"), VRNConfigTool::libraryVersion());
     engine.rootContext()->setContextProperty(QStringLiteral("appLanguage"), state().language);

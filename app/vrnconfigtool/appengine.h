@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 class QQmlApplicationEngine;
 
@@ -30,6 +31,17 @@ Q_SIGNALS:
 private:
     QStringList m_entries;
     int m_errors = 0;
+};
+
+/// What the views need of the library beyond its published classes.
+class AppHelper : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    /// The identities of every device a finished discovery job found, those
+    /// listed before included (the job's own result names only new ones).
+    Q_INVOKABLE QVariantList foundDevices(QObject* discoveryJob) const;
 };
 
 /// Start-up of the configuration application, shared by its `main` and its tests.

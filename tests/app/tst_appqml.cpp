@@ -84,6 +84,7 @@ public slots:
         VRNConfigToolQml::load(engine);
         engine->rootContext()->setContextProperty(QStringLiteral("simulator"), this);
         engine->rootContext()->setContextProperty(QStringLiteral("startBusUUID"), QString());
+        engine->rootContext()->setContextProperty(QStringLiteral("appHelper"), new AppHelper(engine));
     }
 
     void cleanupTestCase()

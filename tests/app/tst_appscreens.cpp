@@ -533,7 +533,8 @@ void tst_AppScreens::everyViewInBothThemes()
     call(view("devicesView"), "selectAll");
     QCOMPARE(selection->property("rowCount").toInt(), 30);
     const QStringList views{QStringLiteral("connection"), QStringLiteral("devices"), QStringLiteral("actions"),
-                            QStringLiteral("diagnostics"), QStringLiteral("firmware"), QStringLiteral("traffic")};
+                            QStringLiteral("diagnostics"), QStringLiteral("firmware"), QStringLiteral("traffic"),
+                            QStringLiteral("backup"), QStringLiteral("history"), QStringLiteral("health")};
     // A job every kind cannot run: the standard nodes say why, in words.
     QCOMPARE(call(view("actionsView"), "runOnSelection", 4).toInt(), 30); // move up
     QTRY_COMPARE_WITH_TIMEOUT(view("actionsView")->property("pending").toInt(), 0, 10000);
@@ -551,6 +552,10 @@ void tst_AppScreens::everyViewInBothThemes()
         const QColor window = m_window->property("palette").value<QPalette>().color(QPalette::Window);
         QCOMPARE(window.lightness() < 128, theme == QLatin1String("dark"));
     }
+    // The health of every node the jobs above asked, worst first.
+    show("health");
+    QTRY_VERIFY(view("healthView")->property("count").toInt() >= 29);
+    QVERIFY(visibleTexts().contains(QStringLiteral("Median reply")));
     m_window->setProperty("themeChoice", QStringLiteral("system"));
     QMetaObject::invokeMethod(m_window->findChild<QObject*>(QStringLiteral("about")), "open");
     QTRY_VERIFY(visibleTexts().contains(QStringLiteral("Application version " VRN_APP_VERSION)));
@@ -584,7 +589,7 @@ void tst_AppScreens::everyViewInGerman()
     call(view("devicesView"), "updateShown");
     QObject* jobs = m_window->property("jobs").value<QObject*>();
     QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
-    for (const char* name : {"connection", "devices", "actions", "diagnostics", "firmware", "traffic"}) {
+    for (const char* name : {"connection", "devices", "actions", "diagnostics", "firmware", "traffic", "backup", "history", "health"}) {
         show(name);
         if (QByteArray(name) == "diagnostics") {
             call(view("diagnosticsView"), "read");

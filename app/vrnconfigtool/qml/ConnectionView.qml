@@ -22,6 +22,8 @@ Pane {
     property int labelsRead: 0
     property int labelsFailed: 0
     readonly property bool readingLabels: labelsRead + labelsFailed < labelsAsked
+    // Every device of the registry, whatever the device list filters.
+    readonly property ObjectQueryModel registry: ObjectFactory.createQueryModel(view)
     // The buses opened last, newest first (at most five).
     property var recentBuses: Settings.value("recentBuses", []) || []
 
@@ -87,7 +89,7 @@ Pane {
     function discover() {
         if (discovering || !BusFactory.busWorker)
             return false
-        var before = devices.rowCount()
+        var before = registry.rowCount()
         var job = discoverJob.createObject(view)
         discovering = true
         foundCount = -1
@@ -103,14 +105,14 @@ Pane {
                 for (var i = 0; job.result && i < job.result.length && i < nodes.length; ++i)
                     ObjectFactory.settleKind(nodes[i], job.result[i])
                 var found = job.result ? job.result.length : 0
-                var added = devices.rowCount() - before
+                var added = registry.rowCount() - before
                 foundCount = found
                 newCount = added
                 knownCount = found - added
                 missingCount = before - knownCount
                 message(qsTr("Discovery: %1 found, %2 new, %3 known, %4 missing")
                         .arg(found).arg(newCount).arg(knownCount).arg(missingCount), false)
-                readLabels(job.result || [])
+                readLabels(typeof appHelper !== "undefined" ? appHelper.foundDevices(job) : (job.result || []))
             }
             job.destroy()
         })

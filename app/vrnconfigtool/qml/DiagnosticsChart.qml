@@ -8,6 +8,8 @@ import QtCharts 2.15
 ColumnLayout {
     id: chartPane
     property var view: null
+    // Colours of the view around it (a chart has no palette of its own).
+    readonly property var pal: view ? view.palette : null
     readonly property var rows: view ? view.rows : null
     // Bars drawn: how many devices have a value of the counter.
     property int bars: 0
@@ -78,13 +80,13 @@ ColumnLayout {
         Layout.fillHeight: true
         antialiasing: true
         legend.visible: false
-        backgroundColor: chartPane.palette.base
-        plotAreaColor: chartPane.palette.base
-        titleColor: chartPane.palette.text
+        backgroundColor: pal.base
+        plotAreaColor: pal.base
+        titleColor: pal.text
         BarSeries {
             id: series
-            axisX: BarCategoryAxis { id: axisX; labelsColor: chartPane.palette.text; labelsAngle: -30 }
-            axisY: ValueAxis { id: axisY; min: 0; tickCount: 6; labelFormat: "%d"; labelsColor: chartPane.palette.text }
+            axisX: BarCategoryAxis { id: axisX; labelsColor: pal.text; labelsAngle: -30 }
+            axisY: ValueAxis { id: axisY; min: 0; tickCount: 6; labelFormat: "%d"; labelsColor: pal.text }
         }
     }
 }

@@ -12,7 +12,7 @@ ApplicationWindow {
 
     // The views, by the names the tab bar shows.
     readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic",
-                                      "backup", "history"]
+                                      "backup", "history", "health"]
     property alias currentView: tabs.currentIndex
     property string message: ""
     property bool messageIsError: false
@@ -23,6 +23,7 @@ ApplicationWindow {
     property alias diagnosticsView: diagnosticsView
     property alias firmwareView: firmwareView
     property alias trafficView: trafficView
+    property alias healthView: healthView
     property alias backupView: backupView
     property alias historyPanel: historyPanel
     property alias jobs: jobs
@@ -105,7 +106,8 @@ ApplicationWindow {
         Menu {
             title: qsTr("&View")
             Repeater {
-                model: [qsTr("Connection"), qsTr("Devices"), qsTr("Actions"), qsTr("Diagnostics"), qsTr("Firmware"), qsTr("Traffic")]
+                model: [qsTr("Connection"), qsTr("Devices"), qsTr("Actions"), qsTr("Diagnostics"), qsTr("Firmware"), qsTr("Traffic"),
+                        qsTr("Backup && Compare").replace("&&", "&"), qsTr("History"), qsTr("Health")]
                 MenuItem { text: modelData; onTriggered: tabs.currentIndex = index }
             }
             MenuSeparator {}
@@ -129,6 +131,7 @@ ApplicationWindow {
         TabButton { text: qsTr("Traffic") }
         TabButton { text: qsTr("Backup && Compare") }
         TabButton { text: qsTr("History") }
+        TabButton { text: qsTr("Health") }
     }
 
     StackLayout {
@@ -171,6 +174,7 @@ ApplicationWindow {
             id: historyPanel
             session: backupView.session
         }
+        HealthView { id: healthView }
     }
 
     // Every motor stops with one frame, from any view: the button and Escape.

@@ -23,9 +23,14 @@ TestCase {
 
     function test_resultPerDevice_data() {
         return [
-            { tag: "read label on all", action: 0, type: -1, done: 7, failed: 1 }, // the setting tool is no network node
-            { tag: "wink on motors", action: 3, type: 2, done: 2, failed: 0 },
-            { tag: "wink on standard nodes", action: 3, type: 1, done: 0, failed: 3 }
+            // The setting tool is no network node: it answers no read.
+            { tag: "read label on all", action: 0, type: -1, done: 7, failed: 1, says: /^Read label: (\u201C.*\u201D|no label)$/,
+              fails: /^Read label: (?!.*(Job|Task)\b).+$/ },
+            { tag: "read groups on all", action: 1, type: -1, done: 7, failed: 1, says: /^Read groups: (groups [0-9A-F, ]+|no group)$/,
+              fails: /^Read groups: (?!.*(Job|Task)\b).+$/ },
+            { tag: "wink on motors", action: 3, type: 2, done: 2, failed: 0, says: /^Wink: done$/ },
+            { tag: "wink on standard nodes", action: 3, type: 1, done: 0, failed: 3, fails: /^Wink: not a motor$/ },
+            { tag: "move up on standard nodes", action: 4, type: 1, done: 0, failed: 3, fails: /^Move up: not a motor$/ }
         ]
     }
     function test_resultPerDevice(data) {
@@ -43,5 +48,18 @@ TestCase {
         }
         compare(view.doneCount, data.done)
         compare(view.failedCount, data.failed)
+        // Each row says what came of it in the words of the task.
+        var list = findChild(view, "actionResults")
+        tryVerify(function() { return list.count > 0 && list.itemAtIndex(0) !== null })
+        var seen = 0
+        for (var row = 0; row < list.count; ++row) {
+            var item = list.itemAtIndex(row)
+            if (!item)
+                continue
+            var outcome = findChild(item, "actionOutcome")
+            verify((item.failed ? data.fails : data.says).test(outcome.text), outcome.text)
+            ++seen
+        }
+        verify(seen > 0)
     }
 }

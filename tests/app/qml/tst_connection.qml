@@ -28,6 +28,11 @@ TestCase {
         compare(view.missingCount, 0)
         compare(devices.rowCount(), 8)
 
+        // A filtered device list changes nothing in the count; the labels
+        // of the devices found are read, as the command-line tool does.
+        tryCompare(view, "readingLabels", false, 5000)
+        compare(view.labelsRead, 8)
+        devices.searchText = "no such device"
         simulator.unplug(simulator.numbers()[0])
         verify(view.discover())
         tryCompare(view, "discovering", false, 5000)
@@ -35,6 +40,7 @@ TestCase {
         compare(view.newCount, 0)
         compare(view.knownCount, 7)
         compare(view.missingCount, 1)
+        devices.searchText = ""
         simulator.unplug(simulator.numbers()[0], false)
     }
 }
