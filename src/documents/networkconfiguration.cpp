@@ -5,7 +5,6 @@
 #include "changerecorder.h"
 #include "devicebackups.h"
 #include "jsonschemavalidator.h"
-#include "getserialnumberjob.h"
 
 #include "getdirectionjob.h"
 #include "getendlimitsjob.h"
@@ -14,6 +13,7 @@
 #include "getlabeljob.h"
 #include "getmotoripsjob.h"
 #include "getrampjob.h"
+#include "getserialnumberjob.h"
 #include "getspeedjob.h"
 #include "groupfactory.h"
 #include "grouptask.h"
@@ -258,6 +258,9 @@ void NetworkConfigurationPrivate::deviceRead(Device& d)
     }
     const QJsonObject entry = NetworkDocument::entryOf(*d.object, d.read);
     readDocument.devices.append(entry);
+    // The registry keeps the serial number the device told.
+    if (d.read.contains(QLatin1String("serialNumber")))
+        ObjectFactory::instance()->setSerialNumber(d.uuid, entry.value(QStringLiteral("serialNumber")).toString().toUtf8());
     if (mode == Compare || mode == Replace) {
         const QJsonObject want = wanted.value(d.uuid);
         const auto found = NetworkConfiguration::compareEntries(want, entry);

@@ -207,7 +207,8 @@ bool VrnConfigCli::start(const QStringList& given)
     // before anything is sent; listing and reading go on.
     static const QStringList changing{QStringLiteral("discover"), QStringLiteral("forget"), QStringLiteral("add"),
                                       QStringLiteral("set label"), QStringLiteral("set groups"),
-                                      QStringLiteral("group add"), QStringLiteral("group remove")};
+                                      QStringLiteral("group add"), QStringLiteral("group remove"),
+                                      QStringLiteral("apply"), QStringLiteral("replace")};
     if ((changing.contains(name) || changing.contains(name + QLatin1Char(' ') + command->subject)) && refuseReadOnly())
         return false;
     watchInterrupts();
