@@ -14,6 +14,11 @@ namespace AppEngine {
 /// module or the window cannot be loaded.
 bool start(QQmlApplicationEngine& engine, const QString& busUUID, QString* error);
 
+/// The device registry follows the bus: each bus opened brings its own
+/// registry file, the one `vrnconfig` uses for it (`ObjectFactory::registryFile`),
+/// and closing the bus leaves an empty registry in memory. `start` calls it.
+void followBus();
+
 } // namespace AppEngine
 
 #endif // APPENGINE_H

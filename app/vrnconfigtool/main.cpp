@@ -11,6 +11,7 @@ int main(int argc, char* argv[])
 {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("vrnconfigtool"));
+    QGuiApplication::setApplicationVersion(QStringLiteral(VRNCONFIGTOOL_VERSION));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Configures the devices of a VRN network."));
     parser.addHelpOption();

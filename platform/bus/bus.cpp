@@ -1,6 +1,7 @@
 #include "bus.h"
 #include "bus_p.h"
 #include "busevents_p.h"
+#include "bushealthmodel.h"
 
 #include <QDebug>
 #include <QTimer>
@@ -27,14 +28,56 @@ void BusPrivate::pump()
             call->finish(BusPendingCall::BusNotAvailableError);
             continue;
         }
+        const QString refused = q->refusal(call->request);
+        if (!refused.isEmpty()) {
+            qWarning().noquote() << logPrefix() << refused;
+            call->finish(BusPendingCall::OtherError, refused);
+            continue;
+        }
         current = call;
         call->broadcast = q->isBroadcast(call->request);
-        windowClock.start();
-        timer->start(call->broadcast ? broadcastSpan() : timeout);
-        emit q->messageSent(call->request);
-        if (current == call && !q->writeFrame(call->request))
+        q->stampRequest(call->request);
+        currentNode = call->broadcast ? -1 : q->nodeOf(call->request, true);
+        if (currentNode >= 0)
+            health->recordRequest(currentNode, q->nodeName(currentNode));
+        if (!writeCurrent())
             finishCurrent(BusPendingCall::WriteError);
     }
+}
+
+bool BusPrivate::writeCurrent()
+{
+    Q_Q(Bus);
+    const CallPtr call = current;
+    windowClock.start();
+    timer->start(call->broadcast ? broadcastSpan() : timeout);
+    emit q->messageSent(call->request);
+    return current != call || q->writeFrame(call->request);
+}
+
+void BusPrivate::countUnmatched(const BusMessage& frame)
+{
+    Q_Q(Bus);
+    ++unmatched;
+    const qint64 node = q->nodeOf(frame, false);
+    if (node >= 0)
+        health->recordInvalid(node, q->nodeName(node));
+    // A hostile or confused sender may flood the line: one line a second at most.
+    if (!unmatchedLog->isActive()) {
+        logUnmatched();
+        unmatchedLog->start();
+    }
+    emit q->messageUnmatched(frame);
+}
+
+void BusPrivate::logUnmatched()
+{
+    const quint64 fresh = unmatched - unmatchedLogged;
+    if (fresh == 0)
+        return;
+    unmatchedLogged = unmatched;
+    qDebug().noquote() << logPrefix() << fresh << "unmatched frame(s) dropped," << unmatched
+                       << "since the bus opened";
 }
 
 void BusPrivate::frameReceived(const BusMessage& frame)
@@ -43,12 +86,16 @@ void BusPrivate::frameReceived(const BusMessage& frame)
     emit q->messageReceived(frame);
     // A slot of messageReceived may have closed the bus or cancelled the call.
     if (!current || !q->isReplyTo(current->request, frame)) {
-        qDebug().noquote() << logPrefix() << "unmatched frame dropped:" << frame.data().toHex(' ');
+        if (open)
+            countUnmatched(frame);
         return;
     }
     current->replies.append(frame);
-    if (!current->broadcast)
+    if (!current->broadcast) {
+        if (currentNode >= 0)
+            health->recordReply(currentNode, q->nodeName(currentNode), int(windowClock.elapsed()));
         finishCurrent(BusPendingCall::NoError);
+    }
     else if (broadcastQuietTime > 0)
         timer->start(broadcastSpan());
 }
@@ -61,9 +108,23 @@ int BusPrivate::broadcastSpan() const
 
 void BusPrivate::onTimer()
 {
+    Q_Q(Bus);
     if (!current)
         return;
-    finishCurrent(current->broadcast ? BusPendingCall::NoError : BusPendingCall::TimeoutError);
+    if (current->broadcast)
+        return finishCurrent(BusPendingCall::NoError);
+    if (current->retransmissions < repeats) {
+        ++current->retransmissions;
+        ++retransmissions;
+        if (currentNode >= 0)
+            health->recordRetransmission(currentNode, q->nodeName(currentNode));
+        if (!writeCurrent())
+            finishCurrent(BusPendingCall::WriteError);
+        return;
+    }
+    if (currentNode >= 0)
+        health->recordTimeout(currentNode, q->nodeName(currentNode));
+    finishCurrent(BusPendingCall::TimeoutError);
 }
 
 void BusPrivate::finishCurrent(BusPendingCall::Error code, const QString& text)
@@ -113,6 +174,11 @@ Bus::Bus(BusPrivate& dd, QObject* parent)
     d->timer = new QTimer(this);
     d->timer->setSingleShot(true);
     connect(d->timer, &QTimer::timeout, this, [d] { d->onTimer(); });
+    d->unmatchedLog = new QTimer(this);
+    d->unmatchedLog->setSingleShot(true);
+    d->unmatchedLog->setInterval(1000);
+    connect(d->unmatchedLog, &QTimer::timeout, this, [d] { d->logUnmatched(); });
+    d->health = new BusHealthModel(this);
 }
 
 Bus::~Bus()
@@ -153,6 +219,17 @@ void Bus::setBroadcastWindow(int ms) { d_func()->broadcastWindow = qMax(0, ms); 
 int Bus::broadcastQuietTime() const { return d_func()->broadcastQuietTime; }
 void Bus::setBroadcastQuietTime(int ms) { d_func()->broadcastQuietTime = qMax(0, ms); }
 
+int Bus::repeats() const { return d_func()->repeats; }
+void Bus::setRepeats(int count) { d_func()->repeats = qBound(0, count, 5); }
+quint64 Bus::unmatchedCount() const { return d_func()->unmatched; }
+quint64 Bus::retransmissionCount() const { return d_func()->retransmissions; }
+BusHealthModel* Bus::health() const { return d_func()->health; }
+
+QString Bus::refusal(const BusMessage&) const { return QString(); }
+void Bus::stampRequest(BusMessage&) {}
+qint64 Bus::nodeOf(const BusMessage&, bool) const { return -1; }
+QString Bus::nodeName(qint64 node) const { return QString::number(node); }
+
 int Bus::pendingCount() const
 {
     Q_D(const Bus);
@@ -176,9 +253,13 @@ void Bus::setOpen(bool open)
         return;
     d->open = open;
     if (open) {
+        d->unmatched = d->unmatchedLogged = d->retransmissions = 0;
+        d->health->clear();
         emit opened();
         return;
     }
     d->finishAll(BusPendingCall::BusNotAvailableError);
+    d->unmatchedLog->stop();
+    d->logUnmatched();
     emit closed();
 }

@@ -8,6 +8,7 @@
 #include <QScopedPointer>
 
 class QIODevice;
+class BusHealthModel;
 class BusPrivate;
 
 /// A shared medium on which one call travels at a time.
@@ -27,6 +28,10 @@ class Bus : public QObject
     Q_PROPERTY(int timeout READ timeout WRITE setTimeout)
     Q_PROPERTY(int broadcastWindow READ broadcastWindow WRITE setBroadcastWindow)
     Q_PROPERTY(int broadcastQuietTime READ broadcastQuietTime WRITE setBroadcastQuietTime)
+    Q_PROPERTY(int repeats READ repeats WRITE setRepeats)
+    Q_PROPERTY(BusHealthModel* health READ health CONSTANT)
+    Q_PROPERTY(quint64 unmatchedCount READ unmatchedCount)
+    Q_PROPERTY(quint64 retransmissionCount READ retransmissionCount)
 public:
     explicit Bus(QObject* parent = nullptr);
     ~Bus() override;
@@ -54,8 +59,22 @@ public:
     /// 0 (default): a broadcast always takes its whole window.
     int broadcastQuietTime() const;
     void setBroadcastQuietTime(int ms);
+    /// Times a unicast request that got no reply within `timeout()` is sent
+    /// again, with the same bytes, before its call ends with a timeout
+    /// (2 by default, 0..5). The frame tells the node that it is a repeat
+    /// (see the transport), so a node that acted on it and whose answer was
+    /// lost answers again without acting twice.
+    int repeats() const;
+    void setRepeats(int count);
     /// Calls queued or on the wire.
     int pendingCount() const;
+    /// Frames read while the bus was open that answered no call: forged,
+    /// late, or meant for another tool. Counted, never given to a call.
+    quint64 unmatchedCount() const;
+    /// Requests sent again since the bus opened.
+    quint64 retransmissionCount() const;
+    /// Each node's figures since the bus opened (owned by the bus).
+    BusHealthModel* health() const;
 
 signals:
     void opened();
@@ -64,6 +83,8 @@ signals:
     void messageSent(const BusMessage& message);
     /// Every frame read from the wire, valid or not, before it is matched.
     void messageReceived(const BusMessage& message);
+    /// A frame of `messageReceived` that answered no call and was dropped.
+    void messageUnmatched(const BusMessage& message);
 
 protected:
     Bus(BusPrivate& dd, QObject* parent);
@@ -71,6 +92,17 @@ protected:
     virtual bool writeFrame(const BusMessage& message) = 0;
     virtual bool isBroadcast(const BusMessage& request) const = 0;
     virtual bool isReplyTo(const BusMessage& request, const BusMessage& frame) const = 0;
+    /// Why `request` must not be sent (a forbidden destination); empty when
+    /// it may go. A refused call ends at once with `OtherError` and the text.
+    virtual QString refusal(const BusMessage& request) const;
+    /// Gives a request its final bytes, once, before it first goes on the
+    /// wire; repeats send the same bytes.
+    virtual void stampRequest(BusMessage& request);
+    /// The node a unicast request goes to or a frame comes from, for the
+    /// health figures; -1 when none.
+    virtual qint64 nodeOf(const BusMessage& frame, bool request) const;
+    /// The node as people read it.
+    virtual QString nodeName(qint64 node) const;
     /// For the transport: one frame read from the wire.
     void frameReceived(const BusMessage& frame);
     /// For the transport: records the error text and reports the open state.

@@ -9,6 +9,7 @@
 #include <QQueue>
 
 class QTimer;
+class BusHealthModel;
 
 class BusPrivate
 {
@@ -35,6 +36,12 @@ public:
     int broadcastSpan() const;
     /// "[ClassName]:" of the concrete bus, for log lines.
     QString logPrefix() const;
+    /// Sends the call on the wire again; false when the transport refused.
+    bool writeCurrent();
+    /// Counts a frame that answered nothing, and says so in the log at most
+    /// once a second.
+    void countUnmatched(const BusMessage& frame);
+    void logUnmatched();
 
     Bus* q_ptr = nullptr;
     QTimer* timer = nullptr;
@@ -44,6 +51,13 @@ public:
     int timeout = 500;
     int broadcastWindow = 1000;
     int broadcastQuietTime = 0;
+    int repeats = 2;
+    qint64 currentNode = -1;
+    quint64 unmatched = 0;
+    quint64 unmatchedLogged = 0;
+    quint64 retransmissions = 0;
+    QTimer* unmatchedLog = nullptr;
+    BusHealthModel* health = nullptr;
     QElapsedTimer windowClock;
     bool open = false;
     bool pumpScheduled = false;

@@ -65,6 +65,7 @@ QString BusPendingCall::errorString() const { return d->errorString; }
 BusMessage BusPendingCall::request() const { return d->request; }
 BusMessage BusPendingCall::reply() const { return d->replies.value(0); }
 QList<BusMessage> BusPendingCall::replies() const { return d->replies; }
+int BusPendingCall::retransmissions() const { return d->retransmissions; }
 
 bool BusPendingCall::cancel()
 {

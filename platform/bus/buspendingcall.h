@@ -44,6 +44,8 @@ public:
     BusMessage reply() const;
     /// Every reply received for the call, in arrival order.
     QList<BusMessage> replies() const;
+    /// Times the request was sent again because no reply came.
+    int retransmissions() const;
 
     /// Ends the call with `CancelledError` if it has not ended yet: a call
     /// still waiting in the queue never reaches the wire, a call on the wire

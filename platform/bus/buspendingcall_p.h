@@ -30,6 +30,7 @@ public:
     BusPrivate* engine = nullptr;
     QList<BusPendingCallWatcher*> watchers;
     BusPendingCall::Error error = BusPendingCall::NoError;
+    int retransmissions = 0;
     bool finished = false;
     bool broadcast = false;
     /// Submitted while the bus was closed: ends with BusNotAvailableError.

@@ -112,6 +112,31 @@ NackStatus getNackReply(const VRNMessage& message)
     return NackStatus(quint8(message.payload().at(0)));
 }
 
+bool answers(const VRNMessage& request, const VRNMessage& reply)
+{
+    const VRNCmdInfo info = cmdInfo(request.cmd());
+    if (!info.isRequest() || !reply.isValid())
+        return false;
+    const QByteArray& payload = reply.payloadRef();
+    switch (reply.cmd()) {
+    case Nack:
+        return request.dstType() == VRN::AddrNode && payload.size() == 2
+            && quint8(payload.at(1)) == request.cmd();
+    case Ack:
+        return info.reply() == Ack && request.dstType() == VRN::AddrNode && payload.size() == 1
+            && quint8(payload.at(0)) == request.cmd();
+    default:
+        break;
+    }
+    if (reply.cmd() != info.reply())
+        return false;
+    if (request.cmd() == GetGroupAddr || request.cmd() == GetMotorIP) {
+        const QByteArray& asked = request.payloadRef();
+        return !asked.isEmpty() && !payload.isEmpty() && asked.at(0) == payload.at(0);
+    }
+    return true;
+}
+
 QString toString(NackStatus status)
 {
     switch (status) {

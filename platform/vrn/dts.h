@@ -125,6 +125,12 @@ NackStatus getNackReply(const VRNMessage& message);
 /// Text of a status, as shown to the user ("data out of range").
 QString toString(NackStatus status);
 
+/// Whether `reply` answers `request` by its command: the request's reply
+/// code; an ACK or a NACK naming the request's code (a NACK only for a
+/// request to one node); for the indexed reads (group slots, intermediate
+/// positions) the index the request named. Addresses are not looked at.
+bool answers(const VRNMessage& request, const VRNMessage& reply);
+
 } // namespace DTS
 
 /// Argument types of the motor commands.

@@ -35,6 +35,11 @@ enum AddrType : quint8 {
 
 /// Node number used on the wire as the destination of a broadcast.
 constexpr quint32 BroadcastNumber = 0xFFFFFF;
+/// Node numbers of configuration tools: 1 (the default) and the range the
+/// command-line tool draws its numbers from.
+constexpr quint32 DefaultToolNumber = 0x000001;
+constexpr quint32 FirstToolNumber = 0xFE0000;
+constexpr quint32 LastToolNumber = 0xFEFFFF;
 
 inline Addr makeAddr(NodeType type, int index)
 {
@@ -42,6 +47,28 @@ inline Addr makeAddr(NodeType type, int index)
 }
 inline NodeType getType(Addr addr) { return NodeType(addr >> 24); }
 inline quint32 getNumber(Addr addr) { return addr & 0xFFFFFFu; }
+
+/// A number no device can have: 0, the broadcast number and the tool numbers.
+inline bool isReservedNumber(quint32 number)
+{
+    return number == 0 || number >= BroadcastNumber || number == DefaultToolNumber
+        || (number >= FirstToolNumber && number <= LastToolNumber);
+}
+/// A node type a device can have: 1..14 (0 is a tool, 15 every type).
+inline bool isDeviceType(int type) { return type > NodeTool && type < NodeAll; }
+/// The address of a device: never a tool's, a broadcast's, or a reserved number.
+inline bool isDeviceAddr(Addr addr)
+{
+    return isDeviceType(getType(addr)) && !isReservedNumber(getNumber(addr));
+}
+/// A frame may come from this address: a device, or a tool (any number but
+/// 0 and the broadcast number).
+inline bool isValidSource(Addr addr)
+{
+    if (getType(addr) == NodeTool)
+        return getNumber(addr) != 0 && getNumber(addr) < BroadcastNumber;
+    return isDeviceAddr(addr);
+}
 
 } // namespace VRN
 

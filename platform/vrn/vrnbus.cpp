@@ -1,10 +1,12 @@
 #include "vrnbus.h"
 #include "vrnbus_p.h"
+#include "dts.h"
 #include "vrnmessage.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QSerialPortInfo>
 
 namespace {
@@ -214,11 +216,66 @@ bool VRNBus::isBroadcast(const BusMessage& request) const
 bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
 {
     // A node answers the address that asked: a frame to another tool's
-    // number answers that tool's request, never ours.
+    // number answers that tool's request, never ours. Frames from reserved
+    // addresses are invalid and never get here.
     const VRNMessage reply(frame);
-    const VRNMessage call(request);
-    if (!reply.isValid() || reply.dstType() != VRN::AddrNode
-        || reply.dstAddr() != VRN::getNumber(call.srcAddr()))
+    if (!reply.isValid() || reply.dstType() != VRN::AddrNode || VRN::getType(reply.srcAddr()) == VRN::NodeTool)
         return false;
-    return call.dstType() != VRN::AddrNode || reply.srcAddr(false) == call.dstAddr();
+    const VRNMessage call(request);
+    if (reply.dstAddr() != VRN::getNumber(call.srcAddr()))
+        return false;
+    if (call.dstType() == VRN::AddrNode
+        && (reply.srcAddr(false) != call.dstAddr() || (reply.seq() != 0 && reply.seq() != call.seq())))
+        return false;
+    return DTS::answers(call, reply);
+}
+
+QString VRNBus::refusal(const BusMessage& request) const
+{
+    // A request that wants an acknowledgement is meant for one node, even
+    // when its destination is the broadcast number.
+    const VRNMessage call(request);
+    const bool toOne = call.dstType() == VRN::AddrNode || (call.ack() && call.dstType() == VRN::AddrBroadcast);
+    if (!toOne || !VRN::isReservedNumber(call.dstAddr()))
+        return QString();
+    return tr("request 0x%1 to node 0x%2 refused: the number is reserved (broadcast, tool or none), "
+              "never a device's")
+        .arg(call.cmd(), 2, 16, QLatin1Char('0'))
+        .arg(call.dstAddr(), 6, 16, QLatin1Char('0'));
+}
+
+quint8 VRNBusPrivate::nextSeq(quint32 node)
+{
+    auto it = seqByNode.find(node);
+    if (it == seqByNode.end())
+        it = seqByNode.insert(node, quint8(QRandomGenerator::global()->bounded(1, VRNMessage::MaxSeq + 1)));
+    const quint8 seq = *it;
+    *it = seq >= VRNMessage::MaxSeq ? 1 : seq + 1;
+    return seq;
+}
+
+void VRNBus::stampRequest(BusMessage& request)
+{
+    Q_D(VRNBus);
+    VRNMessage call(request);
+    if (!call.isValid() || call.dstType() != VRN::AddrNode || call.seq() != 0)
+        return;
+    call.setSeq(d->nextSeq(call.dstAddr()));
+    if (call.prepare())
+        request = BusMessage(call.data());
+}
+
+qint64 VRNBus::nodeOf(const BusMessage& frame, bool request) const
+{
+    const VRNMessage m(frame);
+    if (!m.isValid())
+        return -1;
+    if (request)
+        return m.dstType() == VRN::AddrNode ? qint64(m.dstAddr()) : -1;
+    return VRN::getType(m.srcAddr()) == VRN::NodeTool ? -1 : qint64(m.srcAddr(false));
+}
+
+QString VRNBus::nodeName(qint64 node) const
+{
+    return QStringLiteral("0x") + QStringLiteral("%1").arg(quint32(node), 6, 16, QLatin1Char('0')).toUpper();
 }

@@ -23,8 +23,11 @@ class VRNBusPrivate;
 /// bytes that start no valid frame are dropped one by one and reported as one
 /// invalid `messageReceived`. Frames sent from `VRN::toolAddr()` are our own
 /// echo and are dropped before they are reported. A unicast request is
-/// answered by the first valid frame from the called node to the tool; a
-/// broadcast or group request collects every valid frame to the tool.
+/// answered by the first valid frame from the called node to the tool that
+/// answers its command (`DTS::answers`: reply code, acknowledged command,
+/// index) and carries its sequence number; a broadcast or group request
+/// collects every such frame from any device. Requests to one node are given
+/// a sequence number (PROTOCOL.md) and are never sent to a reserved number.
 class VRNBus : public Bus
 {
     Q_OBJECT
@@ -62,6 +65,10 @@ protected:
     bool writeFrame(const BusMessage& message) override;
     bool isBroadcast(const BusMessage& request) const override;
     bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override;
+    QString refusal(const BusMessage& request) const override;
+    void stampRequest(BusMessage& request) override;
+    qint64 nodeOf(const BusMessage& frame, bool request) const override;
+    QString nodeName(qint64 node) const override;
 
 private:
     Q_DECLARE_PRIVATE(VRNBus)

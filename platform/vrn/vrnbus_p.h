@@ -6,6 +6,8 @@
 #include "vrnbus.h"
 #include "vrnframecutter.h"
 
+#include <QHash>
+
 class VRNBusPrivate : public BusPrivate
 {
     Q_DECLARE_PUBLIC(VRNBus)
@@ -20,6 +22,13 @@ public:
     /// Clears what a previous session left in the receive buffers.
     void resetStream();
 
+    /// The sequence number of the next request to each node: consecutive
+    /// requests to one node never share one, and a new session starts at a
+    /// random place so that it does not repeat the last one of a session
+    /// before.
+    quint8 nextSeq(quint32 node);
+
+    QHash<quint32, quint8> seqByNode;
     QString portName;
     QSerialPort* port = nullptr;
     VRNFrameCutter cutter;

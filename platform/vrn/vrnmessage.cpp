@@ -29,7 +29,8 @@ VRNMessage::VRNMessage(const BusMessage& frame)
     const char* p = bytes.constData();
     m_cmd = quint8(p[0]);
     m_ack = lengthByte(p) & AckFlag;
-    m_src = (VRN::Addr(quint8(p[2])) << 24) | read24(p + 3);
+    m_src = (VRN::Addr(quint8(p[2]) & TypeMask) << 24) | read24(p + 3);
+    m_seq = quint8(p[2]) >> SeqShift;
     m_dst = read24(p + 6);
     if (lengthByte(p) & GroupFlag)
         m_dstType = VRN::AddrGroup;
@@ -38,7 +39,9 @@ VRNMessage::VRNMessage(const BusMessage& frame)
     else
         m_dstType = VRN::AddrNode;
     m_payload = bytes.mid(HeaderSize, bytes.size() - MinFrameSize);
-    m_valid = true;
+    // A device never sends from a reserved address: such a frame is forged
+    // or broken, whatever its checksum says.
+    m_valid = VRN::isValidSource(m_src);
 }
 
 VRNMessage::VRNMessage(quint8 cmd, VRN::Addr src, quint32 dst, VRN::AddrType dstType,
@@ -52,6 +55,7 @@ VRNMessage::VRNMessage(quint8 cmd, VRN::Addr src, quint32 dst, VRN::AddrType dst
 void VRNMessage::setCmd(quint8 cmd) { m_cmd = cmd; m_valid = false; }
 void VRNMessage::setAck(bool ack) { m_ack = ack; m_valid = false; }
 void VRNMessage::setSrcAddr(VRN::Addr addr) { m_src = addr; m_valid = false; }
+void VRNMessage::setSeq(quint8 seq) { m_seq = seq & MaxSeq; m_valid = false; }
 void VRNMessage::setPayload(const QByteArray& payload) { m_payload = payload; m_valid = false; }
 
 VRN::Addr VRNMessage::srcAddr(bool withType) const
@@ -78,7 +82,7 @@ bool VRNMessage::prepare()
     out.reserve(length);
     out.append(char(m_cmd));
     out.append(char(length | (m_ack ? AckFlag : 0) | (m_dstType == VRN::AddrGroup ? GroupFlag : 0)));
-    out.append(char(VRN::getType(m_src)));
+    out.append(char((VRN::getType(m_src) & TypeMask) | (m_seq << SeqShift)));
     append24(out, VRN::getNumber(m_src));
     append24(out, m_dst);
     out.append(m_payload);

@@ -25,6 +25,9 @@ public:
         MaxPayloadSize = MaxFrameSize - MinFrameSize
     };
     enum : quint8 { AckFlag = 0x80, GroupFlag = 0x40, LengthMask = 0x3F };
+    /// Byte 2 carries the sender's node type in its low nibble and the
+    /// request's sequence number in its high nibble.
+    enum : quint8 { TypeMask = 0x0F, SeqShift = 4, MaxSeq = 15 };
 
     VRNMessage();
     VRNMessage(const BusMessage& frame);
@@ -42,12 +45,19 @@ public:
     void setSrcAddr(VRN::Addr addr);
     /// Destination node or group number (24 bits); 0xFFFFFF for a broadcast.
     quint32 dstAddr() const { return m_dst; }
+    /// Sequence number 1..15 of a unicast request (a node answers a repeat
+    /// of its last request again without acting on it), echoed in the
+    /// reply; 0: none, the request is always carried out.
+    quint8 seq() const { return m_seq; }
+    void setSeq(quint8 seq);
     VRN::AddrType dstType() const { return m_dstType; }
     void setDstAddr(quint32 number, VRN::AddrType type);
     bool isBroadcast() const { return m_dstType == VRN::AddrBroadcast; }
     QByteArray payload() const { return m_payload; }
     void setPayload(const QByteArray& payload);
     QByteArray& payloadRef() { m_valid = false; return m_payload; }
+    /// The payload without a copy.
+    const QByteArray& payloadRef() const { return m_payload; }
 
     /// Encodes the fields into the frame bytes; false (and invalid) when the
     /// payload is longer than `MaxPayloadSize`.
@@ -65,6 +75,7 @@ private:
     quint32 m_dst = 0;
     VRN::AddrType m_dstType = VRN::AddrNode;
     quint8 m_cmd = 0;
+    quint8 m_seq = 0;
     bool m_ack = false;
     bool m_valid = false;
 };

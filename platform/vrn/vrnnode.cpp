@@ -61,6 +61,14 @@ BusPendingCall VRNNode::request(quint8 cmd, const PayloadWriter& fill) const
     }
     if (!bus())
         return BusPendingCall::fromError(BusPendingCall::BusNotAvailableError);
+    // An address no device can have (an old registry row, a forged answer)
+    // would reach every node or another tool: never sent.
+    if (d->addrType == VRN::AddrNode && !VRN::isDeviceAddr(d->addr)) {
+        const QString text = tr("address 0x%1 is reserved, never a device's: request refused")
+                                 .arg(d->addr, 8, 16, QLatin1Char('0'));
+        qWarning().noquote() << "[VRNNode]:" << text;
+        return BusPendingCall::fromError(BusPendingCall::OtherError, text);
+    }
 
     // A node answers exactly once; a group or broadcast request collects
     // whatever arrives in the bus's window.

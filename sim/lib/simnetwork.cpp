@@ -1,6 +1,7 @@
 #include "simnetwork.h"
 #include "simnetwork_p.h"
 
+#include "dts.h"
 #include "vrnmessage.h"
 
 #include <QDebug>
@@ -75,6 +76,70 @@ void SimNetworkPrivate::flushDue()
         emit q->frameOut(frame);
     }
     armTimer();
+}
+
+QList<QByteArray> SimNetworkPrivate::forge(const VRNMessage& request)
+{
+    const quint32 tool = request.srcAddr(false);
+    auto frame = [tool, &request](quint8 cmd, VRN::Addr src, const QByteArray& payload) {
+        VRNMessage m(cmd, src, tool, VRN::AddrNode, payload);
+        m.setSeq(request.seq());
+        m.prepare();
+        return m.data();
+    };
+    const bool unicast = request.dstType() == VRN::AddrNode;
+    const VRN::Addr called = VRN::makeAddr(VRN::NodeMotor, int(request.dstAddr()));
+    QList<QByteArray> out;
+    switch (hostile) {
+    case SimNetwork::NoHostile:
+        break;
+    case SimNetwork::HostileBroadcast:
+        if (request.cmd() != DTS::GetNodeAddr || unicast)
+            break;
+        // Every kind of address no device may have, in turn.
+        for (int i = 0; i < SimNetwork::HostileBroadcastAnswers; ++i) {
+            const VRN::Addr forged[] = {
+                VRN::makeAddr(VRN::NodeKeypad, int(VRN::BroadcastNumber)),
+                VRN::makeAddr(VRN::NodeMotor, 0),
+                VRN::makeAddr(VRN::NodeMotor, int(VRN::FirstToolNumber) + i),
+                VRN::makeAddr(VRN::NodeAll, 0x100 + i),
+                VRN::makeAddr(VRN::NodeTool, int(VRN::BroadcastNumber)),
+            };
+            out << frame(DTS::PostNodeAddr, forged[i % 5], QByteArray());
+        }
+        break;
+    case SimNetwork::HostileAcks:
+        if (unicast) {
+            // Codes of other requests, never the one asked.
+            const quint8 wrong[] = {DTS::CtrlWink, DTS::CtrlMoveTo, DTS::FwUpdateBegin, DTS::SetGroupAddr};
+            for (quint8 code : wrong) {
+                if (code != request.cmd()) {
+                    out << frame(DTS::Ack, called, QByteArray(1, char(code)));
+                    break;
+                }
+            }
+        }
+        break;
+    case SimNetwork::HostileSlots:
+        if (unicast && request.cmd() == DTS::GetGroupAddr)
+            out << frame(DTS::PostGroupAddr, called, QByteArray::fromHex("03ABCDEF"));
+        break;
+    case SimNetwork::HostileRandom: {
+        const QList<quint8> codes = DTS::cmds().keys();
+        for (int n = rng.bounded(1, 4); n > 0; --n) {
+            const VRNCmdInfo info = DTS::cmdInfo(codes.at(rng.bounded(codes.size())));
+            QByteArray payload(rng.bounded(info.minPayload(), info.maxPayload() + 1), Qt::Uninitialized);
+            for (char& c : payload)
+                c = char(rng.bounded(256));
+            const VRN::Addr src = rng.bounded(2) ? called
+                : VRN::makeAddr(VRN::NodeType(rng.bounded(16)), int(rng.bounded(0x1000000u)));
+            out << frame(info.cmd(), src, payload);
+        }
+        break;
+    }
+    }
+    framesForged += quint64(out.size());
+    return out;
 }
 
 quint32 SimNetworkPrivate::nextFreeNumber()
@@ -248,6 +313,9 @@ void SimNetwork::frameIn(const QByteArray& frame)
     if (!spread)  // values() lists the latest insertion first; answer in the order of adding
         std::reverse(listeners.begin(), listeners.end());
     QList<QPair<qint64, QByteArray>> answers;
+    // The hostile node answers at once, ahead of the real ones.
+    for (const QByteArray& forged : d->forge(request))
+        answers.append({requestEndUs, forged});
     const qint64 latencyUs = qint64(d->latencyMs) * 1000;
     const int windowUs = d->replyWindowMs * 1000;
     for (SimNode* node : qAsConst(listeners)) {
@@ -262,6 +330,24 @@ void SimNetwork::frameIn(const QByteArray& frame)
     for (const auto& answer : qAsConst(answers))
         d->send(answer.first, answer.second);
     d->armTimer();
+}
+
+SimNetwork::Hostile SimNetwork::hostile() const { return d_func()->hostile; }
+void SimNetwork::setHostile(Hostile mode) { d_func()->hostile = mode; }
+quint64 SimNetwork::framesForged() const { return d_func()->framesForged; }
+
+bool SimNetwork::hostileFromName(const QString& name, Hostile* mode)
+{
+    static const QHash<QString, Hostile> names = {{QStringLiteral("broadcast"), HostileBroadcast},
+                                                  {QStringLiteral("acks"), HostileAcks},
+                                                  {QStringLiteral("slots"), HostileSlots},
+                                                  {QStringLiteral("random"), HostileRandom}};
+    const auto it = names.constFind(name);
+    if (it == names.constEnd())
+        return false;
+    if (mode)
+        *mode = *it;
+    return true;
 }
 
 quint64 SimNetwork::framesIn() const { return d_func()->framesIn; }

@@ -86,6 +86,21 @@ public:
     /// Connects to an in-process bus that has the signal
     /// `transmitted(QByteArray)` and the slot `inject(QByteArray)` (the
     /// loopback bus); false when `bus` has neither.
+    /// A node that forges frames, for tests of what the tools let in.
+    enum Hostile {
+        NoHostile,
+        HostileBroadcast,  ///< answers each discovery round 40 times from reserved addresses
+        HostileAcks,       ///< acknowledges every request to a node with a wrong command code
+        HostileSlots,      ///< answers every group slot read with slot 3 holding 0xABCDEF
+        HostileRandom      ///< answers every request with random valid frames
+    };
+    Hostile hostile() const;
+    void setHostile(Hostile mode);
+    /// "broadcast", "acks", "slots", "random"; false for anything else.
+    static bool hostileFromName(const QString& name, Hostile* mode);
+    enum : int { HostileBroadcastAnswers = 40 };
+    quint64 framesForged() const;
+
     bool attach(QObject* bus);
 
     quint64 framesIn() const;        ///< frames received, valid or not

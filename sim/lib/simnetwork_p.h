@@ -5,6 +5,8 @@
 #include "simclock.h"
 #include "simnetwork.h"
 
+class VRNMessage;
+
 #include <QHash>
 #include <QRandomGenerator>
 #include <QTimer>
@@ -29,6 +31,8 @@ public:
     void armTimer();
     void flushDue();
     quint32 nextFreeNumber();
+    /// What the hostile node sends in answer to `request`.
+    QList<QByteArray> forge(const VRNMessage& request);
 
     SimNetwork* q_ptr = nullptr;
     QRandomGenerator rng;
@@ -42,6 +46,8 @@ public:
     int latencyMs = 0;
     int baud = 0;
     int replyWindowMs = 50;
+    SimNetwork::Hostile hostile = SimNetwork::NoHostile;
+    quint64 framesForged = 0;
 
     SimClock clock;
     qint64 lineFreeUs = 0;

@@ -316,7 +316,29 @@ QList<QByteArray> SimNode::handle(const VRNMessage& request)
     d->networkStat.frameReceived++;
     if (d->silent || (isDeaf() && !isToolType(VRN::getType(request.srcAddr()))))
         return {};
+    // A tool repeats a request whose answer it did not get, with the same
+    // sequence number: answer again, never act twice.
+    const bool numbered = request.dstType() == VRN::AddrNode && request.seq() != 0;
+    if (numbered) {
+        const auto last = d->lastRequests.constFind(request.srcAddr(false));
+        if (last != d->lastRequests.constEnd() && last->request == request.data()
+            && d->nowUs() - last->atUs < qint64(RepeatWindowMs) * 1000) {
+            d->repeatsAnswered++;
+            d->networkStat.frameSent += quint32(last->replies.size());
+            return last->replies;
+        }
+    }
+    const QList<QByteArray> replies = answer(request);
+    if (numbered)
+        d->lastRequests.insert(request.srcAddr(false), {request.data(), replies, d->nowUs()});
+    return replies;
+}
 
+quint64 SimNode::repeatsAnswered() const { return d_func()->repeatsAnswered; }
+
+QList<QByteArray> SimNode::answer(const VRNMessage& request)
+{
+    Q_D(SimNode);
     const bool unicast = request.dstType() == VRN::AddrNode;
     VRNMessage out;
     int status = SimNodePrivate::NoAnswer;
@@ -342,6 +364,7 @@ QList<QByteArray> SimNode::handle(const VRNMessage& request)
         return {};
     out.setSrcAddr(address());
     out.setDstAddr(request.srcAddr(false), VRN::AddrNode);
+    out.setSeq(request.seq());
     out.prepare();
     d->networkStat.frameSent++;
     return {out.data()};

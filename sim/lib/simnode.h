@@ -157,6 +157,11 @@ public:
     /// Answers one request: the frames (bytes) the node sends, in order;
     /// empty when it does not answer. Counts the frame in the statistics.
     QList<QByteArray> handle(const VRNMessage& request);
+    /// Repeated requests answered again without being carried out.
+    quint64 repeatsAnswered() const;
+    /// A repeat comes within this time of the request it repeats; later, the
+    /// same frame is a new request.
+    enum : int { RepeatWindowMs = 30000 };
     /// Counts a frame that failed its checksum (network error statistics).
     void countInvalidFrame();
     /// True when `request` is addressed to this node (its number, a group it
@@ -271,6 +276,8 @@ signals:
 
 protected:
     SimNode(SimNodePrivate& dd, QObject* parent);
+    /// Carries out one request addressed to the node and gives its answers.
+    QList<QByteArray> answer(const VRNMessage& request);
     QScopedPointer<SimNodePrivate> d_ptr;
 
 private:

@@ -9,6 +9,7 @@
 #include "vrnmessage.h"
 
 #include <QDeadlineTimer>
+#include <QHash>
 #include <QRandomGenerator>
 #include <array>
 #include <memory>
@@ -187,6 +188,16 @@ public:
     quint32 refusedBlocks = 0;
     std::unique_ptr<QRandomGenerator> faultRng;
     quint32 winkCount = 0;
+
+    /// The last request of each tool (by its number) with sequence number,
+    /// and what it was answered: a repeat of it gets the same answer again.
+    struct LastRequest {
+        QByteArray request;
+        QList<QByteArray> replies;
+        qint64 atUs = 0;
+    };
+    QHash<quint32, LastRequest> lastRequests;
+    quint64 repeatsAnswered = 0;
 };
 
 #endif // SIMNODE_P_H

@@ -105,6 +105,7 @@ int main(int argc, char* argv[])
     network.setBaud(options.baud);
     network.setReplyWindow(options.replyWindowMs);
     network.setTimeScale(options.timeScale);
+    network.setHostile(options.hostile);
     for (SimNode* node : network.nodes()) {
         node->setPowerLossAtBlock(options.powerLossAt);
         node->setBlockCorruption(options.corruptBlocks);
@@ -139,13 +140,14 @@ int main(int argc, char* argv[])
     app.exec();
 
     std::fprintf(stderr,
-                 "vrnsim: frames in %llu, out %llu, lost %llu, corrupted %llu, invalid %llu; "
+                 "vrnsim: frames in %llu, out %llu, lost %llu, corrupted %llu, invalid %llu, forged %llu; "
                  "line time %lld us\n",
                  static_cast<unsigned long long>(network.framesIn()),
                  static_cast<unsigned long long>(network.framesOut()),
                  static_cast<unsigned long long>(network.framesLost()),
                  static_cast<unsigned long long>(network.framesCorrupted()),
                  static_cast<unsigned long long>(network.framesInvalid()),
+                 static_cast<unsigned long long>(network.framesForged()),
                  static_cast<long long>(network.lineTimeUs()));
     return 0;
 }

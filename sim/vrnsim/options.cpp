@@ -1,4 +1,5 @@
 #include "options.h"
+#include "simnetwork.h"
 
 #include <QCommandLineParser>
 
@@ -95,6 +96,11 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
          QStringLiteral("N")},
         {QStringLiteral("corrupt-blocks"), QStringLiteral("Probability (0..1) that a firmware block arrives "
                                                           "damaged and is refused."), QStringLiteral("P")},
+        {QStringLiteral("hostile"), QStringLiteral("Add a node that forges frames: broadcast (answers each discovery "
+                                                   "round 40 times from reserved addresses), acks (acknowledges every "
+                                                   "request with a wrong command), slots (answers every group read "
+                                                   "with slot 3), random (random valid frames)."),
+         QStringLiteral("MODE")},
     });
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
@@ -144,5 +150,11 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
         && readNumber(parser, QStringLiteral("time-scale"), 0.01, 10000.0, &timeScale, error,
                       [](const QString& t, bool* ok) { return t.toDouble(ok); });
     seed = quint32(seedValue);
+    if (numbersOk && parser.isSet(QStringLiteral("hostile"))
+        && !SimNetwork::hostileFromName(parser.value(QStringLiteral("hostile")), &hostile)) {
+        *error = QStringLiteral("--hostile: \"%1\" is not broadcast, acks, slots or random")
+                     .arg(parser.value(QStringLiteral("hostile")));
+        return Error;
+    }
     return numbersOk ? Run : Error;
 }

@@ -1,6 +1,8 @@
 #ifndef OPTIONS_H
 #define OPTIONS_H
 
+#include "simnetwork.h"
+
 #include <QHostAddress>
 #include <QString>
 #include <QStringList>
@@ -27,6 +29,7 @@ struct SimOptions
     double timeScale = 1.0;
     int powerLossAt = -1;
     double corruptBlocks = 0.0;
+    SimNetwork::Hostile hostile = SimNetwork::NoHostile;
 
     /// Reads `arguments` (program name first); on Error `error` says why,
     /// on Help `error` holds the help text.

@@ -24,6 +24,11 @@ BusFactoryPrivate::BusFactoryPrivate(BusFactory* owner)
 template <typename UuidOf>
 bool BusFactoryPrivate::openBus(VRNBus* newBus, UuidOf uuidOf)
 {
+    // How often a lost request is sent again: the setting "busRepeats" (0..5).
+    bool ok = false;
+    const int repeats = Settings::instance()->value(QStringLiteral("busRepeats"), newBus->repeats()).toInt(&ok);
+    if (ok)
+        newBus->setRepeats(repeats);
     if (!newBus->open()) {
         setError(newBus->errorString());
         delete newBus;

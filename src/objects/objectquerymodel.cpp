@@ -25,8 +25,37 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db), changesQuery(db), versionQuery(db)
 {
+    changesQuery.prepare(QStringLiteral("SELECT total_changes()"));
+    versionQuery.prepare(QStringLiteral("PRAGMA data_version"));
+}
+
+ObjectQueryModelPrivate::Stamp ObjectQueryModelPrivate::stamp()
+{
+    Stamp now;
+    if (changesQuery.exec() && changesQuery.next())
+        now.changes = changesQuery.value(0).toLongLong();
+    changesQuery.finish();
+    if (versionQuery.exec() && versionQuery.next())
+        now.version = versionQuery.value(0).toLongLong();
+    versionQuery.finish();
+    return now;
+}
+
+void ObjectQueryModelPrivate::checkAnchors(int expected)
+{
+    if (!anchorsBuilt)
+        return;
+    // Rows written past the factory (another connection, another process,
+    // a statement of the caller's own) may sit anywhere: positions counted
+    // from the anchors would be off by them.
+    const Stamp now = stamp();
+    if (now.version != anchorStamp.version || now.changes < anchorStamp.changes
+        || now.changes > anchorStamp.changes + expected)
+        dropAnchors();
+    else
+        anchorStamp = now;
 }
 
 QString ObjectQueryModelPrivate::sortColumnName() const
@@ -161,6 +190,7 @@ void ObjectQueryModelPrivate::buildAnchors()
 {
     anchors.clear();
     anchorsBuilt = true;
+    anchorStamp = stamp();
     ++anchorGeneration;
     // Positions among the rows with a key, in (raw value, uuid) order as
     // the counting statement has it; rows of other storage classes keep
@@ -232,6 +262,7 @@ int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
     qint64 key = 0;
     if (!anchoredColumn() || !integerKey(uuid, &key))
         return countIndexOf(uuid);
+    checkAnchors();
     if (!anchorsBuilt)
         buildAnchors();
     // The nearest anchor at or before the row; none: count from the start.
@@ -465,6 +496,8 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     Q_D(ObjectQueryModel);
     if (!object)
         return;
+    // The insert being announced is the one change the anchors may have missed.
+    d->checkAnchors(1);
     const int generation = d->anchorGeneration;
     const int v = d->indexOf(object->uuid());
     if (v >= 0)
@@ -502,9 +535,11 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
 void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
-    // A save may write the sorted column.
+    // A save may write the sorted column; it never moves a uuid.
     if (d->sortColumn != ObjectFactory::UuidColumn)
         d->dropAnchors();
+    else
+        d->checkAnchors(1);
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
@@ -558,6 +593,7 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr addr
     }
     const int v = d->pendingRemoval;
     d->pendingRemoval = -1;
+    d->checkAnchors(1);
     if (d->removedKeyKnown && d->anchorsBuilt)
         d->shiftAnchors(d->removedKey, uuid, -1);
     d->removedKeyKnown = false;
@@ -572,4 +608,20 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr addr
     --d->rowCount;
     endRemoveRows();
     d->refreshDoublonInfo(address, 0, -1);
+}
+
+void ObjectQueryModel::onRegistryChanged()
+{
+    beginResetModel();
+    const ObjectFactory::DevicesTableColumn column = d_ptr->sortColumn;
+    const Qt::SortOrder order = d_ptr->sortOrder;
+    ObjectSelectionModel* selection = d_ptr->selection;
+    d_ptr.reset(new ObjectQueryModelPrivate(this, ObjectFactory::instance()->database()));
+    d_ptr->sortColumn = column;
+    d_ptr->sortOrder = order;
+    d_ptr->selection = selection;
+    d_ptr->select(0, true);
+    endResetModel();
+    if (selection)
+        selection->setDatabase(d_ptr->db, d_ptr->viewName);
 }

@@ -82,6 +82,9 @@ private Q_SLOTS:
     void onObjectChanged(VRNObject::UUID uuid);
     void onBeginObjectDestroy(VRNObject::UUID uuid);
     void onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr address);
+    /// The factory moved to another registry: the rows, the page and the
+    /// selection are those of the new one (a reset), sort kept.
+    void onRegistryChanged();
 
 private:
     friend class ObjectFactory;

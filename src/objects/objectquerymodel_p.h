@@ -60,6 +60,18 @@ public:
         bool operator<(const Anchor& o) const { return key < o.key || (key == o.key && uuid < o.uuid); }
     };
     bool anchoredColumn() const;
+    /// What the database has seen written: this connection's row changes
+    /// and the commits of other connections. Anchors are good only for the
+    /// stamp they were read or moved at.
+    struct Stamp
+    {
+        qint64 changes = -1;
+        qint64 version = -1;
+    };
+    Stamp stamp();
+    /// Anchors read before a change the model did not hear of go; `expected`
+    /// row changes on this connection (the one being announced) are allowed.
+    void checkAnchors(int expected = 0);
     void dropAnchors();
     void buildAnchors();
     /// The integer sort key of the row `uuid`; false for a missing row or a
@@ -100,6 +112,9 @@ public:
     QString nextRowsStatement;
     QVector<Anchor> anchors;
     bool anchorsBuilt = false;
+    Stamp anchorStamp;
+    QSqlQuery changesQuery;
+    QSqlQuery versionQuery;
     int anchorGeneration = 0;
     QSqlQuery keyQuery;
     QSqlQuery betweenQuery;

@@ -35,6 +35,9 @@ class ObjectSelectionModel : public QAbstractListModel
 public:
     explicit ObjectSelectionModel(const QSqlDatabase& db, QObject* parent = nullptr);
     ~ObjectSelectionModel() override;
+    /// Starts afresh, empty, on another database (the registry of another
+    /// bus) over its table `deviceTable`.
+    void setDatabase(const QSqlDatabase& db, const QString& deviceTable);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     /// The uuid of the row, for any role.

@@ -1,5 +1,6 @@
 // The application's QML logic (tests in qml/), run against simulated devices
 // on the in-process wire. `simulator` lets a test look at or change a node.
+#include "appengine.h"
 #include "appfixture.h"
 #include "vrnconfigtoolqml.h"
 
@@ -34,6 +35,12 @@ public:
             out.append(node->number());
         return out;
     }
+    /// Opens another network of `devices` as the bus (the first one's wire
+    /// goes with its bus), as the user opening another bus does.
+    Q_INVOKABLE void openOtherBus(const QString& devices)
+    {
+        m_other.reset(new AppFixture::Network(devices, 20, QStringLiteral("loopback-other")));
+    }
 
 public slots:
     void applicationAvailable()
@@ -43,8 +50,11 @@ public slots:
     }
     void qmlEngineAvailable(QQmlEngine* engine)
     {
-        if (!m_network)
+        if (!m_network) {
+            // As the application does: the registry follows the bus.
+            AppEngine::followBus();
             m_network.reset(new AppFixture::Network(QStringLiteral("std:3,motor:2,tx30:1,tx50dc:1,settingtool:1")));
+        }
         VRNConfigToolQml::load(engine);
         engine->rootContext()->setContextProperty(QStringLiteral("simulator"), this);
         engine->rootContext()->setContextProperty(QStringLiteral("startBusUUID"), QString());
@@ -52,6 +62,7 @@ public slots:
 
     void cleanupTestCase()
     {
+        m_other.reset();
         m_network.reset();
         AppFixture::destroySingletons();
     }
@@ -59,6 +70,7 @@ public slots:
 private:
     QTemporaryDir m_home;
     QScopedPointer<AppFixture::Network> m_network;
+    QScopedPointer<AppFixture::Network> m_other;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(tst_appqml, Simulator)

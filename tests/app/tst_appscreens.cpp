@@ -33,6 +33,7 @@ private slots:
     void firmware();
     void traffic();
     void stopAllOnEscape();
+    void backupAndHistory();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -362,6 +363,78 @@ void tst_AppScreens::stopAllOnEscape()
     QVERIFY(frame.isBroadcast());
     QTest::qWait(50);
     QCOMPARE(sent.count(), 1);
+}
+
+// Backup & Compare: a backup of the network, one label changed behind the
+// application's back, the document opened (one difference, both values
+// shown), the difference written back; the replacement dialog's preview; the
+// History panel with the write.
+void tst_AppScreens::backupAndHistory()
+{
+    show("backup");
+    QObject* backup = view("backupView");
+    QObject* session = backup->property("session").value<QObject*>();
+    const QString file = m_home.filePath(QStringLiteral("site.json"));
+    bool ok = false;
+    QVERIFY(QMetaObject::invokeMethod(session, "backup", Q_RETURN_ARG(bool, ok), Q_ARG(QString, file)) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 30000);
+    QVERIFY2(session->property("lastError").toString().isEmpty(), qPrintable(session->property("lastError").toString()));
+    QCOMPARE(session->property("deviceCount").toInt(), 30);
+
+    SimNode* node = m_network->net.nodes().first();
+    const QByteArray label = node->label();
+    node->setLabel("Moved");
+    QVERIFY(QMetaObject::invokeMethod(session, "open", Q_RETURN_ARG(bool, ok), Q_ARG(QString, file), Q_ARG(bool, false)) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 30000);
+    QCOMPARE(session->property("differences").toList().size(), 1);
+    QCOMPARE(shown("differencesList", "documentValue"), QStringList{QLatin1Char('"') + QString::fromUtf8(label) + QLatin1Char('"')});
+    QCOMPARE(shown("differencesList", "deviceValue"), QStringList{QStringLiteral("\"Moved\"")});
+    save(QStringLiteral("backup"));
+
+    QVERIFY(QMetaObject::invokeMethod(session, "apply", Q_RETURN_ARG(bool, ok), Q_ARG(QVariantList, {})) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 10000);
+    QCOMPARE(node->label(), label);
+    QVERIFY(session->property("summary").toString().contains(QStringLiteral("1 device(s) done, 0 failed")));
+
+    // The first motor of the document given to the second one: a preview only.
+    QVariantList inDocument;
+    QMetaObject::invokeMethod(session, "documentDevices", Q_RETURN_ARG(QVariantList, inDocument));
+    int oldIndex = -1;
+    QString oldNode;
+    for (const QVariant& d : inDocument) {
+        if (oldIndex < 0 && d.toMap().value(QStringLiteral("kind")) == QLatin1String("DtsMotor")) {
+            oldIndex = d.toMap().value(QStringLiteral("index")).toInt();
+            oldNode = d.toMap().value(QStringLiteral("node")).toString();
+        }
+    }
+    quint32 newUuid = 0;
+    for (int r = 0; r < view("devicesView")->property("deviceCount").toInt() && !newUuid; ++r) {
+        const QVariantMap v = values(r);
+        if (v.value(QStringLiteral("type")).toInt() == 2 && v.value(QStringLiteral("nodeID")).toUInt() != oldNode.toUInt(nullptr, 16))
+            newUuid = v.value(QStringLiteral("uuid")).toUInt();
+    }
+    QVERIFY(oldIndex >= 0 && newUuid);
+    QObject* dialog = backup->property("replaceDialog").value<QObject*>();
+    QMetaObject::invokeMethod(dialog, "open");
+    QTRY_VERIFY(dialog->property("opened").toBool());
+    call(dialog, "choose", oldIndex, newUuid);
+    QVERIFY(call(dialog, "preview").toBool());
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 10000);
+    QVERIFY2(!session->property("preview").toList().isEmpty(), qPrintable(session->property("summary").toString()
+                                                                          + session->property("lastError").toString()));
+    save(QStringLiteral("replace-device"));
+    QMetaObject::invokeMethod(dialog, "close");
+
+    show("history");
+    QObject* history = view("historyPanel");
+    QMetaObject::invokeMethod(history, "refresh");
+    QVariantList log;
+    QMetaObject::invokeMethod(session, "history", Q_RETURN_ARG(QVariantList, log), Q_ARG(QString, QString()));
+    QVERIFY(!log.isEmpty());
+    QCOMPARE(log.last().toMap().value(QStringLiteral("field")).toString(), QStringLiteral("/label"));
+    QCOMPARE(log.last().toMap().value(QStringLiteral("outcome")).toString(), QStringLiteral("ok"));
+    QTRY_COMPARE(history->property("entries").value<QObject*>()->property("count").toInt(), log.size());
+    save(QStringLiteral("history"));
 }
 
 QTEST_MAIN(tst_AppScreens)

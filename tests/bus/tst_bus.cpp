@@ -2,6 +2,11 @@
 
 #include "buspendingcallwatcher.h"
 #include "vrnloopbackbus.h"
+#include "bushealthmodel.h"
+
+#include <QAbstractItemModelTester>
+#include <QRegularExpression>
+#include <algorithm>
 
 #include <QSignalSpy>
 #include <QTest>
@@ -54,6 +59,12 @@ private slots:
     void cancel();
     void writeFailureEndsCallAndNextGoes();
     void watcherReportsOncePerWatchedCall();
+    void replyMustAnswerItsRequest_data();
+    void replyMustAnswerItsRequest();
+    void reservedNumbersAreNeverCalled();
+    void lostRequestIsSentAgain_data();
+    void lostRequestIsSentAgain();
+    void healthOfEachNode();
 
 private:
     Watched& watch(const BusPendingCall& call);
@@ -162,7 +173,8 @@ void tst_Bus::broadcastCollectsEveryReplyInWindow()
     answerEach([&](const VRNMessage&) {
         bus->inject("\x01\x02"); // garbage is not a reply
         for (int n = 1; n <= nodes; ++n) {
-            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            const QByteArray frame = group ? reply(0x100 + quint32(n), "label")
+                                           : reply(0x100 + quint32(n), QByteArray(), DTS::PostNodeAddr);
             sent.append(BusMessage(frame));
             // Replies straggle in while the window is open.
             QTimer::singleShot(n, bus, [this, frame] { bus->inject(frame); });
@@ -187,7 +199,7 @@ void tst_Bus::broadcastEndsWhenTheLineStaysQuiet()
     QList<BusMessage> sent;
     answerEach([&](const VRNMessage&) {
         for (int n = 1; n <= 4; ++n) {
-            const QByteArray frame = reply(quint32(n), QByteArray(), DTS::PostNodeAddr);
+            const QByteArray frame = reply(0x100 + quint32(n), QByteArray(), DTS::PostNodeAddr);
             sent.append(BusMessage(frame));
             QTimer::singleShot(n * 30, bus, [this, frame] { bus->inject(frame); });
         }
@@ -211,7 +223,7 @@ void tst_Bus::callsGoOutOneAtATimeInSubmissionOrder()
             bus->inject(reply(node));
         });
     });
-    const QList<quint32> nodes{5, 3, 9, 1};
+    const QList<quint32> nodes{0x105, 0x103, 0x109, 0x101};
     for (quint32 node : nodes) {
         Watched& w = watch(bus->call(request(node)));
         connect(&w.watcher, &BusPendingCallWatcher::finished, this,
@@ -242,7 +254,7 @@ void tst_Bus::waitingCallsEndOnceWhenBusGoes()
     QFETCH(bool, destroy);
     bus->setTimeout(5000); // ends by the bus going, not by the clock
     QList<BusPendingCall> calls;
-    for (quint32 node = 1; node <= 3; ++node) {
+    for (quint32 node = 0x101; node <= 0x103; ++node) {
         calls.append(bus->call(request(node)));
         watch(calls.last());
     }
@@ -273,7 +285,7 @@ void tst_Bus::waitingCallsEndOnceWhenBusGoes()
 void tst_Bus::callOnClosedBusEndsFromEventLoop()
 {
     bus->close();
-    const BusPendingCall call = bus->call(request(1));
+    const BusPendingCall call = bus->call(request(0x101));
     Watched& w = watch(call);
     QVERIFY(!call.isFinished());
     QCOMPARE(w.spy.count(), 0);
@@ -286,7 +298,7 @@ void tst_Bus::callOnClosedBusEndsFromEventLoop()
     // A bus opened again carries calls again.
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     QVERIFY(bus->open());
-    Watched& again = watch(bus->call(request(1)));
+    Watched& again = watch(bus->call(request(0x101)));
     QTRY_COMPARE(again.spy.count(), 1);
     QCOMPARE(again.watcher.error(), BusPendingCall::NoError);
 }
@@ -294,7 +306,7 @@ void tst_Bus::callOnClosedBusEndsFromEventLoop()
 void tst_Bus::cancel()
 {
     bus->setTimeout(5000);
-    BusPendingCall onWire = bus->call(request(1));
+    BusPendingCall onWire = bus->call(request(0x101));
     BusPendingCall waiting = bus->call(request(2));
     BusPendingCall last = bus->call(request(3));
     Watched& wOnWire = watch(onWire);
@@ -328,7 +340,7 @@ void tst_Bus::writeFailureEndsCallAndNextGoes()
 {
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     bus->refuse = true;
-    Watched& refused = watch(bus->call(request(1)));
+    Watched& refused = watch(bus->call(request(0x101)));
     Watched& second = watch(bus->call(request(2)));
     QTRY_COMPARE(refused.spy.count(), 1);
     QCOMPARE(refused.watcher.error(), BusPendingCall::WriteError);
@@ -357,7 +369,7 @@ void tst_Bus::watcherReportsOncePerWatchedCall()
     // A call replaced before it reported never reports here.
     answerEach([&](const VRNMessage& r) { bus->inject(reply(r.dstAddr())); });
     spy.clear();
-    const BusPendingCall first = bus->call(request(1));
+    const BusPendingCall first = bus->call(request(0x101));
     watcher = first;
     const BusPendingCall second = BusPendingCall::fromError(BusPendingCall::TimeoutError);
     watcher = second;
@@ -376,6 +388,167 @@ void tst_Bus::watcherReportsOncePerWatchedCall()
     QTRY_COMPARE(b.spy.count(), 1);
     QTest::qWait(10);
     QCOMPARE(a.spy.count() + b.spy.count() + idleSpy.count(), 2);
+}
+
+void tst_Bus::replyMustAnswerItsRequest_data()
+{
+    QTest::addColumn<int>("cmd");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QByteArray>("frame");
+    QTest::addColumn<bool>("taken");
+    const VRN::Addr node = VRN::makeAddr(VRN::NodeMotor, 0x42);
+    auto from = [](VRN::Addr src, quint8 cmd, const QByteArray& payload, quint8 seq = 0) {
+        VRNMessage m(cmd, src, VRN::getNumber(VRN::ToolAddr), VRN::AddrNode, payload);
+        m.setSeq(seq);
+        m.prepare();
+        return m.data();
+    };
+    const QByteArray label(1, char(DTS::SetNodeLabel));
+    QTest::newRow("ack of the command") << int(DTS::SetNodeLabel) << QByteArray("x") << from(node, DTS::Ack, label) << true;
+    for (quint8 other : {DTS::CtrlWink, DTS::CtrlMoveTo, DTS::FwUpdateBegin})
+        QTest::addRow("ack of 0x%02x", other) << int(DTS::SetNodeLabel) << QByteArray("x")
+                                             << from(node, DTS::Ack, QByteArray(1, char(other))) << false;
+    QTest::newRow("ack without code") << int(DTS::SetNodeLabel) << QByteArray("x") << from(node, DTS::Ack, {}) << false;
+    QTest::newRow("ack of a read") << int(DTS::GetNodeLabel) << QByteArray()
+                                   << from(node, DTS::Ack, QByteArray(1, char(DTS::GetNodeLabel))) << false;
+    QTest::newRow("nack of the command") << int(DTS::GetNodeLabel) << QByteArray()
+                                         << from(node, DTS::Nack, QByteArray::fromHex("2045")) << true;
+    QTest::newRow("nack of another") << int(DTS::GetNodeLabel) << QByteArray()
+                                     << from(node, DTS::Nack, QByteArray::fromHex("2055")) << false;
+    QTest::newRow("slot asked") << int(DTS::GetGroupAddr) << QByteArray("\x03", 1)
+                                << from(node, DTS::PostGroupAddr, QByteArray::fromHex("03ABCDEF")) << true;
+    QTest::newRow("another slot") << int(DTS::GetGroupAddr) << QByteArray("\x05", 1)
+                                  << from(node, DTS::PostGroupAddr, QByteArray::fromHex("03ABCDEF")) << false;
+    QTest::newRow("another position") << int(DTS::GetMotorIP) << QByteArray("\x05", 1)
+                                      << from(node, DTS::PostMotorIP, QByteArray::fromHex("03000132")) << false;
+    QTest::newRow("reply of another read") << int(DTS::GetNodeLabel) << QByteArray()
+                                           << from(node, DTS::PostNodeAppVersion, QByteArray(5, 0)) << false;
+    QTest::newRow("late answer, another number") << int(DTS::GetNodeLabel) << QByteArray()
+                                                 << from(node, DTS::PostNodeLabel, "old", 0x0F) << false;
+    QTest::newRow("from the broadcast number") << int(DTS::GetNodeLabel) << QByteArray()
+                                               << from(VRN::makeAddr(VRN::NodeMotor, 0xFFFFFF), DTS::PostNodeLabel, "x") << false;
+}
+
+void tst_Bus::replyMustAnswerItsRequest()
+{
+    QFETCH(int, cmd);
+    QFETCH(QByteArray, payload);
+    QFETCH(QByteArray, frame);
+    QFETCH(bool, taken);
+    bus->setTimeout(30);
+    bus->setRepeats(0);
+    answerEach([&](const VRNMessage&) { bus->inject(frame); });
+    VRNMessage rq(quint8(cmd), VRN::ToolAddr, 0x42, VRN::AddrNode, payload);
+    rq.setAck(true);
+    QVERIFY(rq.prepare());
+    QSignalSpy unmatched(bus, &Bus::messageUnmatched);
+    Watched& w = watch(bus->call(rq));
+    QTRY_COMPARE(w.spy.count(), 1);
+    QCOMPARE(w.watcher.error(), taken ? BusPendingCall::NoError : BusPendingCall::TimeoutError);
+    QCOMPARE(unmatched.count(), taken ? 0 : 1);
+    QCOMPARE(bus->unmatchedCount(), quint64(unmatched.count()));
+}
+
+void tst_Bus::reservedNumbersAreNeverCalled()
+{
+    for (quint32 number : {0x000000u, 0x000001u, 0xFE1234u, 0xFFFFFFu}) {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused: the number is reserved"));
+        Watched& w = watch(bus->call(request(number)));
+        QTRY_COMPARE(w.spy.count(), 1);
+        QCOMPARE(w.watcher.error(), BusPendingCall::OtherError);
+        QVERIFY(w.watcher.errorString().contains(QStringLiteral("reserved")));
+    }
+    QVERIFY(wire.isEmpty());
+}
+
+void tst_Bus::lostRequestIsSentAgain_data()
+{
+    QTest::addColumn<int>("repeats");
+    QTest::addColumn<int>("lost");  // tries that get no answer
+    for (int repeats = 0; repeats <= 2; ++repeats)
+        for (int lost = 0; lost <= repeats + 1; ++lost)
+            QTest::addRow("repeats %d, %d lost", repeats, lost) << repeats << lost;
+}
+
+void tst_Bus::lostRequestIsSentAgain()
+{
+    QFETCH(int, repeats);
+    QFETCH(int, lost);
+    bus->setTimeout(25);
+    bus->setRepeats(repeats);
+    answerEach([&](const VRNMessage& request) {
+        if (wire.size() > lost)
+            bus->inject(reply(request.dstAddr()));
+    });
+    const BusPendingCall call = bus->call(request(0x42));
+    Watched& w = watch(call);
+    QTRY_COMPARE(w.spy.count(), 1);
+    const bool answered = lost <= repeats;
+    QCOMPARE(w.watcher.error(), answered ? BusPendingCall::NoError : BusPendingCall::TimeoutError);
+    QCOMPARE(wire.size(), qMin(lost, repeats) + 1);
+    // Every try is the same frame, sequence number included.
+    for (const VRNMessage& m : qAsConst(wire))
+        QCOMPARE(m.data(), wire.first().data());
+    QVERIFY(wire.first().seq() != 0);
+    QCOMPARE(call.retransmissions(), wire.size() - 1);
+    QCOMPARE(bus->retransmissionCount(), quint64(wire.size() - 1));
+
+    // The next request to the node has the next number.
+    wire.clear();
+    answerEach([&](const VRNMessage& request) { bus->inject(reply(request.dstAddr())); });
+    Watched& next = watch(bus->call(request(0x42)));
+    QTRY_COMPARE(next.spy.count(), 1);
+    QCOMPARE(wire.size(), 1);
+    QVERIFY(wire.first().seq() != 0);
+    QVERIFY(wire.first().seq() != VRNMessage(call.request()).seq());
+}
+
+// Rows beyond a page, counts changing while views watch, both orders.
+void tst_Bus::healthOfEachNode()
+{
+    BusHealthModel* health = bus->health();
+    QAbstractItemModelTester tester(health, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    bus->setTimeout(10);
+    bus->setRepeats(1);
+    // Node n answers unless n is a multiple of 7; 0x104 answers the repeat only.
+    answerEach([&](const VRNMessage& request) {
+        const quint32 n = request.dstAddr();
+        const bool firstTry = wire.size() < 2 || wire.at(wire.size() - 2).data() != wire.last().data();
+        if (n % 7 != 0 && !(n == 0x104 && firstTry))
+            bus->inject(reply(n));
+        if (n == 0x105)
+            bus->inject(reply(n, "x", DTS::PostNodeAppVersion));  // answers nothing
+    });
+    QList<BusPendingCall> calls;
+    for (quint32 n = 0x101; n <= 0x150; ++n)
+        calls << bus->call(request(n));
+    QTRY_VERIFY(std::all_of(calls.cbegin(), calls.cend(), [](const BusPendingCall& c) { return c.isFinished(); }));
+    health->flush();
+    QCOMPARE(health->rowCount(), 0x50);
+    // Worst first: the silent nodes.
+    QCOMPARE(health->get(0).value(QStringLiteral("timeouts")).toInt(), 1);
+    QCOMPARE(health->get(0).value(QStringLiteral("replies")).toInt(), 0);
+    const QVariantMap repeated = health->get(health->rowOf(0x104));
+    QCOMPARE(repeated.value(QStringLiteral("requests")).toInt(), 1);
+    QCOMPARE(repeated.value(QStringLiteral("retransmissions")).toInt(), 1);
+    QCOMPARE(repeated.value(QStringLiteral("replies")).toInt(), 1);
+    QCOMPARE(health->get(health->rowOf(0x105)).value(QStringLiteral("invalidFrames")).toInt(), 1);
+    QCOMPARE(health->get(health->rowOf(0x106)).value(QStringLiteral("score")).toDouble(), 0.0);
+    QVERIFY(health->get(health->rowOf(0x106)).value(QStringLiteral("medianMs")).toInt() >= 0);
+    for (Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+        health->sort(BusHealthModel::NodeColumn, order);
+        const qint64 first = health->index(0, 0).data(BusHealthModel::NodeIdRole).toLongLong();
+        QCOMPARE(first, order == Qt::AscendingOrder ? 0x101 : 0x151);  // 0x151 joined in the first pass
+        // More traffic while sorted: rows move, persistent indexes follow.
+        const QPersistentModelIndex kept = health->index(health->rowOf(0x110), 0);
+        calls = {bus->call(request(0x110)), bus->call(request(0x151 + int(order)))};
+        QTRY_VERIFY(calls.last().isFinished());
+        health->flush();
+        QCOMPARE(kept.data(BusHealthModel::NodeIdRole).toLongLong(), 0x110);
+    }
+    bus->close();
+    QVERIFY(bus->open());
+    QCOMPARE(health->rowCount(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_Bus)

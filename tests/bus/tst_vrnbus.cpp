@@ -202,11 +202,18 @@ void tst_VRNBus::pseudoTerminal()
         QTimer::singleShot(5, this, [this, frame] { writeMaster(frame.mid(4)); });
     });
     QSignalSpy received(&bus, &Bus::messageReceived);
-    BusPendingCallWatcher watcher(bus.call(request(0x123456)));
+    const BusPendingCall call = bus.call(request(0x123456));
+    BusPendingCallWatcher watcher(call);
     QSignalSpy finished(&watcher, &BusPendingCallWatcher::finished);
 
     QTRY_COMPARE(finished.count(), 1);
-    QCOMPARE(heard, request(0x123456).data());
+    // The request as built, with the sequence number the bus gave it.
+    QCOMPARE(heard, call.request().data());
+    VRNMessage unnumbered{BusMessage(heard)};
+    QVERIFY(unnumbered.seq() != 0);
+    unnumbered.setSeq(0);
+    unnumbered.prepare();
+    QCOMPARE(unnumbered.data(), request(0x123456).data());
     QCOMPARE(watcher.error(), BusPendingCall::NoError);
     QCOMPARE(watcher.reply().data(), reply(0x123456));
     QCOMPARE(received.count(), 2); // the dropped bytes, then the frame
@@ -221,7 +228,7 @@ void tst_VRNBus::pseudoTerminalHangUpEndsCalls()
     QVERIFY2(bus.open(), qPrintable(bus.errorString()));
     ::close(slave); // the bus holds its own descriptor
     slave = -1;
-    BusPendingCallWatcher watcher(bus.call(request(1)));
+    BusPendingCallWatcher watcher(bus.call(request(0x101)));
     QSignalSpy finished(&watcher, &BusPendingCallWatcher::finished);
     QSignalSpy closed(&bus, &Bus::closed);
     QTest::qWait(10);

@@ -70,6 +70,7 @@ private slots:
     void discoveryMark();
     void deafMode();
     void forcedNackAndSilence();
+    void repeatAnsweredWithoutActing();
     void motorMoves();
     void moveTakesItsTime_data();
     void moveTakesItsTime();
@@ -336,6 +337,49 @@ void tst_SimNode::forcedNackAndSilence()
     QVERIFY(!ask(request(DTS::GetNodeLabel)).isValid());
     QVERIFY(!ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).isValid());
     QVERIFY(!ask(request(0x01)).isValid());
+}
+
+// A request sent again with its sequence number gets the first answer and is
+// not carried out twice; a new number, another tool or a long pause is a new request.
+void tst_SimNode::repeatAnsweredWithoutActing()
+{
+    const auto arrive = [this] { m_motor->ownClock()->advance(60 * 1000000); };
+    auto numbered = [](VRNMessage m, quint8 seq, VRN::Addr src = VRN::ToolAddr) {
+        m.setSrcAddr(src);
+        m.setSeq(seq);
+        m.prepare();
+        return m;
+    };
+    m_motor->setPosition(100);
+    const VRNMessage moveBy = numbered(request(DTS::CtrlMoveOf, bytes({2, 0, 50, 0xFF})), 5);
+    const VRNMessage first = ask(moveBy);
+    QCOMPARE(first.cmd(), quint8(DTS::Ack));
+    QCOMPARE(int(first.seq()), 5);
+    m_motor->ownClock()->advance(2 * 1000000);  // within the repeat window
+    QCOMPARE(ask(moveBy).data(), first.data());
+    QCOMPARE(ask(moveBy).data(), first.data());
+    arrive();
+    QCOMPARE(m_motor->position(), quint16(150));
+    QCOMPARE(m_motor->repeatsAnswered(), quint64(2));
+
+    QCOMPARE(ask(numbered(request(DTS::CtrlMoveOf, bytes({2, 0, 50, 0xFF})), 6)).cmd(), quint8(DTS::Ack));
+    arrive();
+    QCOMPARE(m_motor->position(), quint16(200));
+    // Another tool with the same number: its own request.
+    QCOMPARE(ask(numbered(request(DTS::CtrlMoveOf, bytes({2, 0, 50, 0xFF})), 6, VRN::makeAddr(VRN::NodeTool, 0xFE0042))).cmd(),
+             quint8(DTS::Ack));
+    arrive();
+    QCOMPARE(m_motor->position(), quint16(250));
+    // Long after, the same frame again is a new request; without a number, always.
+    m_motor->ownClock()->advance(qint64(SimNode::RepeatWindowMs) * 1000 + 1);
+    QCOMPARE(ask(numbered(request(DTS::CtrlMoveOf, bytes({2, 0, 50, 0xFF})), 6)).cmd(), quint8(DTS::Ack));
+    arrive();
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(ask(request(DTS::CtrlMoveOf, bytes({2, 0, 50, 0xFF}))).cmd(), quint8(DTS::Ack));
+        arrive();
+    }
+    QCOMPARE(m_motor->position(), quint16(400));
+    QCOMPARE(m_motor->repeatsAnswered(), quint64(2));
 }
 
 // Moves land on their target once their time has passed and count in the

@@ -171,6 +171,7 @@ void tst_DiagTasks::diagnosticFailures()
     else
         faultAt(m_sim, step, reply);
     const RuntimeData before = m_motor->proxyRuntime();
+    m_wire->bus->setRepeats(0);  // one frame per step on the wire
 
     GetMotorDiagnosticJob job;
     QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);

@@ -148,6 +148,10 @@ private slots:
 
 private:
     QByteArray sendOne(const std::function<BusPendingCall()>& send);
+private slots:
+    void pinnedSequenceFrames();
+
+private:
 
     QScopedPointer<VRNLoopbackBus> m_bus;
     QScopedPointer<DTSMotorProxy> m_motor;
@@ -175,7 +179,15 @@ QByteArray tst_DTSProxyRequests::sendOne(const std::function<BusPendingCall()>& 
     send();
     if (!spy.wait(200) || spy.count() != 1)
         return QByteArray();
-    return spy.at(0).at(0).toByteArray();
+    // The frame as the proxy built it: the bus numbers requests to one node.
+    VRNMessage sent{BusMessage(spy.at(0).at(0).toByteArray())};
+    if (sent.dstType() == VRN::AddrNode) {
+        if (sent.seq() == 0)
+            return QByteArray();
+        sent.setSeq(0);
+        sent.prepare();
+    }
+    return sent.data();
 }
 
 void tst_DTSProxyRequests::unicastFrame_data()
@@ -223,6 +235,24 @@ void tst_DTSProxyRequests::pinnedFrames()
     QFETCH(Request, send);
     QFETCH(QByteArray, frame);
     QCOMPARE(sendOne([&] { return send(*m_motor); }).toHex(' '), frame.toHex(' '));
+}
+
+void tst_DTSProxyRequests::pinnedSequenceFrames()
+{
+    // The sequence number in the high nibble of byte 2, request and reply (PROTOCOL.md).
+    VRNMessage move(DTS::CtrlMoveOf, VRN::ToolAddr, 0x123456, VRN::AddrNode, hex("030064FF"));
+    move.setAck(true);
+    move.setSeq(3);
+    QVERIFY(move.prepare());
+    QCOMPARE(move.data().toHex(' '), hex("048F300000011234560300 64FFC8B7").toHex(' '));
+    VRNMessage ack(DTS::Ack, VRN::makeAddr(VRN::NodeMotor, 0x123456), 1, VRN::AddrNode, hex("04"));
+    ack.setSeq(3);
+    QVERIFY(ack.prepare());
+    QCOMPARE(ack.data().toHex(' '), hex("7F0C3112345600000104 09A1").toHex(' '));
+    const VRNMessage decoded{BusMessage(ack.data())};
+    QVERIFY(decoded.isValid());
+    QCOMPARE(int(decoded.seq()), 3);
+    QCOMPARE(decoded.srcAddr(), VRN::makeAddr(VRN::NodeMotor, 0x123456));
 }
 
 void tst_DTSProxyRequests::groupFrame_data()

@@ -2,6 +2,7 @@
 
 #include "bus.h"
 #include "busfactory.h"
+#include "bushealthmodel.h"
 #include "groupfactory.h"
 #include "grouptask.h"
 #include "groupworker.h"
@@ -89,10 +90,24 @@ QString DeviceRun::jobError() const
     return m_job->errorString();
 }
 
+void DeviceRun::countRepeats()
+{
+    Bus* bus = BusFactory::instance()->bus();
+    if (!bus || !object)
+        return;
+    BusHealthModel* health = bus->health();
+    health->flush();
+    const int row = health->rowOf(VRN::getNumber(object->address()));
+    if (row >= 0)
+        result.insert(QStringLiteral("retransmissions"),
+                      health->data(health->index(row, 0), BusHealthModel::RetransmissionsRole).toLongLong());
+}
+
 void DeviceRun::succeed()
 {
     if (m_ended)
         return;
+    countRepeats();
     result.insert(QStringLiteral("ok"), true);
     result.remove(QStringLiteral("error"));
     m_ended = true;
@@ -103,6 +118,7 @@ void DeviceRun::fail(const QString& error)
 {
     if (m_ended)
         return;
+    countRepeats();
     result.insert(QStringLiteral("ok"), false);
     result.insert(QStringLiteral("error"), error);
     m_ended = true;
@@ -349,7 +365,7 @@ void DeviceRunner::report(const DeviceRun& run)
                             .arg(run.uuid, 8)
                             .arg(run.result.value(QStringLiteral("node")).toString(), -8)
                             .arg(ok ? QStringLiteral("ok    ") : QStringLiteral("FAILED"),
-                                 ok ? run.line : run.result.value(QStringLiteral("error")).toString()));
+                                 printable(ok ? run.line : run.result.value(QStringLiteral("error")).toString())));
 }
 
 void DeviceRunner::showProgress()
@@ -406,6 +422,9 @@ void DeviceRunner::summarise()
     const bool interrupted = m_interrupts > 0 && notRun > 0;
     const int code = interrupted ? VrnConfigCli::Interrupted : m_failed > 0 ? VrnConfigCli::Failed : VrnConfigCli::Ok;
     const QString elapsed = QString::number(m_clock.elapsed() / 1000.0, 'f', 1);
+    const Bus* bus = BusFactory::instance()->bus();
+    const qint64 repeats = bus ? qint64(bus->retransmissionCount()) : 0;
+    const QString repeatText = repeats > 0 ? tr(", %1 retransmission(s)").arg(repeats) : QString();
     QString error;
     if (interrupted)
         error = tr("interrupted: %1 device(s) not run").arg(notRun);
@@ -422,7 +441,8 @@ void DeviceRunner::summarise()
         }
         QJsonObject summary{{QStringLiteral("total"), m_runs.size()}, {QStringLiteral("ok"), m_ok},
                             {QStringLiteral("failed"), m_failed}, {QStringLiteral("notRun"), notRun},
-                            {QStringLiteral("elapsedMs"), m_clock.elapsed()}};
+                            {QStringLiteral("elapsedMs"), m_clock.elapsed()},
+                            {QStringLiteral("retransmissions"), repeats}};
         QByteArray tail = "],\"summary\":" + Output::compact(summary);
         if (code != VrnConfigCli::Ok)
             tail += ",\"error\":" + Output::compact(error) + ",\"exitCode\":" + QByteArray::number(code);
@@ -430,9 +450,9 @@ void DeviceRunner::summarise()
     }
     m_cli.output().clearProgress();
     if (code != VrnConfigCli::Ok)
-        m_cli.output().note(QStringLiteral("vrnconfig: %1 (%2 ok, %3 failed, %4 s)").arg(error).arg(m_ok).arg(m_failed).arg(elapsed));
-    else if (m_runs.size() > 1 && m_cli.output().onTerminal())
-        m_cli.output().note(tr("%1 device(s): %2 ok (%3 s)").arg(m_runs.size()).arg(m_ok).arg(elapsed));
+        m_cli.output().note(QStringLiteral("vrnconfig: %1 (%2 ok, %3 failed, %4 s%5)").arg(error).arg(m_ok).arg(m_failed).arg(elapsed, repeatText));
+    else if ((m_runs.size() > 1 && m_cli.output().onTerminal()) || repeats > 0)
+        m_cli.output().note(tr("%1 device(s): %2 ok (%3 s%4)").arg(m_runs.size()).arg(m_ok).arg(elapsed, repeatText));
     emit finished(code);
     m_cli.finish(code);
 }

@@ -61,6 +61,8 @@ public:
     bool ended() const { return m_ended; }
 
 private:
+    /// Puts the bus's count of requests sent again to the device into the result.
+    void countRepeats();
     friend class DeviceRunner;
     DeviceRunner* m_runner = nullptr;
     QPointer<QmlJob> m_job;

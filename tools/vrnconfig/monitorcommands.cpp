@@ -4,6 +4,8 @@
 #include "vrnconfigcli.h"
 
 #include "framedecoder.h"
+#include "healthcommands.h"
+#include "output.h"
 #include "pcapwriter.h"
 
 #include "bus.h"
@@ -36,6 +38,11 @@ void monitor(Cli& cli, const QStringList& args)
         // The bound keeps the timer's milliseconds in an int; NaN fails both tests.
         if (!ok || !(duration >= 0 && duration <= 2000000))
             return cli.fail(Cli::Usage, Cli::tr("bad --duration: %1").arg(cli.value(QStringLiteral("duration"))));
+    }
+    if (cli.isSet(QStringLiteral("health"))) {
+        if (counted || cli.isSet(QStringLiteral("write")))
+            return cli.fail(Cli::Usage, Cli::tr("--health takes --duration only"));
+        return monitorHealth(cli, duration);
     }
     const QString pcapFile = cli.value(QStringLiteral("write"));
     if (cli.isSet(QStringLiteral("write")) && pcapFile.isEmpty())
@@ -72,7 +79,7 @@ void monitor(Cli& cli, const QStringList& args)
         } else if (f.valid) {
             cli.output().line(QStringLiteral("%1 %2 %3 > %4 %5%6").arg(time, sent ? QStringLiteral(">>") : QStringLiteral("<<"),
                                                                        f.source, f.destination, f.command,
-                                                                       f.text.isEmpty() ? QString() : QStringLiteral(" ") + f.text));
+                                                                       f.text.isEmpty() ? QString() : QStringLiteral(" ") + printable(f.text)));
         } else {
             cli.output().line(QStringLiteral("%1 %2 INVALID %3").arg(time, sent ? QStringLiteral(">>") : QStringLiteral("<<"),
                                                                      f.json.value(QStringLiteral("bytes")).toString()));
@@ -83,6 +90,8 @@ void monitor(Cli& cli, const QStringList& args)
     Bus* bus = BusFactory::instance()->bus();
     QObject::connect(bus, &Bus::messageSent, &cli, [show](const BusMessage& m) { show(m, true); });
     QObject::connect(bus, &Bus::messageReceived, &cli, [show](const BusMessage& m) { show(m, false); });
+    // A monitor that went on after its line vanished would watch nothing.
+    failWhenBusGoes(cli, bus, [pcap] { pcap->close(); });
     if (counted && count == 0)
         return end();
     if (duration >= 0)
@@ -91,12 +100,13 @@ void monitor(Cli& cli, const QStringList& args)
 
 void addMonitorCommands(CommandRegistry& r)
 {
-    r.add({QStringLiteral("monitor"), {}, QStringLiteral("[--count N] [--duration S] [--write FILE.pcap]"),
+    r.add({QStringLiteral("monitor"), {}, QStringLiteral("[--count N] [--duration S] [--write FILE.pcap] [--health]"),
            Cli::tr("every frame on the bus, both directions, decoded, with wall-clock time\n"
                    "(JSON Lines with --json); --write also saves them as a pcap file for\n"
-                   "Wireshark (tools/wireshark/vrn.lua); Ctrl-C ends it"), monitor});
+                   "Wireshark (tools/wireshark/vrn.lua); --health shows each node's figures\n"
+                   "instead, redrawn every second; Ctrl-C ends it"), monitor});
     r.addOption(QCommandLineOption(QStringLiteral("write"), QString(), QStringLiteral("FILE")), {QStringLiteral("monitor")});
-    r.addOption(QCommandLineOption(QStringLiteral("count"), QString(), QStringLiteral("N")), {QStringLiteral("monitor")});
+    r.addOption(QCommandLineOption(QStringLiteral("count"), QString(), QStringLiteral("N")), {QStringLiteral("monitor"), QStringLiteral("health")});
     r.addOption(QCommandLineOption(QStringLiteral("duration"), QString(), QStringLiteral("S")), {QStringLiteral("monitor")});
 }
 

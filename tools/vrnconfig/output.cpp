@@ -6,6 +6,22 @@
 #include <cstdio>
 #include <unistd.h>
 
+QString printable(const QString& text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        const ushort u = c.unicode();
+        if (u < 0x20 || (u >= 0x7F && u <= 0x9F))
+            out += QStringLiteral("\\x%1").arg(u, 2, 16, QLatin1Char('0'));
+        else if (c.category() == QChar::Other_Format || u == 0x2028 || u == 0x2029)
+            out += QStringLiteral("\\u%1").arg(u, 4, 16, QLatin1Char('0'));
+        else
+            out += c;
+    }
+    return out;
+}
+
 QByteArray Output::compact(const QJsonValue& value)
 {
     if (value.isArray())
@@ -40,7 +56,19 @@ void Output::note(const QString& text)
 void Output::document(const QJsonValue& value)
 {
     m_begun = true;
-    out(compact(value) + '\n');
+    if (!value.isObject() || m_context.isEmpty())
+        return out(compact(value) + '\n');
+    QJsonObject object = value.toObject();
+    for (auto it = m_context.begin(); it != m_context.end(); ++it)
+        if (!object.contains(it.key()))
+            object.insert(it.key(), it.value());
+    out(compact(object) + '\n');
+}
+
+QByteArray Output::contextMembers() const
+{
+    const QByteArray object = compact(m_context);
+    return m_context.isEmpty() ? QByteArray() : object.mid(1, object.size() - 2) + ',';
 }
 
 void Output::jsonLine(const QJsonObject& object)
@@ -108,17 +136,18 @@ void TextTable::row(const QStringList& cells)
         const Column c = m_columns.value(i, Column{QString(), 0});
         if (i > 0)
             text += QLatin1Char(' ');
+        const QString cell = printable(cells.at(i));
         if (i + 1 == cells.size() && !c.right)
-            text += cells.at(i);
+            text += cell;
         else
-            text += c.right ? cells.at(i).rightJustified(c.width) : cells.at(i).leftJustified(c.width);
+            text += c.right ? cell.rightJustified(c.width) : cell.leftJustified(c.width);
     }
     m_output.line(text);
 }
 
 JsonArrayStream::JsonArrayStream(Output& output, qint64 count, const QByteArray& open) : m_output(output), m_count(count)
 {
-    m_output.write(open + '\n');
+    m_output.write(open.startsWith('{') ? '{' + m_output.contextMembers() + open.mid(1) + '\n' : open + '\n');
 }
 
 void JsonArrayStream::append(const QJsonObject& element)

@@ -7,6 +7,14 @@
 #include <QStringList>
 #include <QVector>
 
+/// `text` safe to show on a terminal: control characters (C0, DEL, C1) and
+/// invisible format characters (bidirectional overrides and the like) are
+/// written as escapes ("\x1b", "\u202e"), so text from devices, registries
+/// and documents can neither move the cursor nor recolour or hide what
+/// follows. Tables and log lines show text from outside through this; JSON
+/// carries it exactly.
+QString printable(const QString& text);
+
 /// Everything vrnconfig prints goes through here.
 ///
 /// - For people: lines and tables on standard output, notes and progress on
@@ -53,6 +61,11 @@ public:
     void clearProgress();
 
     static QByteArray compact(const QJsonValue& value);
+    /// Keys every JSON document that is an object carries (the bus and the
+    /// registry a command used).
+    void setContext(const QJsonObject& context) { m_context = context; }
+    /// The context as the members of an object, each followed by a comma.
+    QByteArray contextMembers() const;
 
 private:
     void out(const QByteArray& bytes);
@@ -63,11 +76,13 @@ private:
     bool m_begun = false;
     bool m_progressShown = false;
     int m_progressTerminal = -1;
+    QJsonObject m_context;
 };
 
 /// A table for people, written row by row: every column left-aligned and
 /// padded to its width (wider values push the rest along), the last one not
-/// padded; a column with `right` set is right-aligned.
+/// padded; a column with `right` set is right-aligned. Cells are shown
+/// through `printable()`.
 class TextTable
 {
 public:

@@ -24,8 +24,8 @@ Pane {
         { title: qsTr("Read groups"), job: "GetGroupsJob" },
         { title: qsTr("Read firmware version"), job: "GetFwVersionJob" },
         { title: qsTr("Wink"), job: "VisualFeedbackJob", motor: true },
-        { title: qsTr("Move up"), job: "MotorControlJob", props: { command: 1 }, motor: true },
-        { title: qsTr("Move down"), job: "MotorControlJob", props: { command: 0 }, motor: true },
+        { title: qsTr("Move up"), job: "MotorControlJob", props: { command: 1 }, motor: true, changes: true },
+        { title: qsTr("Move down"), job: "MotorControlJob", props: { command: 0 }, motor: true, changes: true },
         { title: qsTr("Stop"), job: "MotorControlJob", props: { command: 255 }, motor: true },
         { title: qsTr("Read position"), job: "GetPositionJob", motor: true },
         { title: qsTr("Read end limits"), job: "GetEndLimitsJob", motor: true }
@@ -70,6 +70,8 @@ Pane {
     }
 
 
+    AskFirst { id: askFirst }
+
     ColumnLayout {
         anchors.fill: parent
         RowLayout {
@@ -84,7 +86,15 @@ Pane {
                 objectName: "runAction"
                 text: qsTr("Run")
                 enabled: view.pending === 0
-                onClicked: view.runOnSelection(actionBox.currentIndex)
+                onClicked: {
+                    var index = actionBox.currentIndex
+                    var count = view.selection ? view.selection.rowCount : 0
+                    if (view.actions[index].changes && count > 1)
+                        askFirst.ask(qsTr("%1 on %2 devices?").arg(view.actions[index].title).arg(count),
+                                     function() { view.runOnSelection(index) })
+                    else
+                        view.runOnSelection(index)
+                }
             }
             BusyIndicator { running: view.pending > 0; implicitHeight: 32; implicitWidth: 32 }
         }

@@ -45,6 +45,11 @@ Pane {
                 lastError = job.errorString
                 message(qsTr("Discovery failed: %1").arg(job.errorString), true)
             } else {
+                // Each device gets the kind its node type names (DC motors,
+                // setting tools), as vrnconfig gives it.
+                var nodes = job.answeredNodes
+                for (var i = 0; job.result && i < job.result.length && i < nodes.length; ++i)
+                    ObjectFactory.settleKind(nodes[i], job.result[i])
                 var found = job.result ? job.result.length : 0
                 var added = devices.rowCount() - before
                 foundCount = found
@@ -57,6 +62,23 @@ Pane {
             job.destroy()
         })
         return BusFactory.busWorker.enqueue(job, 100)
+    }
+
+    // Lists a device by hand; `text` is its node number (decimal or 0x...).
+    function addDevice(text, type) {
+        var number = text.trim().toLowerCase().indexOf("0x") === 0 ? parseInt(text.trim().substring(2), 16) : parseInt(text, 10)
+        if (isNaN(number) || number < 1 || number > 0xFFFFFE) {
+            message(qsTr("Not a node number: %1").arg(text), true)
+            return false
+        }
+        var shared = ObjectFactory.createObjectQml(view, type, number, true)
+        if (!shared) {
+            message(ObjectFactory.lastError !== "" ? ObjectFactory.lastError : qsTr("Node %1 of that kind is listed already").arg(text), true)
+            return false
+        }
+        shared.destroy()
+        message(qsTr("Added node %1").arg(text), false)
+        return true
     }
 
     Component { id: discoverJob; BusDiscoverJob {} }
@@ -173,6 +195,32 @@ Pane {
                           : view.foundCount < 0 ? qsTr("No discovery yet")
                           : qsTr("%1 found: %2 new, %3 already known, %4 missing")
                                 .arg(view.foundCount).arg(view.newCount).arg(view.knownCount).arg(view.missingCount)
+                }
+            }
+        }
+
+        // A device discovery cannot find (a setting tool on its own line),
+        // listed by hand by its node number and kind.
+        GroupBox {
+            title: qsTr("Add device")
+            Layout.fillWidth: true
+            RowLayout {
+                anchors.fill: parent
+                Label { text: qsTr("Node number") }
+                TextField { id: addNode; objectName: "addNode"; placeholderText: "0x000100"; Layout.preferredWidth: 120 }
+                ComboBox {
+                    id: addKind
+                    objectName: "addKind"
+                    Layout.preferredWidth: 180
+                    textRole: "text"
+                    model: [{ text: qsTr("standard node"), type: 1 }, { text: qsTr("motor"), type: 2 },
+                            { text: qsTr("DC motor"), type: 3 }, { text: "LRU50", type: 4 }, { text: "TX50DC", type: 5 },
+                            { text: "TX30", type: 6 }, { text: qsTr("setting tool"), type: 7 }]
+                }
+                Button {
+                    objectName: "addDevice"
+                    text: qsTr("Add")
+                    onClicked: view.addDevice(addNode.text, addKind.model[addKind.currentIndex].type)
                 }
             }
         }

@@ -53,6 +53,7 @@ Pane {
     }
 
     SelectionRows { id: rowModel }
+    AskFirst { id: askFirst }
 
     ColumnLayout {
         anchors.fill: parent
@@ -74,7 +75,9 @@ Pane {
                 objectName: "resetStatistics"
                 text: qsTr("Reset")
                 enabled: view.busy === 0
-                onClicked: view.reset(resetWhat.currentIndex)
+                onClicked: askFirst.ask(qsTr("Reset the %1 of %2 devices?").arg(resetWhat.currentText)
+                                        .arg(view.selection ? view.selection.rowCount : 0),
+                                        function() { view.reset(resetWhat.currentIndex) })
             }
             BusyIndicator { running: view.busy > 0; implicitHeight: 32; implicitWidth: 32 }
         }

@@ -85,8 +85,12 @@ QtObject {
             var result = job.result;
             if (ok && stored.indexOf(name) >= 0) {
                 var shared = ObjectFactory.objectQml(jobs, uuid);
-                if (shared && shared.data)
-                    ObjectFactory.save(shared.data);
+                if (shared && shared.data) {
+                    if (name === "GetLabelJob")
+                        ObjectFactory.storeLabelRead(shared.data);
+                    else
+                        ObjectFactory.save(shared.data);
+                }
                 if (shared)
                     shared.destroy();
             }

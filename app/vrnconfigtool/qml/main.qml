@@ -11,7 +11,8 @@ ApplicationWindow {
     title: qsTr("VRN configuration tool")
 
     // The views, by the names the tab bar shows.
-    readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic"]
+    readonly property var viewNames: ["connection", "devices", "actions", "diagnostics", "firmware", "traffic",
+                                      "backup", "history"]
     property alias currentView: tabs.currentIndex
     property string message: ""
     property bool messageIsError: false
@@ -22,6 +23,8 @@ ApplicationWindow {
     property alias diagnosticsView: diagnosticsView
     property alias firmwareView: firmwareView
     property alias trafficView: trafficView
+    property alias backupView: backupView
+    property alias historyPanel: historyPanel
     property alias jobs: jobs
 
     function showView(name) { tabs.currentIndex = viewNames.indexOf(name) }
@@ -40,6 +43,8 @@ ApplicationWindow {
         TabButton { text: qsTr("Diagnostics") }
         TabButton { text: qsTr("Firmware") }
         TabButton { text: qsTr("Traffic") }
+        TabButton { text: qsTr("Backup && Compare") }
+        TabButton { text: qsTr("History") }
     }
 
     StackLayout {
@@ -73,6 +78,14 @@ ApplicationWindow {
             jobs: jobs
         }
         TrafficView { id: trafficView }
+        BackupView {
+            id: backupView
+            devices: window.devices
+        }
+        HistoryPanel {
+            id: historyPanel
+            session: backupView.session
+        }
     }
 
     // Every motor stops with one frame, from any view: the button and Escape.
@@ -107,6 +120,14 @@ ApplicationWindow {
                 text: BusFactory.busUUID !== "" ? qsTr("Bus: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
             }
             Label {
+                objectName: "registryStatus"
+                text: ObjectFactory.registryPath !== ""
+                      ? qsTr("Registry: %1%2").arg(ObjectFactory.registryPath).arg(ObjectFactory.readOnly ? qsTr(" (read-only)") : "")
+                      : qsTr("Registry: in memory")
+                elide: Text.ElideMiddle
+                Layout.maximumWidth: 420
+            }
+            Label {
                 objectName: "statusMessage"
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignRight
@@ -121,6 +142,10 @@ ApplicationWindow {
     Connections {
         target: BusFactory
         function onError(error) { window.showMessage(error, true) }
+    }
+    Connections {
+        target: ObjectFactory
+        function onWriteFailed(error) { window.showMessage(error, true) }
     }
 
     Component.onCompleted: {

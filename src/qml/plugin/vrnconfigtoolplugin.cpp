@@ -1,3 +1,4 @@
+#include "bushealthmodel.h"
 #include "vrnconfigtoolplugin.h"
 
 #include "devicerecords.h"
@@ -152,6 +153,7 @@ const Registration registrations[] = {
     {"QmlObjectWorker", uncreatable<QmlObjectWorker>},
     {"VRNObjectWorker", uncreatable<VRNObjectWorker>},
     {"VRNBus", uncreatable<VRNBus>},
+    {"BusHealthModel", uncreatable<BusHealthModel>},
     // device objects
     {"VRNObject", uncreatable<VRNObject>},
     {"VRNStdObject", uncreatable<VRNStdObject>},
