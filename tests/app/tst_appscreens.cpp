@@ -32,8 +32,8 @@ private slots:
     void diagnostics();
     void firmware();
     void traffic();
-    void stopAllOnEscape();
     void backupAndHistory();
+    void stopAllOnEscape();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
