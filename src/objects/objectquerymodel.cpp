@@ -8,6 +8,7 @@
 #include <QSqlRecord>
 
 #include <algorithm>
+#include <cctype>
 
 namespace {
 const QHash<int, QByteArray>& roles()
@@ -75,11 +76,19 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
         QString sortExpr = sortColumnName();
         if (sortColumn == ObjectFactory::LabelColumn)
             sortExpr = QStringLiteral("lower(") + sortExpr + QLatin1Char(')');
+        // A filter that few rows pass is applied once, into a table of
+        // those rows: otherwise every page read would walk the whole sort
+        // index to find them. Where many pass, a page finds its rows at once
+        // and the view tests the condition itself.
+        narrowFilter = filtered() && collectMatches();
+        const QString where = narrowFilter ? QStringLiteral("WHERE c.uuid IN (SELECT uuid FROM ") + matchTable + QStringLiteral(") ")
+                            : filtered()   ? QStringLiteral("WHERE ") + filterCondition() + QLatin1Char(' ')
+                                           : QString();
         const QString create = QStringLiteral("CREATE TEMP VIEW ") + viewName
             + QStringLiteral(" AS SELECT uuid, nodeID, type, label, serialNumber,"
                              "(SELECT count(*) FROM Devices where nodeID = c.nodeID) AS nbOccur"
-                             " FROM  Devices c  ORDER BY ")
-            + sortExpr + QStringLiteral(" ASC, uuid ASC");
+                             " FROM  Devices c  ")
+            + where + QStringLiteral("ORDER BY ") + sortExpr + QStringLiteral(" ASC, uuid ASC");
         if (!query.exec(create))
             qWarning() << "[ObjectQueryModel]: failed to create SQL view:" << query.lastError().text();
         updateRowCount();
@@ -108,9 +117,12 @@ bool ObjectQueryModelPrivate::readRows(QSqlQuery& query)
 void ObjectQueryModelPrivate::updateRowCount()
 {
     QSqlQuery query(db);
-    // The view lists every row of Devices: counting the table spares
-    // computing each row's duplicate count.
-    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM Devices")) && query.next()) {
+    // The view lists every row of Devices (or the filter's): counting the
+    // table spares computing each row's duplicate count.
+    const QString table = narrowFilter ? matchTable
+                        : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
+                                       : QStringLiteral("Devices");
+    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM ") + table) && query.next()) {
         rowCount = query.value(0).toInt();
         return;
     }
@@ -359,6 +371,81 @@ void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::U
     emit q->dataChanged(index, index, {ObjectQueryModel::NbOccurRole});
 }
 
+QString ObjectQueryModelPrivate::filterCondition() const
+{
+    // Uncorrelated sub-queries: SQLite reads each value once per statement.
+    const QString value = QStringLiteral("(SELECT %1 FROM ") + filterTable + QLatin1Char(')');
+    const QString pattern = value.arg(QStringLiteral("pattern"));
+    const QString hexPattern = value.arg(QStringLiteral("hexPattern"));
+    const QString kindSet = value.arg(QStringLiteral("kinds"));
+    const QString grp = value.arg(QStringLiteral("grp"));
+    return QStringLiteral("(%1 ISNULL OR c.label LIKE %1 ESCAPE '\\' OR CAST(c.serialNumber AS TEXT) LIKE %1 ESCAPE '\\'"
+                          " OR printf('%06X', c.nodeID) LIKE %2)"
+                          " AND (%3 = 0 OR (%3 >> c.type) & 1)"
+                          " AND (%4 ISNULL OR c.uuid IN (SELECT deviceUUID FROM DevicesGroups WHERE groupID = %4))")
+        .arg(pattern, hexPattern, kindSet, grp);
+}
+
+void ObjectQueryModelPrivate::tempTable(QString& name, const char* prefix, const char* columns)
+{
+    if (!name.isEmpty())
+        return;
+    name = QLatin1String(prefix) + QString::number(quintptr(this), 16);
+    QSqlQuery query(db);
+    if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + name + QLatin1String(columns)))
+        qWarning() << "[ObjectQueryModel]: failed to create" << name << query.lastError().text();
+}
+
+void ObjectQueryModelPrivate::relist()
+{
+    Q_Q(ObjectQueryModel);
+    q->beginResetModel();
+    select(0, true);
+    q->endResetModel();
+}
+
+bool ObjectQueryModelPrivate::collectMatches()
+{
+    QSqlQuery query(db);
+    tempTable(matchTable, "ObjectQueryModelMatch_", "(uuid INTEGER PRIMARY KEY NOT NULL)");
+    // One row more than a narrow filter may have: the scan stops there.
+    if (!query.exec(QStringLiteral("DELETE FROM ") + matchTable)
+        || !query.exec(QStringLiteral("INSERT INTO ") + matchTable + QStringLiteral(" SELECT uuid FROM Devices c WHERE ")
+                       + filterCondition() + QStringLiteral(" LIMIT %1").arg(int(NarrowFilterRows) + 1))) {
+        qWarning() << "[ObjectQueryModel]: failed to apply the filter:" << query.lastError().text();
+        return false;
+    }
+    return query.numRowsAffected() <= int(NarrowFilterRows);
+}
+
+void ObjectQueryModelPrivate::applyFilter()
+{
+    Q_Q(ObjectQueryModel);
+    QSqlQuery query(db);
+    tempTable(filterTable, "ObjectQueryModelFilter_", "(pattern TEXT, hexPattern TEXT, kinds INTEGER, grp INTEGER)");
+    // The typed text is bound, never written into a statement; LIKE's own
+    // wildcards in it are taken literally.
+    QString text = search.trimmed();
+    QString escaped = text;
+    escaped.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('%'), QLatin1String("\\%"))
+        .replace(QLatin1Char('_'), QLatin1String("\\_"));
+    QString hex = text;
+    if (hex.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        hex = hex.mid(2);
+    const bool isHex = !hex.isEmpty() && hex.size() <= 6
+        && std::all_of(hex.cbegin(), hex.cend(), [](QChar c) { return isxdigit(c.toLatin1()) != 0; });
+    query.exec(QStringLiteral("DELETE FROM ") + filterTable);
+    query.prepare(QStringLiteral("INSERT INTO ") + filterTable + QStringLiteral(" VALUES (?, ?, ?, ?)"));
+    query.addBindValue(text.isEmpty() ? QVariant(QVariant::String) : QVariant(QLatin1Char('%') + escaped + QLatin1Char('%')));
+    query.addBindValue(isHex ? QVariant(QLatin1Char('%') + hex.toUpper() + QLatin1Char('%')) : QVariant(QVariant::String));
+    query.addBindValue(qint64(kinds));
+    query.addBindValue(group >= 0 ? QVariant(group) : QVariant(QVariant::Int));
+    if (!query.exec())
+        qWarning() << "[ObjectQueryModel]: failed to store the filter:" << query.lastError().text();
+    relist();
+    emit q->filterChanged();
+}
+
 ObjectQueryModel::ObjectQueryModel(const QSqlDatabase& db, QObject* parent)
     : QAbstractTableModel(parent), d_ptr(new ObjectQueryModelPrivate(this, db))
 {
@@ -367,7 +454,102 @@ ObjectQueryModel::ObjectQueryModel(const QSqlDatabase& db, QObject* parent)
     d_ptr->select(0, true);
 }
 
-ObjectQueryModel::~ObjectQueryModel() = default;
+ObjectQueryModel::~ObjectQueryModel()
+{
+    Q_D(ObjectQueryModel);
+    if (!d->filterTable.isEmpty()) {
+        // The view reads the filter table: it goes first.
+        QSqlQuery query(d->db);
+        query.exec(QStringLiteral("DROP VIEW IF EXISTS ") + d->viewName);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->filterTable);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->matchTable);
+    }
+}
+
+QString ObjectQueryModel::searchText() const
+{
+    return d_func()->search;
+}
+
+void ObjectQueryModel::setSearchText(const QString& text)
+{
+    Q_D(ObjectQueryModel);
+    if (text == d->search)
+        return;
+    d->search = text;
+    d->applyFilter();
+}
+
+QVariantList ObjectQueryModel::kindFilter() const
+{
+    QVariantList out;
+    for (int type = 0; type < 32; ++type)
+        if (d_func()->kinds & (1u << type))
+            out.append(type);
+    return out;
+}
+
+void ObjectQueryModel::setKindFilter(const QVariantList& kinds)
+{
+    Q_D(ObjectQueryModel);
+    quint32 bits = 0;
+    for (const QVariant& kind : kinds) {
+        const int type = kind.toInt();
+        if (type >= 0 && type < 32)
+            bits |= 1u << type;
+    }
+    if (bits == d->kinds)
+        return;
+    d->kinds = bits;
+    d->applyFilter();
+}
+
+int ObjectQueryModel::groupFilter() const
+{
+    return d_func()->group;
+}
+
+void ObjectQueryModel::setGroupFilter(int group)
+{
+    Q_D(ObjectQueryModel);
+    group = qMax(-1, group);
+    if (group == d->group)
+        return;
+    d->group = group;
+    d->applyFilter();
+}
+
+bool ObjectQueryModel::isFiltered() const
+{
+    return d_func()->filtered();
+}
+
+QVariantList ObjectQueryModel::knownGroups() const
+{
+    QVariantList out;
+    QSqlQuery query(d_func()->db);
+    if (!query.exec(QStringLiteral("SELECT DISTINCT groupID FROM DevicesGroups ORDER BY groupID")))
+        qWarning() << "[ObjectQueryModel]: failed to read the groups:" << query.lastError().text();
+    while (query.next())
+        out.append(query.value(0).toInt());
+    return out;
+}
+
+void ObjectQueryModel::selectRows(int first, int last)
+{
+    Q_D(ObjectQueryModel);
+    if (d->rowCount == 0)
+        return;
+    first = qBound(0, first, d->rowCount - 1);
+    last = qBound(0, last, d->rowCount - 1);
+    const int a = d->mapRow(first), b = d->mapRow(last);
+    selectionModel()->addRows(qMin(a, b), qAbs(a - b) + 1);
+}
+
+void ObjectQueryModel::selectAll()
+{
+    selectionModel()->addRows(0, -1);
+}
 
 int ObjectQueryModel::rowCount(const QModelIndex& parent) const
 {
@@ -496,6 +678,14 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     Q_D(ObjectQueryModel);
     if (!object)
         return;
+    if (d->filtered()) {
+        d->relist();
+        if (selected) {
+            selectionModel()->clear();
+            selectionModel()->addItems(ObjectFactory::NodeIDColumn, VRN::getNumber(object->address()));
+        }
+        return;
+    }
     // The insert being announced is the one change the anchors may have missed.
     d->checkAnchors(1);
     const int generation = d->anchorGeneration;
@@ -535,6 +725,11 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
 void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
+    if (d->filtered()) {
+        // The change may take the row into the filter or out of it.
+        d->relist();
+        return;
+    }
     // A save may write the sorted column; it never moves a uuid.
     if (d->sortColumn != ObjectFactory::UuidColumn)
         d->dropAnchors();
@@ -572,6 +767,8 @@ void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
+    if (d->filtered())
+        return; // listed anew once it is gone
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
@@ -587,6 +784,10 @@ void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
 void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr address)
 {
     Q_D(ObjectQueryModel);
+    if (d->filtered() && d->pendingRemoval < 0) {
+        d->relist();
+        return;
+    }
     if (d->pendingRemoval < 0) {
         qWarning() << "[ObjectQueryModel]: internal error, endObjectDestroyed" << "called without index";
         return;

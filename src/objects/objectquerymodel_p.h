@@ -86,6 +86,20 @@ public:
     void shiftAnchors(qint64 key, VRNObject::UUID uuid, int delta);
     void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh = false);
     QString sortColumnName() const;
+    bool filtered() const { return !search.isEmpty() || kinds != 0 || group >= 0; }
+    /// Stores the filter in this model's filter table and lists anew.
+    void applyFilter();
+    /// The condition the view's rows meet while filtered; it reads the
+    /// filter's values from the filter table, never from its own text.
+    QString filterCondition() const;
+    /// Creates this model's temporary table `name` on first use.
+    void tempTable(QString& name, const char* prefix, const char* columns);
+    /// Lists the rows anew (a filtered model cannot place a single row).
+    void relist();
+    /// Fills the match table with the rows the filter lets through; false
+    /// when more than `NarrowFilterRows` pass.
+    bool collectMatches();
+    enum { NarrowFilterRows = 2000 };
 
     ObjectQueryModel* q_ptr;
     QSqlDatabase db;
@@ -122,6 +136,13 @@ public:
     /// The key of the row whose destruction was announced, for the anchors.
     qint64 removedKey = 0;
     bool removedKeyKnown = false;
+    // The filter (see ObjectQueryModel::searchText).
+    QString search;
+    quint32 kinds = 0;
+    int group = -1;
+    QString filterTable;
+    QString matchTable;
+    bool narrowFilter = false;
 };
 
 #endif // OBJECTQUERYMODEL_P_H

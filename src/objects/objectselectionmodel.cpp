@@ -243,6 +243,30 @@ void ObjectSelectionModel::toggleItems(ObjectFactory::DevicesTableColumn column,
         setItems(column, criteria);
 }
 
+void ObjectSelectionModel::addRows(int offset, int count)
+{
+    change([&] {
+        Q_D(ObjectSelectionModel);
+        QSqlQuery query(d->db);
+        d->run(query,
+               QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
+                   + QStringLiteral(" LIMIT %1 OFFSET %2").arg(count < 0 ? -1 : count).arg(qMax(0, offset)),
+               QVariant(), "failed to execute insert query:");
+    });
+}
+
+void ObjectSelectionModel::addGroup(int group)
+{
+    change([&] {
+        Q_D(ObjectSelectionModel);
+        QSqlQuery query(d->db);
+        d->run(query,
+               QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
+                   + QStringLiteral(" WHERE uuid IN (SELECT deviceUUID FROM DevicesGroups WHERE groupID = ?)"),
+               group, "failed to execute insert query:");
+    });
+}
+
 void ObjectSelectionModel::clear()
 {
     Q_D(ObjectSelectionModel);

@@ -7,6 +7,7 @@
 #include "simnode.h"
 
 #include <QQmlContext>
+#include <QSqlQuery>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QtQuickTest>
@@ -20,6 +21,31 @@ public:
     {
         SimNode* node = m_network->net.node(quint32(number));
         return node ? QString::fromUtf8(node->label()) : QString();
+    }
+    /// The groups node `number` belongs to (its slots that are not empty).
+    Q_INVOKABLE QVariantList groups(int number) const
+    {
+        QVariantList out;
+        if (SimNode* node = m_network->net.node(quint32(number)))
+            for (quint32 group : node->groups())
+                if (group != 0)
+                    out.append(group);
+        return out;
+    }
+    /// Adds `count` rows to the registry in one statement (node numbers
+    /// from 0x100000 on, every kind, labels "Row <n>"), as a large network
+    /// would leave it; the rows have no device behind them.
+    Q_INVOKABLE void fillRegistry(int count)
+    {
+        QSqlQuery bulk(ObjectFactory::instance()->database());
+        bulk.exec(QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < %1) "
+                                 "INSERT INTO Devices(nodeID, type, label) SELECT 1048576 + x, 1 + x % 7, 'Row ' || x FROM n")
+                      .arg(count));
+    }
+    /// Removes the rows `fillRegistry` added.
+    Q_INVOKABLE void emptyRegistry()
+    {
+        QSqlQuery(ObjectFactory::instance()->database()).exec(QStringLiteral("DELETE FROM Devices WHERE nodeID > 1048576"));
     }
     /// Makes node `number` stop answering, as an unplugged device would.
     Q_INVOKABLE void unplug(int number, bool gone = true)

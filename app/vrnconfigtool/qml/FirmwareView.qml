@@ -2,6 +2,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 import VRNConfigTool 1.0
+import "Format.js" as Format
 
 // The firmware catalogue (the packages of the folder "firmwarePath"), a
 // check of the selected devices against it, and an update of them: asked
@@ -166,7 +167,7 @@ Pane {
                     Label { width: 80; text: model.version }
                     Label {
                         text: !model.readable || !model.verified ? model.error || qsTr("signature does not verify")
-                                                                 : model.kinds.join(", ")
+                                                                 : model.kinds.map(Format.nodeTypeWord).join(", ")
                         color: model.readable && model.verified ? palette.text : "firebrick"
                     }
                 }
