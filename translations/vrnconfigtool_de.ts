@@ -107,6 +107,92 @@
         <source>done</source>
         <translation>erledigt</translation>
     </message>
+    <message>
+        <source>%1 on %2 devices?</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>AskFirst</name>
+    <message>
+        <source>Please confirm</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>BackupView</name>
+    <message>
+        <source>Backup file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>/path/to/site.json</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a backup to compare with the devices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open and compare</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>of another bus</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Report</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>/path/to/report.pdf (an .html is written beside it)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export report…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No document open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2 device(s), %3 difference(s)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Device</source>
+        <translation type="unfinished">Gerät</translation>
+    </message>
+    <message>
+        <source>Field</source>
+        <translation type="unfinished">Feld</translation>
+    </message>
+    <message>
+        <source>Device value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Apply all</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Apply selected (%1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Replace device…</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ConnectionView</name>
@@ -213,6 +299,46 @@
     <message>
         <source>%1 found: %2 new, %3 already known, %4 missing</source>
         <translation>%1 gefunden: %2 neu, %3 schon bekannt, %4 fehlen</translation>
+    </message>
+    <message>
+        <source>Not a node number: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Node %1 of that kind is listed already</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Added node %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Node number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>standard node</source>
+        <translation type="unfinished">Standardknoten</translation>
+    </message>
+    <message>
+        <source>motor</source>
+        <translation type="unfinished">Motor</translation>
+    </message>
+    <message>
+        <source>DC motor</source>
+        <translation type="unfinished">Gleichstrommotor</translation>
+    </message>
+    <message>
+        <source>setting tool</source>
+        <translation type="unfinished">Einstellwerkzeug</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -830,7 +956,7 @@
     <name>FirmwareView</name>
     <message>
         <source>updated to %1</source>
-        <translation>auf %1 aktualisiert</translation>
+        <translation type="vanished">auf %1 aktualisiert</translation>
     </message>
     <message>
         <source>%1, %2 available</source>
@@ -882,11 +1008,87 @@
     </message>
     <message>
         <source>Update</source>
-        <translation>Aktualisieren</translation>
+        <translation type="vanished">Aktualisieren</translation>
     </message>
     <message>
         <source>Update through bootloader</source>
-        <translation>Über den Bootloader aktualisieren</translation>
+        <translation type="vanished">Über den Bootloader aktualisieren</translation>
+    </message>
+    <message>
+        <source>checking the image</source>
+        <translation>Abbild wird geprüft</translation>
+    </message>
+    <message>
+        <source>%1/%2 blocks, %3 s left</source>
+        <translation>%1/%2 Blöcke, noch %3 s</translation>
+    </message>
+    <message>
+        <source>%1/%2 blocks</source>
+        <translation>%1/%2 Blöcke</translation>
+    </message>
+    <message>
+        <source>skipped: %1</source>
+        <translation>übersprungen: %1</translation>
+    </message>
+    <message>
+        <source>%1 %2 → %3 in %4 s</source>
+        <translation>%1 %2 → %3 in %4 s</translation>
+    </message>
+    <message>
+        <source>recovered</source>
+        <translation>wiederhergestellt</translation>
+    </message>
+    <message>
+        <source>updated</source>
+        <translation>aktualisiert</translation>
+    </message>
+    <message>
+        <source>bootloader</source>
+        <translation>Bootloader</translation>
+    </message>
+    <message>
+        <source>%1 updated, %2 skipped, %3 failed, %4 recovered in %5 s</source>
+        <translation>%1 aktualisiert, %2 übersprungen, %3 fehlgeschlagen, %4 wiederhergestellt in %5 s</translation>
+    </message>
+    <message>
+        <source>%1, newer than every package (newest %2)</source>
+        <translation>%1, neuer als jedes Paket (neuestes %2)</translation>
+    </message>
+    <message>
+        <source>Update through the bootloader</source>
+        <translation>Aktualisieren über den Bootloader</translation>
+    </message>
+    <message>
+        <source>Update firmware</source>
+        <translation type="unfinished">Firmware aktualisieren</translation>
+    </message>
+    <message>
+        <source>Send the newest package that fits to %1 device(s), one after another?</source>
+        <translation>Das neueste passende Paket an %1 Gerät(e) senden, eines nach dem anderen?</translation>
+    </message>
+    <message>
+        <source>Devices that already run its version get it again.</source>
+        <translation>Geräte, die seine Version schon haben, erhalten es erneut.</translation>
+    </message>
+    <message>
+        <source>Devices with a newer version get the older one.</source>
+        <translation>Geräte mit neuerer Version erhalten die ältere.</translation>
+    </message>
+    <message>
+        <source>Update…</source>
+        <translation>Aktualisieren…</translation>
+    </message>
+    <message>
+        <source>Update through bootloader…</source>
+        <translation>Über Bootloader aktualisieren…</translation>
+    </message>
+    <message>
+        <source>Also devices that run the package&apos;s version</source>
+        <translation>Auch Geräte mit der Version des Pakets</translation>
+    </message>
+    <message>
+        <source>Allow an older version</source>
+        <translation>Ältere Version zulassen</translation>
     </message>
 </context>
 <context>
@@ -1137,10 +1339,80 @@
     </message>
 </context>
 <context>
+    <name>HistoryPanel</name>
+    <message>
+        <source>Since</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>2026-05-04T10:00:00Z (empty: everything)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Refresh</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation type="unfinished">Zeit</translation>
+    </message>
+    <message>
+        <source>Tool</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Device</source>
+        <translation type="unfinished">Gerät</translation>
+    </message>
+    <message>
+        <source>Field</source>
+        <translation type="unfinished">Feld</translation>
+    </message>
+    <message>
+        <source>Old</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>Jobs</name>
     <message>
         <source>the device is no longer listed</source>
         <translation>das Gerät ist nicht mehr gelistet</translation>
+    </message>
+</context>
+<context>
+    <name>ReplaceDeviceDialog</name>
+    <message>
+        <source>Replace device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Old device (document)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New device (bus)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 field(s) will be written</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -1367,6 +1639,38 @@
     <message>
         <source>vrnconfigtool: unexpected argument %1</source>
         <translation>vrnconfigtool: unerwartetes Argument %1</translation>
+    </message>
+    <message>
+        <source>Backup &amp;&amp; Compare</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop all: %1</source>
+        <translation>Alle anhalten: %1</translation>
+    </message>
+    <message>
+        <source>Stop sent to every motor</source>
+        <translation>Halt an alle Motoren gesendet</translation>
+    </message>
+    <message>
+        <source>Stop all motors (Esc)</source>
+        <translation>Alle Motoren anhalten (Esc)</translation>
+    </message>
+    <message>
+        <source>Registry: %1%2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> (read-only)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Registry: in memory</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 </TS>
