@@ -1,7 +1,9 @@
 #include "firmwareloader.h"
 #include "firmwareloader_p.h"
 
+#include "objectfactory.h"
 #include "settings.h"
+#include "vrnobject.h"
 
 #include <QDebug>
 #include <QDir>
@@ -188,9 +190,12 @@ FirmwareInfo FirmwareLoader::newest(const QList<FirmwareInfo>& packages, int nod
     return best;
 }
 
-int FirmwareLoader::nodeTypeOf(quint32 address)
+int FirmwareLoader::nodeTypeOf(const VRNObject& device)
 {
-    return int(address >> 24);
+    // A device of the registry has the node type discovery saw kept there.
+    if (device.uuid() != 0)
+        return int(ObjectFactory::instance()->deviceNodeType(device.uuid()));
+    return int(VRN::getType(device.address()));
 }
 
 void FirmwareLoader::reload()

@@ -7,6 +7,7 @@
 #include <QScopedPointer>
 
 struct BpkKeys;
+class VRNObject;
 class FirmwareLoaderPrivate;
 
 /// The catalogue of firmware packages: one row per "*.bpk" file of the
@@ -69,11 +70,12 @@ public:
     static QList<FirmwareInfo> readFolder(const QString& folder, const QByteArray& verifyKey);
     /// The newest of `packages` that fits `nodeType`; invalid when none.
     static FirmwareInfo newest(const QList<FirmwareInfo>& packages, int nodeType);
-    /// The node type a package must name to fit the device at `address`:
-    /// the type of the address itself, never a kind it shares with others
-    /// (a motor with inputs takes no plain motor's package). The one place
-    /// that decides fit for the check, the updates and the views.
-    Q_INVOKABLE static int nodeTypeOf(quint32 address);
+    /// The node type a package must name to fit `device`: the type its node
+    /// answered discovery with, else the type of its address; never a kind
+    /// it shares with others (a motor with inputs is listed as a motor but
+    /// takes no plain motor's package). The one place that decides fit for
+    /// the check and the updates.
+    static int nodeTypeOf(const VRNObject& device);
 
 public Q_SLOTS:
     /// Reads the folder again and updates the rows that changed.

@@ -57,7 +57,7 @@ void CheckFwTask::onJobStateChanged(Job::State state)
     const BpkKeys keys = FirmwareLoader::configuredKeys();
     const FirmwareInfo newest = FirmwareLoader::newest(
         FirmwareLoader::readFolder(FirmwareLoader::configuredPath(), keys.verifyKey),
-        FirmwareLoader::nodeTypeOf(device.address()));
+        FirmwareLoader::nodeTypeOf(device));
     const int order = newest.compareVersion(version.major, version.minor, version.patch, version.build);
     QString status;
     if (!newest.isReadable()) {

