@@ -134,6 +134,8 @@ void BusPrivate::finishCurrent(BusPendingCall::Error code, const QString& text)
     timer->stop();
     const CallPtr call = current;
     current.reset();
+    if (!call->broadcast)
+        q_ptr->requestEnded(call->request, code == BusPendingCall::NoError);
     call->finish(code, text);
     if (!queue.isEmpty())
         schedulePump();
@@ -227,6 +229,7 @@ BusHealthModel* Bus::health() const { return d_func()->health; }
 
 QString Bus::refusal(const BusMessage&) const { return QString(); }
 void Bus::stampRequest(BusMessage&) {}
+void Bus::requestEnded(const BusMessage&, bool) {}
 qint64 Bus::nodeOf(const BusMessage&, bool) const { return -1; }
 QString Bus::nodeName(qint64 node) const { return QString::number(node); }
 

@@ -260,9 +260,30 @@ void VRNBus::stampRequest(BusMessage& request)
     VRNMessage call(request);
     if (!call.isValid() || call.dstType() != VRN::AddrNode || call.seq() != 0)
         return;
+    const QByteArray last = d->unanswered.take(call.dstAddr());
+    if (!last.isEmpty()) {
+        VRNMessage previous{BusMessage(last)};
+        previous.setSeq(0);
+        if (previous.prepare() && previous.data() == request.data()) {
+            request = BusMessage(last);
+            return;
+        }
+    }
     call.setSeq(d->nextSeq(call.dstAddr()));
     if (call.prepare())
         request = BusMessage(call.data());
+}
+
+void VRNBus::requestEnded(const BusMessage& request, bool answered)
+{
+    Q_D(VRNBus);
+    const VRNMessage call(request);
+    if (!call.isValid() || call.dstType() != VRN::AddrNode || call.seq() == 0)
+        return;
+    if (answered)
+        d->unanswered.remove(call.dstAddr());
+    else
+        d->unanswered.insert(call.dstAddr(), request.data());
 }
 
 qint64 VRNBus::nodeOf(const BusMessage& frame, bool request) const
