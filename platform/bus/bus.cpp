@@ -86,12 +86,23 @@ void BusPrivate::frameReceived(const BusMessage& frame)
     emit q->messageReceived(frame);
     // A slot of messageReceived may have closed the bus or cancelled the call.
     if (!current || !q->isReplyTo(current->request, frame)) {
-        if (open)
-            countUnmatched(frame);
+        if (!open)
+            return;
+        if (answeredClock.isValid() && answeredClock.elapsed() < timeout && frame != answeredReply
+            && q->isReplyTo(answeredRequest, frame)) {
+            // Two answers to one request: one of them is not the node's.
+            qWarning().noquote() << logPrefix() << "node" << q->nodeName(q->nodeOf(frame, false))
+                                 << "gave one request two different answers:" << answeredReply.data().toHex(' ')
+                                 << "and" << frame.data().toHex(' ');
+        }
+        countUnmatched(frame);
         return;
     }
     current->replies.append(frame);
     if (!current->broadcast) {
+        answeredRequest = current->request;
+        answeredReply = frame;
+        answeredClock.start();
         if (currentNode >= 0)
             health->recordReply(currentNode, q->nodeName(currentNode), int(windowClock.elapsed()));
         finishCurrent(BusPendingCall::NoError);
