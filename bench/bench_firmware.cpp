@@ -4,7 +4,10 @@
 //   in real time;
 // - power loss: 100 updates cut off at a random block, each followed by the
 //   recovery through the bootloader; how many end on the new version;
-// - lossy line: updates over a line that loses 10 % of the frames each way.
+// - lossy line: updates over a line that loses 10 % of the frames each way;
+// - noisy line: a 20,000-byte image (1,250 blocks) updated and recovered
+//   where 30 % of the blocks arrive damaged and 20 % of the frames are lost
+//   each way, with the default retries: how many get through.
 //
 //     bench_firmware
 
@@ -151,6 +154,35 @@ void lossyLine()
                 p.blocks, done, runs, double(retries) / runs);
 }
 
+void noisyLine()
+{
+    const Package p(20000);
+    const int runs = 6;
+    for (bool direct : {false, true}) {
+        int done = 0;
+        int retries = 0;
+        QElapsedTimer wall;
+        wall.start();
+        for (int i = 0; i < runs; ++i) {
+            Line line(quint32(200 + i), 15);
+            line.net.setLoss(0.2);
+            line.node->setBlockCorruption(0.3);
+            UpdateFwJob update;
+            DirectUpdateFwJob recover;
+            FirmwareJob& job = direct ? static_cast<FirmwareJob&>(recover) : update;
+            if (line.run(job, p, 5) == Job::NoError && line.node->appVersion().major == 5)
+                ++done;
+            else
+                std::printf("  failed: %s\n", qPrintable(job.errorString()));
+            retries += job.result().toMap().value(QStringLiteral("retries")).toInt();
+        }
+        std::printf("30 %% damaged blocks, 20 %% frame loss each way, %d blocks, %s: %d of %d completed, "
+                    "%.0f retries each, %.1f s each\n",
+                    p.blocks, direct ? "recovery through the bootloader" : "standard update", done, runs,
+                    double(retries) / qMax(1, done), wall.elapsed() / 1000.0 / runs);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -158,7 +190,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
-    for (auto bench : {lineTime, powerLoss, lossyLine}) {
+    for (auto bench : {lineTime, powerLoss, lossyLine, noisyLine}) {
         bench();
         std::fflush(stdout);
     }

@@ -1,12 +1,17 @@
 // Motor jobs: the library's CPU time per job against vrnsim on a loopback
 // multicast group (the nodes run in the simulator's process, so this
-// process's CPU is the library's own cost), and the wall time of reading
+// process's CPU is the library's own cost), the wall time of reading
 // every setting of one DC motor on a 4800 Bd line against the line time of
-// the frames exchanged, which the simulator computes.
+// the frames exchanged, which the simulator computes, and the time from
+// "stop every motor" to the last of 60 moving motors standing at 4800 Bd:
+// one broadcast frame against one stop request per motor.
 //
 //     bench_motor
 
 #include "busfactory.h"
+#include "dts.h"
+#include "dtsgroupproxy.h"
+#include "dtsmotorproxy.h"
 #include "getdirectionjob.h"
 #include "getendlimitsjob.h"
 #include "getmotoripsjob.h"
@@ -25,6 +30,7 @@
 #include "visualfeedbackjob.h"
 #include "vrnbus.h"
 #include "vrnloopbackbus.h"
+#include "vrnmessage.h"
 #include "vrnobjectworker.h"
 #include "workqueue.h"
 
@@ -39,6 +45,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -154,6 +161,65 @@ int settingsAt4800()
     return 0;
 }
 
+// 60 motors moving at 4800 Bd; `stop` stops them; the wall time until the
+// last one stands, in seconds.
+double timeToStandstill(SimNetwork& net, const QList<SimNode*>& motors, const std::function<void()>& stop)
+{
+    for (SimNode* m : motors) {
+        m->setLimits(60000, 0);
+        m->setPosition(10);
+        VRNMessage move(DTS::CtrlMoveTo, VRN::ToolAddr, m->number(), VRN::AddrNode, QByteArray::fromHex("01EA60FF"));
+        move.setAck(true);
+        move.prepare();
+        m->handle(move); // started directly: only the stop crosses the line
+    }
+    net.resetCounters();
+    QElapsedTimer wall;
+    wall.start();
+    stop();
+    auto moving = [&motors] {
+        return std::any_of(motors.begin(), motors.end(), [](SimNode* m) { return m->isMoving(); });
+    };
+    while (moving() && wall.elapsed() < 30000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    return moving() ? -1 : wall.nsecsElapsed() / 1e9;
+}
+
+int stopAllAt4800()
+{
+    SimNetwork net(8);
+    VRNLoopbackBus bus;
+    net.setBaud(4800);
+    net.setReplyWindow(0);
+    net.addDevices(QStringLiteral("motor:60"));
+    bus.setTimeout(1000);
+    net.attach(&bus);
+    bus.open();
+    const QList<SimNode*> motors = net.nodes();
+    std::vector<std::unique_ptr<DTSMotorProxy>> proxies;
+    for (SimNode* m : motors)
+        proxies.emplace_back(new DTSMotorProxy(m->address(), &bus));
+    DTSGroupProxy everyMotor(VRN::BroadcastNumber, &bus);
+    const double broadcast = timeToStandstill(net, motors, [&] { everyMotor.stopAll(); });
+    const double frameLine = net.lineTimeUs(4800) / 1e6;
+    // The line and the bus quiet again before the other way.
+    QElapsedTimer settle;
+    settle.start();
+    while ((net.isBusy() || settle.elapsed() < 200) && settle.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    const double oneByOne = timeToStandstill(net, motors, [&] {
+        for (auto& p : proxies)
+            p->ctrlStop(0xFF); // the bus sends them one after another, each after its answer
+    });
+    const double oneByOneLine = net.lineTimeUs(4800) / 1e6;
+    std::printf("stop 60 moving motors at 4800 Bd, until the last one stands:\n"
+                "  one CTRL_STOP_ALL frame: %.3f ms after sending (the simulator acts when the frame arrives),\n"
+                "    + its line time %.1f ms = %.1f ms; goal: one frame's line time plus the reaction\n"
+                "  60 CTRL_STOP one after another: %.3f s (line time of their frames %.3f s)\n",
+                broadcast * 1e3, frameLine * 1e3, (broadcast + frameLine) * 1e3, oneByOne, oneByOneLine);
+    return broadcast < 0 || oneByOne < 0 ? 1 : 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -162,5 +228,6 @@ int main(int argc, char** argv)
     QStandardPaths::setTestModeEnabled(true);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     const int a = settingsAt4800();
-    return cpuPerJob() | a;
+    const int b = stopAllAt4800();
+    return cpuPerJob() | a | b;
 }

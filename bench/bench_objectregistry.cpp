@@ -3,6 +3,11 @@
 //
 //     bench_objectregistry [sizes...]        (default 1000 10000 100000)
 //
+// Then the same at 100,000 rows on a registry file in write-ahead-log mode,
+// as the tools share it: the models are timed while a second process writes
+// labels, and the creations (with two live models) while another process
+// reads pages.
+//
 // For each size: devices of mixed types, labels of mixed case with repeats
 // and some duplicated node ids are created through createObject with a live
 // query model and selection model; then each model is timed for its first
@@ -14,6 +19,9 @@
 #include "objectselectionmodel.h"
 
 #include <QCoreApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
@@ -99,9 +107,60 @@ Figures measure(int size, const std::function<QAbstractItemModel*()>& open,
     return f;
 }
 
-void run(int size)
+// The other process: writes a label every few milliseconds ("write") or
+// reads a page ("read") until it is stopped or a minute has passed.
+int other(const QString& mode, const QString& file)
 {
-    {
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+    db.setDatabaseName(file);
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+    if (!db.open())
+        return 1;
+    QSqlQuery q(db);
+    QRandomGenerator random(3);
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 60000) {
+        if (mode == QLatin1String("write")) {
+            q.exec(QStringLiteral("UPDATE Devices SET label = 'written %1' WHERE uuid = %2").arg(clock.elapsed()).arg(random.bounded(1, 100000)));
+            QThread::msleep(5);
+        } else {
+            q.exec(QStringLiteral("SELECT * FROM Devices ORDER BY nodeID LIMIT 100 OFFSET %1").arg(random.bounded(90000)));
+            while (q.next()) {
+            }
+        }
+    }
+    return 0;
+}
+
+// `mode` "write" or "read" in a second process on `file`; stopped with `stop`.
+QProcess* startOther(const QString& mode, const QString& file)
+{
+    auto p = new QProcess;
+    p->start(QCoreApplication::applicationFilePath(), {QStringLiteral("--other"), mode, file});
+    p->waitForStarted();
+    return p;
+}
+
+void stop(QProcess* p)
+{
+    if (!p)
+        return;
+    p->kill();
+    p->waitForFinished();
+    delete p;
+}
+
+void run(int size, const QString& file = QString())
+{
+    const bool shared = !file.isEmpty();
+    if (shared) {
+        QString error;
+        if (!ObjectFactory::openRegistry(file, &error)) {
+            std::fprintf(stderr, "%s\n", qPrintable(error));
+            return;
+        }
+    } else {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
         db.setDatabaseName(QStringLiteral(":memory:"));
         db.open();
@@ -120,11 +179,18 @@ void run(int size)
     // Creation with live models, as discovery does it.
     QRandomGenerator random(size);
     double createMs = 0;
+    QProcess* reader = shared ? startOther(QStringLiteral("read"), file) : nullptr;
     {
         QObject owner;
         ObjectQueryModel* live = factory->createQueryModel(&owner);
         live->selectionModel();
         live->data(live->index(0, 0), ObjectQueryModel::UuidRole);
+        // The tools share the file: a second list lives beside the first.
+        ObjectQueryModel* second = shared ? factory->createQueryModel(&owner) : nullptr;
+        if (second) {
+            second->setSortOrder(Qt::DescendingOrder);
+            second->data(second->index(0, 0), ObjectQueryModel::UuidRole);
+        }
         QVector<unsigned> nodes;
         createMs = millis([&] {
             for (int i = 0; i < created; ++i) {
@@ -137,11 +203,13 @@ void run(int size)
             }
         });
     }
+    stop(reader);
     QSqlQuery labels(db);
     labels.exec(QStringLiteral("UPDATE Devices SET label = CASE uuid % 3 WHEN 0 THEN 'Room ' WHEN 1 THEN 'room ' "
                                "ELSE 'ROOM ' END || (uuid * 7919 % %1)")
                     .arg(qMax(1, size / 3)));
     const int rows = factory->nodeAddrs().size();
+    QProcess* writer = shared && qEnvironmentVariableIsEmpty("BENCH_NO_WRITER") ? startOther(QStringLiteral("write"), file) : nullptr;
 
     ObjectQueryModel* ours = nullptr;
     const Figures paged = measure(
@@ -168,9 +236,16 @@ void run(int size)
         },
         0);
     delete table;
+    stop(writer);
 
-    std::printf("\n%d devices (%d rows): creating %s%d through createObject with live models: %.0f ms (%.1f us each)\n",
-                size, rows, created < size ? "the last " : "", created, createMs, createMs * 1000.0 / created);
+    if (shared)
+        std::printf("\n%d devices (%d rows) in a registry file (write-ahead log), another process writing labels; "
+                    "creating %s%d through createObject with two live models while another process reads: "
+                    "%.0f ms (%.1f us each)\n",
+                    size, rows, created < size ? "the last " : "", created, createMs, createMs * 1000.0 / created);
+    else
+        std::printf("\n%d devices (%d rows): creating %s%d through createObject with live models: %.0f ms (%.1f us each)\n",
+                    size, rows, created < size ? "the last " : "", created, createMs, createMs * 1000.0 / created);
     std::printf("  %-28s %14s %16s\n", "", "ObjectQueryModel", "QSqlTableModel");
     auto line = [](const char* what, double a, double b, const char* unit) {
         std::printf("  %-28s %13.2f %s %13.2f %s\n", what, a, unit, b, unit);
@@ -198,6 +273,8 @@ int main(int argc, char** argv)
         if (type != QtDebugMsg)
             std::fprintf(stderr, "%s\n", qPrintable(text));
     });
+    if (app.arguments().value(1) == QLatin1String("--other"))
+        return other(app.arguments().value(2), app.arguments().value(3));
     QStandardPaths::setTestModeEnabled(true);
     QList<int> sizes;
     for (const QString& arg : app.arguments().mid(1))
@@ -206,5 +283,7 @@ int main(int argc, char** argv)
         sizes = {1000, 10000, 100000};
     for (int size : sizes)
         run(size);
+    QTemporaryDir dir;
+    run(100000, dir.filePath(QStringLiteral("devices-bench.sqlite")));
     return 0;
 }

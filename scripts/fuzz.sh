@@ -14,6 +14,8 @@ VRN_SAN_BUILD_DIR=$build VRN_BUILD_TARGETS=fuzzers "$top/scripts/sanitize.sh" --
 
 if [ $# -gt 0 ]; then targets=("$@"); else mapfile -t targets < <(grep . "$build/fuzz/targets.txt"); fi
 export ASAN_OPTIONS="detect_leaks=1"
+# Suppressions name Qt frames: whole stacks are needed to match them.
+export LSAN_OPTIONS="suppressions=$top/scripts/lsan.supp:print_suppressions=0:fast_unwind_on_malloc=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 export QT_QPA_PLATFORM=offscreen
 mkdir -p "$build/fuzz/artifacts"

@@ -11,7 +11,8 @@ build=${VRN_BUILD_DIR:-$top/build}
 pkgs=(build-essential cmake qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite qtdeclarative5-dev qttools5-dev-tools
       pkg-config libsodium-dev libarchive-dev
       qtquickcontrols2-5-dev qml-module-qtquick2 qml-module-qtquick-controls2 qml-module-qtquick-templates2
-      qml-module-qtquick-layouts qml-module-qtquick-window2 qml-module-qtqml-models2 qml-module-qttest)
+      qml-module-qtquick-layouts qml-module-qtquick-window2 qml-module-qtqml-models2 qml-module-qttest
+      qml-module-qtcharts libqt5charts5-dev)
 read -r -a extra <<< "${VRN_EXTRA_PACKAGES:-}"
 pkgs+=("${extra[@]}")
 missing=()

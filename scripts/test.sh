@@ -12,6 +12,14 @@ if ! command -v tshark >/dev/null; then
   { $SUDO apt-get update -q && $SUDO apt-get install -y -q --no-install-recommends tshark; } >&2 \
     || echo "[test] tshark could not be installed: the capture check is skipped" >&2
 fi
+# The report test reads vrnconfig's PDF back with pdftotext.
+if ! command -v pdftotext >/dev/null; then
+  echo "[test] installing: poppler-utils" >&2
+  SUDO=; [ "$(id -u)" -ne 0 ] && SUDO=sudo
+  export DEBIAN_FRONTEND=noninteractive
+  { $SUDO apt-get update -q && $SUDO apt-get install -y -q --no-install-recommends poppler-utils; } >&2 \
+    || echo "[test] poppler-utils could not be installed: the report check is skipped" >&2
+fi
 export QT_QPA_PLATFORM=offscreen
 cd "$build"
 ctest --output-on-failure -j"$(nproc)" "$@"

@@ -12,6 +12,7 @@ QHash<quint8, VRNCmdInfo> buildTable()
     const VRNCmdInfo::Kind Rp = VRNCmdInfo::Reply;
     const VRNCmdInfo rows[] = {
         // code, name, kind, reply, min payload, max payload
+        {CtrlStopAll, "CTRL_STOP_ALL", Rq, 0, 3, 3},
         {CtrlStop, "CTRL_STOP", Rq, Ack, 1, 1},
         {CtrlMoveTo, "CTRL_MOVETO", Rq, Ack, 4, 4},
         {CtrlMoveOf, "CTRL_MOVEOF", Rq, Ack, 4, 4},

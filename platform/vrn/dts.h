@@ -15,6 +15,7 @@ namespace DTS {
 
 enum Command : quint8 {
     // motor control
+    CtrlStopAll = 0x01, ///< broadcast: every motor of a group, or every motor, stops; never answered
     CtrlStop = 0x02,
     CtrlMoveTo = 0x03,
     CtrlMoveOf = 0x04,

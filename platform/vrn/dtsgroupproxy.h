@@ -22,6 +22,10 @@ public:
     BusPendingCall moveTo(DTSMotor::MoveToFunction function, unsigned short value, unsigned char reserved);
     BusPendingCall moveOf(DTSMotor::MoveOfFunction function, unsigned short value, unsigned char reserved);
     BusPendingCall stop(unsigned char reserved);
+    /// Stops every motor that holds the group number, or every motor when
+    /// the number is 0xFFFFFF (`VRN::BroadcastNumber`): one CTRL_STOP_ALL
+    /// frame that every node hears, whatever groups it holds.
+    BusPendingCall stopAll();
 };
 
 #endif // DTSGROUPPROXY_H

@@ -139,6 +139,16 @@ void SimNodePrivate::settle() const
     position = quint16(motion.from + sign * int(std::lround(motion.travelled(t))));
 }
 
+int SimNodePrivate::stopAll(const VRNMessage& rq)
+{
+    if (!SimNode::hasMotor(kind) || !DTS::cmdInfo(rq.cmd()).acceptsPayloadSize(rq.payload().size()))
+        return NoAnswer;
+    const quint32 group = VRNDataReader(rq.payload()).readUint24();
+    if (group == VRN::BroadcastNumber || (group != 0 && std::find(groups.begin(), groups.end(), group) != groups.end()))
+        stopMotion();
+    return NoAnswer;
+}
+
 void SimNodePrivate::stopMotion()
 {
     settle();

@@ -57,6 +57,8 @@ int SimNodePrivate::execute(const VRNMessage& rq, VRNMessage& out)
     const bool motorCmd = isMotorCommand(rq.cmd());
     if (bootloader)
         return executeBootloader(rq, out);
+    if (rq.cmd() == DTS::CtrlStopAll)
+        return stopAll(rq);
     if (!info.isRequest() || (motorCmd && !SimNode::hasMotor(kind))
         || (SimReply::isDCCommand(rq.cmd()) && !SimNode::isDC(kind))) {
         errorStat.unknownMessage++;

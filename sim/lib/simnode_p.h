@@ -70,6 +70,8 @@ public:
     int execute(const VRNMessage& rq, VRNMessage& out);
     int executeNodeCommand(const VRNMessage& rq, VRNMessage& out);
     int executeMotorCommand(const VRNMessage& rq, VRNMessage& out);
+    /// CTRL_STOP_ALL: every node hears it, motors of the group named stop; never answered.
+    int stopAll(const VRNMessage& rq);
     int executeDiagnostic(quint8 cmd, VRNMessage& out) const;
     int moveTo(const VRNMessage& rq);
     int moveOf(const VRNMessage& rq);

@@ -188,6 +188,11 @@ FirmwareInfo FirmwareLoader::newest(const QList<FirmwareInfo>& packages, int nod
     return best;
 }
 
+int FirmwareLoader::nodeTypeOf(quint32 address)
+{
+    return int(address >> 24);
+}
+
 void FirmwareLoader::reload()
 {
     Q_D(FirmwareLoader);

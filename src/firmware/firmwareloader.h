@@ -69,6 +69,11 @@ public:
     static QList<FirmwareInfo> readFolder(const QString& folder, const QByteArray& verifyKey);
     /// The newest of `packages` that fits `nodeType`; invalid when none.
     static FirmwareInfo newest(const QList<FirmwareInfo>& packages, int nodeType);
+    /// The node type a package must name to fit the device at `address`:
+    /// the type of the address itself, never a kind it shares with others
+    /// (a motor with inputs takes no plain motor's package). The one place
+    /// that decides fit for the check, the updates and the views.
+    Q_INVOKABLE static int nodeTypeOf(quint32 address);
 
 public Q_SLOTS:
     /// Reads the folder again and updates the rows that changed.

@@ -33,9 +33,10 @@ public:
         return send(group, request);
     }
 
-    bool send(unsigned int group, const std::function<BusPendingCall(DTSGroupProxy&)>& request)
+    bool send(unsigned int group, const std::function<BusPendingCall(DTSGroupProxy&)>& request,
+              bool everyMotor = false)
     {
-        if (!GroupControl::isGroupAddress(group))
+        if (!GroupControl::isGroupAddress(group) && !(everyMotor && group == VRN::BroadcastNumber))
             return refuse(GroupControl::tr("Invalid group address(%1)").arg(group));
         VRNBus* bus = BusFactory::instance()->bus();
         if (!bus)
@@ -83,6 +84,11 @@ bool GroupControl::moveOf(unsigned int group, int function, int value)
 bool GroupControl::stop(unsigned int group)
 {
     return d_func()->send(group, [](DTSGroupProxy& proxy) { return proxy.stop(Reserved); });
+}
+
+bool GroupControl::stopAll(unsigned int group)
+{
+    return d_func()->send(group, [](DTSGroupProxy& proxy) { return proxy.stopAll(); }, true);
 }
 
 QString GroupControl::lastError() const

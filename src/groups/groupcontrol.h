@@ -33,6 +33,10 @@ public:
     /// `function` a `DTSMotor::MoveOfFunction`; `value` 0 to 65535.
     Q_INVOKABLE bool moveOf(unsigned int group, int function, int value = 0);
     Q_INVOKABLE bool stop(unsigned int group);
+    /// Stops every motor of `group`, or every motor on the bus when `group`
+    /// is 0xFFFFFF (the default), with one CTRL_STOP_ALL frame to every
+    /// node: one frame's time on the line, however many motors move.
+    Q_INVOKABLE bool stopAll(unsigned int group = 0xFFFFFF);
 
     /// Whether `group` is a usable group number (24 bits, neither the empty
     /// slot 0 nor the broadcast number).

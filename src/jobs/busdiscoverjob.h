@@ -9,10 +9,15 @@
 class BusDiscoverJob : public QmlJob
 {
     Q_OBJECT
+    /// The node address (`VRN::Addr`) of each entry of the result, for
+    /// `ObjectFactory::settleKind` once the job finished.
+    Q_PROPERTY(QVariantList answeredNodes READ answeredNodes)
 
 public:
     Q_INVOKABLE explicit BusDiscoverJob(QObject* parent = nullptr);
     ~BusDiscoverJob() override;
+
+    QVariantList answeredNodes() const;
 
 private:
     Q_DISABLE_COPY(BusDiscoverJob)

@@ -28,6 +28,20 @@ FirmwareJob::~FirmwareJob() = default;
 QString FirmwareJob::package() const { return d_func()->package; }
 QString FirmwareJob::keyFile() const { return d_func()->keyFile; }
 int FirmwareJob::retries() const { return d_func()->retries; }
+bool FirmwareJob::force() const { return d_func()->force; }
+bool FirmwareJob::allowDowngrade() const { return d_func()->allowDowngrade; }
+
+void FirmwareJob::setForce(bool force)
+{
+    d_func()->force = force;
+    Q_EMIT forceChanged(force);
+}
+
+void FirmwareJob::setAllowDowngrade(bool allow)
+{
+    d_func()->allowDowngrade = allow;
+    Q_EMIT allowDowngradeChanged(allow);
+}
 
 int FirmwareJob::blocksDone() const
 {

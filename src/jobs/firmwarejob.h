@@ -18,6 +18,10 @@ class FirmwareJob : public QmlJob
     Q_PROPERTY(QString keyFile READ keyFile WRITE setKeyFile NOTIFY keyFileChanged)
     /// Times one request is sent again in a row before the update gives up (default 5).
     Q_PROPERTY(int retries READ retries WRITE setRetries NOTIFY retriesChanged)
+    /// Sends the package even when the device already runs its version.
+    Q_PROPERTY(bool force READ force WRITE setForce NOTIFY forceChanged)
+    /// Sends a package older than the device's firmware; refused otherwise.
+    Q_PROPERTY(bool allowDowngrade READ allowDowngrade WRITE setAllowDowngrade NOTIFY allowDowngradeChanged)
     /// Blocks the device took so far in the current run, and blocks of the package (0 before it is loaded).
     Q_PROPERTY(int blocksDone READ blocksDone NOTIFY progress)
     Q_PROPERTY(int blockCount READ blockCount NOTIFY progress)
@@ -31,6 +35,10 @@ public:
     void setKeyFile(const QString& keyFile);
     int retries() const;
     void setRetries(int retries);
+    bool force() const;
+    void setForce(bool force);
+    bool allowDowngrade() const;
+    void setAllowDowngrade(bool allow);
     int blocksDone() const;
     int blockCount() const;
 
@@ -40,6 +48,8 @@ Q_SIGNALS:
     void packageChanged(const QString& package);
     void keyFileChanged(const QString& keyFile);
     void retriesChanged(int retries);
+    void forceChanged(bool force);
+    void allowDowngradeChanged(bool allow);
 
 protected:
     explicit FirmwareJob(QObject* parent);

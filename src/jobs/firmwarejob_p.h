@@ -10,6 +10,8 @@ public:
     QString package;
     QString keyFile;
     int retries = 5;
+    bool force = false;
+    bool allowDowngrade = false;
 };
 
 #endif // FIRMWAREJOB_P_H

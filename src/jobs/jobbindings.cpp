@@ -7,6 +7,7 @@
 #include "getfwversionjob.h"
 #include "getgroupsjob.h"
 #include "getlabeljob.h"
+#include "getserialnumberjob.h"
 #include "setgroupsjob.h"
 #include "setlabeljob.h"
 #include "setnodediscoveryjob.h"
@@ -40,6 +41,7 @@
 #include "getfwversiontask.h"
 #include "getgroupstask.h"
 #include "getlabeltask.h"
+#include "getserialnumbertask.h"
 #include "objecttaskctorhelper.h"
 #include "setgroupstask.h"
 #include "setlabeltask.h"
@@ -93,6 +95,7 @@ const JobRegistration jobs[] = {
     JobRegistration(GetGroupsJob::staticMetaObject),
     JobRegistration(SetGroupsJob::staticMetaObject),
     JobRegistration(GetLabelJob::staticMetaObject),
+    JobRegistration(GetSerialNumberJob::staticMetaObject),
     JobRegistration(SetLabelJob::staticMetaObject),
     JobRegistration(GetNetworkStatsJob::staticMetaObject),
     JobRegistration(SetNetworkStatsJob::staticMetaObject),
@@ -124,6 +127,7 @@ const WorkerRegistration bindings[] = {
     bind<GetGroupsJob, VRNStdObject, GetGroupsTask>(),
     bind<SetGroupsJob, VRNStdObject, SetGroupsTask>(),
     bind<GetLabelJob, VRNStdObject, GetLabelTask>(),
+    bind<GetSerialNumberJob, VRNStdObject, GetSerialNumberTask>(),
     bind<SetLabelJob, VRNStdObject, SetLabelTask>(),
     bind<GetNetworkStatsJob, VRNStdObject, GetNetworkStatsTask>(),
     bind<SetNetworkStatsJob, VRNStdObject, SetNetworkStatsTask>(),
@@ -146,6 +150,8 @@ const WorkerRegistration bindings[] = {
     bind<UpdateFwJob, VRNObject, StdUpdateTask>(),
     bind<UpdateFwJob, SettingToolObject, SettingToolUpdateTask>(),
     bind<DirectUpdateFwJob, VRNMotorObject, MotorBLUpdateTask>(),
+    // Standard nodes share the bootloader: one cut off in an update is recovered the same way.
+    bind<DirectUpdateFwJob, VRNStdObject, MotorBLUpdateTask>(),
     bind<DirectUpdateFwJob, SettingToolObject, SettingToolBLUpdateTask>(),
     bind<GetMotorDiagnosticJob, VRNMotorObject, GetMotorDiagnosticTask>(),
 };

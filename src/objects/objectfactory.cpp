@@ -12,10 +12,17 @@
 #include "tx50dcobject.h"
 #include "vrnobject_p.h"
 #include "vrnobjectworker.h"
+#include "vrnstdobject.h"
 
+#include <QCoreApplication>
 #include <QDebug>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QMetaType>
 #include <QSqlError>
+#include <QStandardPaths>
 
 namespace {
 void warnSql(const char* what, const QSqlQuery& query)
@@ -66,6 +73,50 @@ VRNObject* build(int& type, const QByteArray& label, const QByteArray& serialNum
     }
 }
 
+const char* const GenerationProperty = "_vrnRegistryGeneration";
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("ObjectFactory", text);
+}
+
+// Refuses a registry file; the connection goes, and a file this attempt
+// created goes with it.
+bool refuse(const QString& connection, const QString& file, bool created, const QString& why, QString* error)
+{
+    if (error)
+        *error = why;
+    {
+        QSqlDatabase db = QSqlDatabase::database(connection, false);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+    if (created)
+        for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+            QFile::remove(file + QLatin1String(suffix));
+    return false;
+}
+
+// The columns of the registry's Devices table, the uuid its integer primary
+// key: a table of another layout would take rows without identities.
+bool devicesLayoutFits(QSqlQuery& query)
+{
+    if (!query.exec(QStringLiteral("PRAGMA table_info(Devices)")))
+        return false;
+    QStringList columns;
+    bool uuidKey = false;
+    while (query.next()) {
+        const QString name = query.value(1).toString().toLower();
+        columns << name;
+        if (name == QLatin1String("uuid"))
+            uuidKey = query.value(5).toInt() == 1 && query.value(2).toString().compare(QLatin1String("INTEGER"), Qt::CaseInsensitive) == 0;
+    }
+    for (const char* needed : {"nodeid", "type", "label", "serialnumber"})
+        if (!columns.contains(QLatin1String(needed)))
+            return false;
+    return uuidKey;
+}
+
 template <typename T>
 QmlSharedObject* wrap(QObject* parent, const QSharedPointer<T>& object)
 {
@@ -92,6 +143,81 @@ bool ObjectFactoryPrivate::saveObject(VRNObject* object)
     return q_ptr->save(object);
 }
 
+bool registryBusy(const QSqlError& error)
+{
+    const QString code = error.nativeErrorCode();
+    return code == QLatin1String("5") || code == QLatin1String("6")
+        || error.databaseText().contains(QLatin1String("locked"), Qt::CaseInsensitive);
+}
+
+QString registryErrorText(const QSqlError& error)
+{
+    if (registryBusy(error))
+        return tr("the device registry is locked by another program");
+    const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    return tr("the device registry refused the change: %1").arg(text);
+}
+
+void ObjectFactoryPrivate::noteFailure(const QSqlError& error)
+{
+    lastError = registryErrorText(error);
+    emit q_ptr->writeFailed(lastError);
+}
+
+bool ObjectFactoryPrivate::write(QSqlQuery& query, const QString& statement)
+{
+    // SQLite waits out the busy timeout itself, except where waiting could
+    // not help this statement (a read that became a write meets a newer
+    // snapshot): that one is tried again, within the same bound.
+    QElapsedTimer clock;
+    clock.start();
+    for (int attempt = 0;; ++attempt) {
+        if (statement.isEmpty() ? query.exec() : query.exec(statement))
+            return true;
+        if (!registryBusy(query.lastError()) || clock.elapsed() >= ObjectFactory::BusyTimeout || attempt >= 50) {
+            noteFailure(query.lastError());
+            return false;
+        }
+    }
+}
+
+bool ObjectFactoryPrivate::beginWrite(bool* own)
+{
+    *own = false;
+    QSqlQuery query(db);
+    QElapsedTimer clock;
+    clock.start();
+    for (int attempt = 0;; ++attempt) {
+        // IMMEDIATE: the write lock is taken (and waited for) at the start,
+        // so what the transaction reads stays true until it commits.
+        if (query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+            *own = true;
+            return true;
+        }
+        const QSqlError error = query.lastError();
+        // The caller's own transaction holds the work.
+        if (error.databaseText().contains(QLatin1String("within a transaction")))
+            return true;
+        if (!registryBusy(error) || clock.elapsed() >= ObjectFactory::BusyTimeout || attempt >= 50) {
+            noteFailure(error);
+            return false;
+        }
+    }
+}
+
+bool ObjectFactoryPrivate::endWrite(bool commit)
+{
+    QSqlQuery query(db);
+    if (!commit) {
+        query.exec(QStringLiteral("ROLLBACK"));
+        return false;
+    }
+    if (write(query, QStringLiteral("COMMIT")))
+        return true;
+    query.exec(QStringLiteral("ROLLBACK"));
+    return false;
+}
+
 void ObjectFactoryPrivate::init()
 {
     db = QSqlDatabase::database(QSqlDatabase::defaultConnection, true);
@@ -101,6 +227,14 @@ void ObjectFactoryPrivate::init()
         db.setDatabaseName(QStringLiteral(":memory:"));
         db.open();
     }
+    prepare();
+}
+
+void ObjectFactoryPrivate::prepare()
+{
+    path = db.databaseName() == QLatin1String(":memory:") ? QString() : db.databaseName();
+    readOnly = db.connectOptions().contains(QLatin1String("QSQLITE_OPEN_READONLY"));
+    nodeQueries.clear();
     QSqlQuery query(db);
     query.exec(QStringLiteral("PRAGMA foreign_keys = ON;"));
     if (!query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS Devices(uuid INTEGER PRIMARY KEY NOT NULL,"
@@ -123,6 +257,11 @@ void ObjectFactoryPrivate::init()
         if (!query.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ") + QLatin1String(index)))
             warnSql("failed to create Devices index", query);
     }
+    // Beside the rows: the node type discovery saw (a motor with inputs is
+    // listed as a motor, but takes only its own firmware).
+    if (!query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesNodeTypes(deviceUUID INTEGER PRIMARY KEY "
+                                   "REFERENCES Devices(uuid) ON DELETE CASCADE, nodeType INTEGER)")))
+        warnSql("failed to create DevicesNodeTypes table", query);
 
     selectRow = QSqlQuery(db);
     selectRow.prepare(QStringLiteral("SELECT uuid, nodeID, type, label, serialNumber FROM Devices WHERE uuid=?"));
@@ -151,14 +290,25 @@ QSharedPointer<VRNObject> ObjectFactoryPrivate::object(VRNObject::UUID uuid, con
     BusFactory* buses = BusFactory::instance();
     obj->attach(buses->bus());
     QObject::connect(buses, &BusFactory::busChanged, raw, &VRNObject::attach, Qt::DirectConnection);
+    raw->setProperty(GenerationProperty, generation);
+    if (built.size() >= 2 * cache.maxCost() && built.size() % cache.maxCost() == 0)
+        built.removeAll(QPointer<VRNObject>());
+    built.append(raw);
     cache.insert(uuid, new QSharedPointer<VRNObject>(obj), 1);
     return obj;
 }
 
-void ObjectFactoryPrivate::groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots)
+bool ObjectFactoryPrivate::groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots, QString* error)
 {
-    if (object && object->uuid() != 0)
-        q_ptr->setDeviceGroups(object->uuid(), groupSlots);
+    // A read-only registry lists what it knows; what the devices say is not kept.
+    if (!object || object->uuid() == 0 || readOnly)
+        return true;
+    lastError.clear();
+    if (q_ptr->setDeviceGroups(object->uuid(), groupSlots))
+        return true;
+    if (error)
+        *error = lastError.isEmpty() ? QCoreApplication::translate("ObjectFactory", "the device is not in the registry") : lastError;
+    return false;
 }
 
 QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, const QVariant& value)
@@ -167,8 +317,12 @@ QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, cons
     QSqlQuery query(db);
     query.setForwardOnly(true);
     query.prepare(statement);
-    if (value.isValid())
+    if (value.type() == QVariant::List) {
+        for (const QVariant& v : value.toList())
+            query.addBindValue(v);
+    } else if (value.isValid()) {
         query.addBindValue(value);
+    }
     if (!query.exec()) {
         warnSql("failed to run SQLQuery:", query);
         return out;
@@ -242,6 +396,8 @@ bool ObjectFactoryPrivate::nodeListed(unsigned nodeID, int type, VRNObject::UUID
 ObjectFactory::ObjectFactory() : d_ptr(new ObjectFactoryPrivate(this))
 {
     VRNObject::registerMetaTypes();
+    // Lists of uuids and addresses reach QML (results, discovery) by this name.
+    qRegisterMetaType<QList<unsigned int>>("QList<uint>");
     d_ptr->init();
 }
 
@@ -260,18 +416,33 @@ void ObjectFactory::destroy()
 QSharedPointer<VRNObject> ObjectFactory::createObject(VRNObject::Type type, unsigned nodeID, bool select)
 {
     Q_D(ObjectFactory);
+    // The check and the insert are one transaction: another process that
+    // registers the same node at the same moment waits, then finds it listed.
+    bool own = false;
+    if (!d->beginWrite(&own)) {
+        qWarning() << "[ObjectFactory]: failed to create object" << d->lastError;
+        return {};
+    }
     if (alreadyExist(nodeID, type)) {
+        if (own)
+            d->endWrite(false);
         qDebug() << "[ObjectFactory]: object already exists";
         return {};
     }
     d->insertRow.bindValue(0, nodeID == 0 ? QVariant(QVariant::Int) : QVariant(nodeID));
     d->insertRow.bindValue(1, int(type));
-    if (!d->insertRow.exec()) {
+    if (!d->write(d->insertRow)) {
         warnSql("failed to create object", d->insertRow);
+        if (own)
+            d->endWrite(false);
         return {};
     }
     const auto uuid = VRNObject::UUID(d->insertRow.lastInsertId().toInt());
     d->insertRow.finish();
+    if (own && !d->endWrite(true)) {
+        qWarning() << "[ObjectFactory]: failed to create object" << d->lastError;
+        return {};
+    }
     qDebug() << "[ObjectFactory]: object created with uuid" << uuid;
     QSharedPointer<VRNObject> obj = object(uuid);
     emit objectCreated(obj, select);
@@ -338,6 +509,13 @@ bool ObjectFactory::save(VRNObject* object)
                    << QStringLiteral("label holds a single quote");
         return false;
     }
+    // An object of a registry the factory has left belongs to another bus:
+    // its uuid names some other device here.
+    const QVariant generation = object->property(GenerationProperty);
+    if (generation.isValid() && generation.toInt() != d->generation) {
+        qWarning() << "[ObjectFactory]: failed to create Devices database" << QStringLiteral("object of another registry");
+        return false;
+    }
     query.prepare(QStringLiteral("UPDATE Devices SET nodeID = ?, type = ?, label = ? WHERE uuid = ?"));
     // The row keeps the node number; the address's top byte is the class's
     // node type, which the row's type column already says. Number 0 stays
@@ -348,7 +526,7 @@ bool ObjectFactory::save(VRNObject* object)
     // An unknown label is written as an empty text, never as NULL.
     query.addBindValue(label.isNull() ? QStringLiteral("") : label);
     query.addBindValue(object->uuid());
-    if (!query.exec()) {
+    if (!d->write(query)) {
         warnSql("failed to create Devices database", query);
         return false;
     }
@@ -365,7 +543,7 @@ bool ObjectFactory::destroyObject(VRNObject::UUID uuid)
     QSqlQuery query(d->db);
     query.prepare(QStringLiteral("DELETE FROM Devices WHERE uuid = ?"));
     query.addBindValue(uuid);
-    if (!query.exec())
+    if (!d->write(query))
         warnSql("failed to destroy object", query);
     const int n = query.numRowsAffected();
     qDebug() << "[ObjectFactory]: object destroyed(" << (n > 0 ? "true" : "false") << ")";
@@ -417,6 +595,7 @@ ObjectQueryModel* ObjectFactory::createQueryModel(QObject* parent)
     connect(this, &ObjectFactory::beginObjectDestroy, model, &ObjectQueryModel::onBeginObjectDestroy);
     connect(this, &ObjectFactory::objectDestroyed, model, &ObjectQueryModel::onEndObjectDestroyed);
     connect(this, &ObjectFactory::objectChanged, model, &ObjectQueryModel::onObjectChanged);
+    connect(this, &ObjectFactory::registryChanged, model, &ObjectQueryModel::onRegistryChanged);
     return model;
 }
 
@@ -434,11 +613,14 @@ bool ObjectFactory::setDeviceGroups(VRNObject::UUID uuid, const QList<unsigned i
     query.addBindValue(uuid);
     if (!query.exec() || !query.next() || query.value(0).toInt() == 0)
         return false;
+    query.finish();
     // One transaction: a reader never sees the device in none of its groups.
-    const bool own = d->db.transaction();
+    bool own = false;
+    if (!d->beginWrite(&own))
+        return false;
     bool ok = query.prepare(QStringLiteral("DELETE FROM DevicesGroups WHERE deviceUUID=?"));
     query.addBindValue(uuid);
-    ok = ok && query.exec();
+    ok = ok && d->write(query);
     QList<unsigned int> seen;
     if (ok)
         ok = query.prepare(QStringLiteral("INSERT INTO DevicesGroups(deviceUUID, groupID) VALUES (?, ?)"));
@@ -450,16 +632,16 @@ bool ObjectFactory::setDeviceGroups(VRNObject::UUID uuid, const QList<unsigned i
         seen.append(group);
         query.addBindValue(uuid);
         query.addBindValue(group);
-        ok = query.exec();
+        ok = d->write(query);
     }
     if (!ok) {
         warnSql("failed to create DevicesGroups database", query);
         if (own)
-            d->db.rollback();
+            d->endWrite(false);
         return false;
     }
-    if (own)
-        d->db.commit();
+    if (own && !d->endWrite(true))
+        return false;
     emit deviceGroupsChanged(uuid);
     return true;
 }
@@ -525,4 +707,287 @@ QmlSharedObject* ObjectFactory::objectWorkerQml(QObject* parent, VRNObject::UUID
 QmlSharedObject* ObjectFactory::createObjectQml(QObject* parent, VRNObject::Type type, VRN::Addr nodeID, bool select)
 {
     return wrap(parent, createObject(type, nodeID, select));
+}
+
+// --- registry files ---------------------------------------------------------
+
+QString ObjectFactory::registryFolder()
+{
+    // The organisation and application of the settings store: the same for
+    // every tool of the user, whatever the program's own name.
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Velmo/VRNConfigTool");
+}
+
+QString ObjectFactory::registryFile(const QString& busUuid, const QString& folder)
+{
+    const QString dir = folder.isEmpty() ? registryFolder() : folder;
+    if (busUuid.isEmpty())
+        return dir + QStringLiteral("/devices.sqlite");
+    QString name = busUuid;
+    for (QChar& c : name)
+        if (!(c.isLetterOrNumber() && c.unicode() < 128) && c != QLatin1Char('.') && c != QLatin1Char('-'))
+            c = QLatin1Char('_');
+    return dir + QStringLiteral("/devices-%1.sqlite").arg(name);
+}
+
+bool ObjectFactory::openRegistry(const QString& file, QString* error, const QString& connection)
+{
+    if (file == QLatin1String(":memory:")) {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(file);
+        return db.open() || refuse(connection, file, false, db.lastError().text(), error);
+    }
+    const QFileInfo info(file);
+    if (info.isDir())
+        return refuse(connection, file, false, tr("the device registry %1 is a folder").arg(file), error);
+    const bool existed = info.exists();
+    if (existed && info.size() > 0) {
+        // SQLite would take a short file of anything for an empty database
+        // and write over it.
+        QFile head(file);
+        if (!head.open(QIODevice::ReadOnly) || head.read(16) != QByteArray("SQLite format 3", 16))
+            return refuse(connection, file, false, tr("%1 is not a device registry: not an SQLite file").arg(file), error);
+    }
+    const QString folder = info.absolutePath();
+    if (!existed && !QDir().mkpath(folder))
+        return refuse(connection, file, false, tr("cannot create the folder %1").arg(folder), error);
+    if (!existed && !QFileInfo(folder).isWritable())
+        return refuse(connection, file, false, tr("the device registry %1 cannot be created: the folder cannot be written").arg(file), error);
+    // A file or folder that cannot be written: the registry is read only,
+    // for listing and reading; the log of another writer is read, not made.
+    const bool readOnly = existed && (!info.isWritable() || !QFileInfo(folder).isWritable());
+    QString why;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(file);
+        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(int(BusyTimeout));
+        if (readOnly)
+            options += QStringLiteral(";QSQLITE_OPEN_READONLY");
+        db.setConnectOptions(options);
+        if (!db.open())
+            return refuse(connection, file, !existed, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()), error);
+        QSqlQuery query(db);
+        auto failed = [&](const QString& what) {
+            const QSqlError e = query.lastError();
+            why = registryBusy(e) ? tr("the device registry %1 is locked by another program").arg(file)
+                                  : what.arg(file, e.databaseText().isEmpty() ? e.text() : e.databaseText());
+        };
+        // Several tools at once: readers never wait for the writer, and a
+        // writer waits its turn (the busy timeout) rather than failing.
+        if (!readOnly && (!query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) || !query.next()))
+            failed(tr("cannot open the device registry %1: %2"));
+        // With the log, NORMAL keeps the file whole through a power cut; only
+        // the last changes before it may be lost. A sync per device created
+        // would make discovery wait on the disk.
+        query.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
+        // Another tool's every write empties this connection's page cache;
+        // pages read through a memory map come from the system's cache
+        // instead, so the list stays as quick as one held in memory.
+        query.exec(QStringLiteral("PRAGMA mmap_size=268435456"));
+        query.exec(QStringLiteral("PRAGMA cache_size=-16384"));
+        QStringList tables;
+        if (why.isEmpty()) {
+            if (query.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
+                while (query.next())
+                    tables << query.value(0).toString();
+            else
+                failed(tr("%1 is not a device registry: %2"));
+        }
+        if (why.isEmpty() && !tables.isEmpty() && !tables.contains(QStringLiteral("Devices")))
+            why = tr("%1 is not a device registry: it holds other tables").arg(file);
+        if (why.isEmpty() && tables.contains(QStringLiteral("Devices")) && !devicesLayoutFits(query))
+            why = tr("%1 is not a device registry: its Devices table has another layout").arg(file);
+        // Damage found now, before a single frame is sent on its word.
+        if (why.isEmpty()) {
+            if (!query.exec(QStringLiteral("PRAGMA quick_check")))
+                failed(tr("the device registry %1 is damaged: %2"));
+            else if (query.next() && query.value(0).toString() != QLatin1String("ok"))
+                why = tr("the device registry %1 is damaged: %2").arg(file, query.value(0).toString());
+        }
+        query.finish();
+    }
+    return why.isEmpty() || refuse(connection, file, !existed, why, error);
+}
+
+bool ObjectFactory::switchRegistry(const QString& file, QString* error)
+{
+    Q_D(ObjectFactory);
+    static int connections = 0;
+    const QString name = QStringLiteral("VRNRegistry_%1").arg(++connections);
+    QString why;
+    const bool ok = openRegistry(file, &why, name);
+    if (!ok) {
+        qWarning() << "[ObjectFactory]: failed to open registry" << why;
+        openRegistry(QStringLiteral(":memory:"), nullptr, name);
+    }
+    if (error)
+        *error = why;
+    // Nothing of the old registry stays reachable: its objects leave the bus
+    // (they would follow it onto the new one and reach the device of the same
+    // number there), and its cache and workers go.
+    BusFactory* buses = BusFactory::instance();
+    for (const QPointer<VRNObject>& object : qAsConst(d->built)) {
+        if (!object)
+            continue;
+        disconnect(buses, &BusFactory::busChanged, object, &VRNObject::attach);
+        object->attach(nullptr);
+    }
+    d->built.clear();
+    d->cache.clear();
+    d->workers.clear();
+    ++d->generation;
+    const QString old = d->db.connectionName();
+    d->selectRow = QSqlQuery();
+    d->insertRow = QSqlQuery();
+    d->nodeQueries.clear();
+    d->db = QSqlDatabase::database(name);
+    d->lastError.clear();
+    d->prepare();
+    emit registryChanged();
+    if (old != name)
+        QSqlDatabase::removeDatabase(old);
+    if (!ok) {
+        d->lastError = why;
+        emit writeFailed(why);
+    }
+    return ok;
+}
+
+QString ObjectFactory::registryPath() const
+{
+    return d_func()->path;
+}
+
+bool ObjectFactory::isReadOnly() const
+{
+    return d_func()->readOnly;
+}
+
+QString ObjectFactory::lastError() const
+{
+    return d_func()->lastError;
+}
+
+// --- what discovery learns --------------------------------------------------
+
+VRNObject::Type ObjectFactory::kindOfNodeType(VRN::NodeType nodeType)
+{
+    switch (nodeType) {
+    case VRN::NodeMotor:
+    case VRN::NodeMotorIO:
+        return VRNObject::DtsMotor;
+    case VRN::NodeTX30: return VRNObject::TX30;
+    case VRN::NodeLRU50: return VRNObject::LRU50;
+    case VRN::NodeTX50DC: return VRNObject::TX50DC;
+    case VRN::NodeDCMotor: return VRNObject::DtsDcMotor;
+    case VRN::NodeSettingTool: return VRNObject::SettingTool;
+    default: return VRNObject::DtsStd;
+    }
+}
+
+VRNObject::UUID ObjectFactory::settleKind(VRN::Addr addr, VRNObject::UUID created)
+{
+    Q_D(ObjectFactory);
+    const unsigned number = VRN::getNumber(addr);
+    const VRNObject::Type kind = kindOfNodeType(VRN::getType(addr));
+    const VRNObject::UUID listed = findObject(number, kind);
+    const QSharedPointer<VRNObject> made = created != 0 && created != listed ? object(created) : nullptr;
+    VRNObject::UUID uuid = listed;
+    QSqlQuery query(d->db);
+    if (made && VRN::getNumber(made->address()) == number) {
+        if (listed != 0) {
+            // The device is listed under its own kind already: the row
+            // discovery made under its table's kind goes again.
+            destroyObject(created);
+        } else if (made->type() != kind) {
+            query.prepare(QStringLiteral("UPDATE Devices SET type = ? WHERE uuid = ?"));
+            query.addBindValue(int(kind));
+            query.addBindValue(created);
+            if (!d->write(query))
+                return 0;
+            // Built again from the row, as the class of its kind; the one of
+            // the table's kind leaves the bus.
+            made->attach(nullptr);
+            disconnect(BusFactory::instance(), &BusFactory::busChanged, made.data(), &VRNObject::attach);
+            d->cache.remove(created);
+            d->workers.remove(created);
+            emit objectChanged(created);
+            uuid = created;
+        } else {
+            uuid = created;
+        }
+    }
+    if (uuid == 0 || d->readOnly)
+        return uuid;
+    query.prepare(QStringLiteral("INSERT OR REPLACE INTO DevicesNodeTypes(deviceUUID, nodeType) VALUES (?, ?)"));
+    query.addBindValue(uuid);
+    query.addBindValue(int(VRN::getType(addr)));
+    return d->write(query) ? uuid : 0;
+}
+
+VRN::NodeType ObjectFactory::deviceNodeType(VRNObject::UUID uuid)
+{
+    Q_D(ObjectFactory);
+    const QList<unsigned> seen = d->numbers(QStringLiteral("SELECT nodeType FROM DevicesNodeTypes WHERE deviceUUID=?"), uuid);
+    if (!seen.isEmpty())
+        return VRN::NodeType(seen.first());
+    const QList<unsigned> kind = d->numbers(QStringLiteral("SELECT type FROM Devices WHERE uuid=?"), uuid);
+    return VRNObject::nodeType(VRNObject::intToType(kind.isEmpty() ? 1 : int(kind.first())));
+}
+
+bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)
+{
+    Q_D(ObjectFactory);
+    QSqlQuery query(d->db);
+    query.prepare(QStringLiteral("UPDATE Devices SET serialNumber = ? WHERE uuid = ?"));
+    query.addBindValue(serialNumber);
+    query.addBindValue(uuid);
+    if (!d->write(query))
+        return false;
+    emit objectChanged(uuid);
+    return true;
+}
+
+QList<VRNObject::UUID> ObjectFactory::setOccurrences(unsigned nodeID, VRNObject::Type type, int count)
+{
+    Q_D(ObjectFactory);
+    auto rows = [&] {
+        return d->numbers(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID = ? AND type = ? ORDER BY uuid"),
+                          QVariantList{nodeID, int(type)});
+    };
+    QList<VRNObject::UUID> uuids = rows();
+    // Another device answering to the number: a row of its own, made beside
+    // createObject, which lists each number and kind once.
+    while (uuids.size() < count) {
+        QSqlQuery insert(d->db);
+        insert.prepare(QStringLiteral("INSERT INTO Devices(nodeID, type) values (?, ?)"));
+        insert.addBindValue(nodeID);
+        insert.addBindValue(int(type));
+        if (!d->write(insert))
+            return rows();
+        const auto uuid = VRNObject::UUID(insert.lastInsertId().toInt());
+        uuids.append(uuid);
+        emit objectCreated(object(uuid), false);
+    }
+    // The number answers once again: the rows added for the others go,
+    // newest first; the first row, the one discovery made, stays.
+    for (int i = uuids.size() - 1; i >= qMax(1, count); --i)
+        if (destroyObject(uuids.at(i)))
+            uuids.removeAt(i);
+    return uuids;
+}
+
+bool ObjectFactory::storeLabelRead(VRNObject* object)
+{
+    auto device = qobject_cast<VRNStdObject*>(object);
+    if (device && !object->isDirty()) {
+        const QByteArray read = device->proxyStdConfig().getConstData().label;
+        StdConfigData local = device->localStdConfig();
+        if (!read.isNull() && local.getConstData().label != read) {
+            local.data().label = read;
+            // Taken as the device's own state, not as an edit of the user's.
+            device->updateLocalStdConfig(local, true);
+        }
+    }
+    return save(object);
 }

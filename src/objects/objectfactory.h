@@ -29,6 +29,12 @@ class VRNObjectWorker;
 class ObjectFactory : public QObject
 {
     Q_OBJECT
+    /// The file the registry lives in; empty for a registry held in memory.
+    Q_PROPERTY(QString registryPath READ registryPath NOTIFY registryChanged)
+    /// True when the registry's file cannot be written: reads work, writes are refused.
+    Q_PROPERTY(bool readOnly READ isReadOnly NOTIFY registryChanged)
+    /// Why the last write to the registry failed, with the database's reason.
+    Q_PROPERTY(QString lastError READ lastError NOTIFY writeFailed)
 public:
     /// Column positions of `Devices`; `NbOccurColumn` exists only in the
     /// list views (the number of devices sharing the row's node id).
@@ -86,6 +92,66 @@ public:
     /// The connection the registry lives on.
     QSqlDatabase database() const;
 
+    // --- one registry file per bus, shared by every tool -----------------
+
+    /// The folder of the user's registry files, one per bus.
+    static QString registryFolder();
+    /// The registry file of bus `busUuid` in `folder` (default:
+    /// `registryFolder()`): "devices-<identifier>.sqlite", every character
+    /// other than a letter, a digit, '.' or '-' written as '_'.
+    static QString registryFile(const QString& busUuid, const QString& folder = QString());
+    /// Opens `file` as the registry on `connection` (":memory:" for none).
+    /// Refused, with the reason in `error` and the connection removed: a
+    /// folder, a file that is no SQLite database, one that holds other tables
+    /// or a `Devices` table of another layout, a damaged one (quick check), or
+    /// one locked by another program. A file that cannot be written opens read
+    /// only. Several processes share a file: it is kept in write-ahead-log
+    /// mode and every statement waits `BusyTimeout` ms for another writer.
+    /// A file that did not exist before is removed again when it is refused.
+    static bool openRegistry(const QString& file, QString* error,
+                             const QString& connection = QLatin1String(QSqlDatabase::defaultConnection));
+    /// Moves the factory to the registry in `file`: every cached object and
+    /// worker of the old one is let go, and live objects of it are detached
+    /// from the bus so none can reach a device of the new bus; the list models
+    /// made by `createQueryModel` then show the new registry. On failure the
+    /// factory moves to an empty registry in memory, and false.
+    Q_INVOKABLE bool switchRegistry(const QString& file, QString* error = nullptr);
+    QString registryPath() const;
+    bool isReadOnly() const;
+    QString lastError() const;
+    /// Milliseconds a statement waits while another process writes.
+    enum { BusyTimeout = 5000 };
+
+    // --- what discovery learns beyond the row ---------------------------
+
+    /// The device kind whose commands a node of `nodeType` takes, for every
+    /// node type of the device network (a plain standard node for others).
+    /// Unlike discovery's own table it knows DC motors and setting tools.
+    static VRNObject::Type kindOfNodeType(VRN::NodeType nodeType);
+    /// After discovery: the device at node address `addr` (number and node
+    /// type), for which discovery made the row `created` (0 or
+    /// `BusDiscoverTask::NoObject` when it made none), is listed with the
+    /// kind its node type names, and its node type is kept. A row made under
+    /// another kind is changed to that kind (its uuid stays), or removed when
+    /// the device is listed under its kind already. The device's uuid; 0 when
+    /// it has no row or SQL failed.
+    Q_INVOKABLE VRNObject::UUID settleKind(VRN::Addr addr, VRNObject::UUID created);
+    /// The node type discovery saw for the device; without one, the node type
+    /// of its kind (`VRNObject::nodeType`).
+    VRN::NodeType deviceNodeType(VRNObject::UUID uuid);
+    /// Stores the serial number the device reported (`save` never writes it).
+    bool setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber);
+    /// Makes `count` rows list node number `nodeID` (of kind `type`) when
+    /// `count` devices answer to it: rows are added (created, not selected)
+    /// or the surplus rows without a label or serial number of their own,
+    /// newest first, removed. The rows of that number.
+    QList<VRNObject::UUID> setOccurrences(unsigned nodeID, VRNObject::Type type, int count);
+
+    /// After a label read: the label the device reported becomes the row's
+    /// (and the object's local one), unless the object holds an unwritten
+    /// change, which `save` then writes as ever. False when nothing was stored.
+    Q_INVOKABLE bool storeLabelRead(VRNObject* object);
+
     Q_INVOKABLE bool destroyObject(VRNObject::UUID uuid);
     /// Writes node id, type and label of the object's row; the serial
     /// number is never written. A label holding a single quote is refused.
@@ -111,6 +177,10 @@ Q_SIGNALS:
     void objectDestroyed(VRNObject::UUID uuid, VRN::Addr nodeID);
     /// The device's rows of `DevicesGroups` were replaced.
     void deviceGroupsChanged(VRNObject::UUID uuid);
+    /// The factory moved to another registry (`switchRegistry`).
+    void registryChanged();
+    /// A write to the registry failed; `error` holds the database's reason.
+    void writeFailed(const QString& error);
 
 protected:
     ObjectFactory();

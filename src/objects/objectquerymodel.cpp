@@ -8,6 +8,7 @@
 #include <QSqlRecord>
 
 #include <algorithm>
+#include <cctype>
 
 namespace {
 const QHash<int, QByteArray>& roles()
@@ -25,8 +26,37 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db), changesQuery(db), versionQuery(db)
 {
+    changesQuery.prepare(QStringLiteral("SELECT total_changes()"));
+    versionQuery.prepare(QStringLiteral("PRAGMA data_version"));
+}
+
+ObjectQueryModelPrivate::Stamp ObjectQueryModelPrivate::stamp()
+{
+    Stamp now;
+    if (changesQuery.exec() && changesQuery.next())
+        now.changes = changesQuery.value(0).toLongLong();
+    changesQuery.finish();
+    if (versionQuery.exec() && versionQuery.next())
+        now.version = versionQuery.value(0).toLongLong();
+    versionQuery.finish();
+    return now;
+}
+
+void ObjectQueryModelPrivate::checkAnchors(int expected)
+{
+    if (!anchorsBuilt)
+        return;
+    // Rows written past the factory (another connection, another process,
+    // a statement of the caller's own) may sit anywhere: positions counted
+    // from the anchors would be off by them.
+    const Stamp now = stamp();
+    if (now.version != anchorStamp.version || now.changes < anchorStamp.changes
+        || now.changes > anchorStamp.changes + expected)
+        dropAnchors();
+    else
+        anchorStamp = now;
 }
 
 QString ObjectQueryModelPrivate::sortColumnName() const
@@ -46,11 +76,19 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
         QString sortExpr = sortColumnName();
         if (sortColumn == ObjectFactory::LabelColumn)
             sortExpr = QStringLiteral("lower(") + sortExpr + QLatin1Char(')');
+        // A filter that few rows pass is applied once, into a table of
+        // those rows: otherwise every page read would walk the whole sort
+        // index to find them. Where many pass, a page finds its rows at once
+        // and the view tests the condition itself.
+        narrowFilter = filtered() && collectMatches();
+        const QString where = narrowFilter ? QStringLiteral("WHERE c.uuid IN (SELECT uuid FROM ") + matchTable + QStringLiteral(") ")
+                            : filtered()   ? QStringLiteral("WHERE ") + filterCondition() + QLatin1Char(' ')
+                                           : QString();
         const QString create = QStringLiteral("CREATE TEMP VIEW ") + viewName
             + QStringLiteral(" AS SELECT uuid, nodeID, type, label, serialNumber,"
                              "(SELECT count(*) FROM Devices where nodeID = c.nodeID) AS nbOccur"
-                             " FROM  Devices c  ORDER BY ")
-            + sortExpr + QStringLiteral(" ASC, uuid ASC");
+                             " FROM  Devices c  ")
+            + where + QStringLiteral("ORDER BY ") + sortExpr + QStringLiteral(" ASC, uuid ASC");
         if (!query.exec(create))
             qWarning() << "[ObjectQueryModel]: failed to create SQL view:" << query.lastError().text();
         updateRowCount();
@@ -79,9 +117,12 @@ bool ObjectQueryModelPrivate::readRows(QSqlQuery& query)
 void ObjectQueryModelPrivate::updateRowCount()
 {
     QSqlQuery query(db);
-    // The view lists every row of Devices: counting the table spares
-    // computing each row's duplicate count.
-    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM Devices")) && query.next()) {
+    // The view lists every row of Devices (or the filter's): counting the
+    // table spares computing each row's duplicate count.
+    const QString table = narrowFilter ? matchTable
+                        : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
+                                       : QStringLiteral("Devices");
+    if (query.exec(QStringLiteral("SELECT COUNT(*) FROM ") + table) && query.next()) {
         rowCount = query.value(0).toInt();
         return;
     }
@@ -161,6 +202,7 @@ void ObjectQueryModelPrivate::buildAnchors()
 {
     anchors.clear();
     anchorsBuilt = true;
+    anchorStamp = stamp();
     ++anchorGeneration;
     // Positions among the rows with a key, in (raw value, uuid) order as
     // the counting statement has it; rows of other storage classes keep
@@ -232,6 +274,7 @@ int ObjectQueryModelPrivate::indexOf(VRNObject::UUID uuid)
     qint64 key = 0;
     if (!anchoredColumn() || !integerKey(uuid, &key))
         return countIndexOf(uuid);
+    checkAnchors();
     if (!anchorsBuilt)
         buildAnchors();
     // The nearest anchor at or before the row; none: count from the start.
@@ -328,6 +371,81 @@ void ObjectQueryModelPrivate::refreshDoublonInfo(VRN::Addr address, VRNObject::U
     emit q->dataChanged(index, index, {ObjectQueryModel::NbOccurRole});
 }
 
+QString ObjectQueryModelPrivate::filterCondition() const
+{
+    // Uncorrelated sub-queries: SQLite reads each value once per statement.
+    const QString value = QStringLiteral("(SELECT %1 FROM ") + filterTable + QLatin1Char(')');
+    const QString pattern = value.arg(QStringLiteral("pattern"));
+    const QString hexPattern = value.arg(QStringLiteral("hexPattern"));
+    const QString kindSet = value.arg(QStringLiteral("kinds"));
+    const QString grp = value.arg(QStringLiteral("grp"));
+    return QStringLiteral("(%1 ISNULL OR c.label LIKE %1 ESCAPE '\\' OR CAST(c.serialNumber AS TEXT) LIKE %1 ESCAPE '\\'"
+                          " OR printf('%06X', c.nodeID) LIKE %2)"
+                          " AND (%3 = 0 OR (%3 >> c.type) & 1)"
+                          " AND (%4 ISNULL OR c.uuid IN (SELECT deviceUUID FROM DevicesGroups WHERE groupID = %4))")
+        .arg(pattern, hexPattern, kindSet, grp);
+}
+
+void ObjectQueryModelPrivate::tempTable(QString& name, const char* prefix, const char* columns)
+{
+    if (!name.isEmpty())
+        return;
+    name = QLatin1String(prefix) + QString::number(quintptr(this), 16);
+    QSqlQuery query(db);
+    if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + name + QLatin1String(columns)))
+        qWarning() << "[ObjectQueryModel]: failed to create" << name << query.lastError().text();
+}
+
+void ObjectQueryModelPrivate::relist()
+{
+    Q_Q(ObjectQueryModel);
+    q->beginResetModel();
+    select(0, true);
+    q->endResetModel();
+}
+
+bool ObjectQueryModelPrivate::collectMatches()
+{
+    QSqlQuery query(db);
+    tempTable(matchTable, "ObjectQueryModelMatch_", "(uuid INTEGER PRIMARY KEY NOT NULL)");
+    // One row more than a narrow filter may have: the scan stops there.
+    if (!query.exec(QStringLiteral("DELETE FROM ") + matchTable)
+        || !query.exec(QStringLiteral("INSERT INTO ") + matchTable + QStringLiteral(" SELECT uuid FROM Devices c WHERE ")
+                       + filterCondition() + QStringLiteral(" LIMIT %1").arg(int(NarrowFilterRows) + 1))) {
+        qWarning() << "[ObjectQueryModel]: failed to apply the filter:" << query.lastError().text();
+        return false;
+    }
+    return query.numRowsAffected() <= int(NarrowFilterRows);
+}
+
+void ObjectQueryModelPrivate::applyFilter()
+{
+    Q_Q(ObjectQueryModel);
+    QSqlQuery query(db);
+    tempTable(filterTable, "ObjectQueryModelFilter_", "(pattern TEXT, hexPattern TEXT, kinds INTEGER, grp INTEGER)");
+    // The typed text is bound, never written into a statement; LIKE's own
+    // wildcards in it are taken literally.
+    QString text = search.trimmed();
+    QString escaped = text;
+    escaped.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('%'), QLatin1String("\\%"))
+        .replace(QLatin1Char('_'), QLatin1String("\\_"));
+    QString hex = text;
+    if (hex.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        hex = hex.mid(2);
+    const bool isHex = !hex.isEmpty() && hex.size() <= 6
+        && std::all_of(hex.cbegin(), hex.cend(), [](QChar c) { return isxdigit(c.toLatin1()) != 0; });
+    query.exec(QStringLiteral("DELETE FROM ") + filterTable);
+    query.prepare(QStringLiteral("INSERT INTO ") + filterTable + QStringLiteral(" VALUES (?, ?, ?, ?)"));
+    query.addBindValue(text.isEmpty() ? QVariant(QVariant::String) : QVariant(QLatin1Char('%') + escaped + QLatin1Char('%')));
+    query.addBindValue(isHex ? QVariant(QLatin1Char('%') + hex.toUpper() + QLatin1Char('%')) : QVariant(QVariant::String));
+    query.addBindValue(qint64(kinds));
+    query.addBindValue(group >= 0 ? QVariant(group) : QVariant(QVariant::Int));
+    if (!query.exec())
+        qWarning() << "[ObjectQueryModel]: failed to store the filter:" << query.lastError().text();
+    relist();
+    emit q->filterChanged();
+}
+
 ObjectQueryModel::ObjectQueryModel(const QSqlDatabase& db, QObject* parent)
     : QAbstractTableModel(parent), d_ptr(new ObjectQueryModelPrivate(this, db))
 {
@@ -336,7 +454,102 @@ ObjectQueryModel::ObjectQueryModel(const QSqlDatabase& db, QObject* parent)
     d_ptr->select(0, true);
 }
 
-ObjectQueryModel::~ObjectQueryModel() = default;
+ObjectQueryModel::~ObjectQueryModel()
+{
+    Q_D(ObjectQueryModel);
+    if (!d->filterTable.isEmpty()) {
+        // The view reads the filter table: it goes first.
+        QSqlQuery query(d->db);
+        query.exec(QStringLiteral("DROP VIEW IF EXISTS ") + d->viewName);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->filterTable);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->matchTable);
+    }
+}
+
+QString ObjectQueryModel::searchText() const
+{
+    return d_func()->search;
+}
+
+void ObjectQueryModel::setSearchText(const QString& text)
+{
+    Q_D(ObjectQueryModel);
+    if (text == d->search)
+        return;
+    d->search = text;
+    d->applyFilter();
+}
+
+QVariantList ObjectQueryModel::kindFilter() const
+{
+    QVariantList out;
+    for (int type = 0; type < 32; ++type)
+        if (d_func()->kinds & (1u << type))
+            out.append(type);
+    return out;
+}
+
+void ObjectQueryModel::setKindFilter(const QVariantList& kinds)
+{
+    Q_D(ObjectQueryModel);
+    quint32 bits = 0;
+    for (const QVariant& kind : kinds) {
+        const int type = kind.toInt();
+        if (type >= 0 && type < 32)
+            bits |= 1u << type;
+    }
+    if (bits == d->kinds)
+        return;
+    d->kinds = bits;
+    d->applyFilter();
+}
+
+int ObjectQueryModel::groupFilter() const
+{
+    return d_func()->group;
+}
+
+void ObjectQueryModel::setGroupFilter(int group)
+{
+    Q_D(ObjectQueryModel);
+    group = qMax(-1, group);
+    if (group == d->group)
+        return;
+    d->group = group;
+    d->applyFilter();
+}
+
+bool ObjectQueryModel::isFiltered() const
+{
+    return d_func()->filtered();
+}
+
+QVariantList ObjectQueryModel::knownGroups() const
+{
+    QVariantList out;
+    QSqlQuery query(d_func()->db);
+    if (!query.exec(QStringLiteral("SELECT DISTINCT groupID FROM DevicesGroups ORDER BY groupID")))
+        qWarning() << "[ObjectQueryModel]: failed to read the groups:" << query.lastError().text();
+    while (query.next())
+        out.append(query.value(0).toInt());
+    return out;
+}
+
+void ObjectQueryModel::selectRows(int first, int last)
+{
+    Q_D(ObjectQueryModel);
+    if (d->rowCount == 0)
+        return;
+    first = qBound(0, first, d->rowCount - 1);
+    last = qBound(0, last, d->rowCount - 1);
+    const int a = d->mapRow(first), b = d->mapRow(last);
+    selectionModel()->addRows(qMin(a, b), qAbs(a - b) + 1);
+}
+
+void ObjectQueryModel::selectAll()
+{
+    selectionModel()->addRows(0, -1);
+}
 
 int ObjectQueryModel::rowCount(const QModelIndex& parent) const
 {
@@ -465,6 +678,16 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
     Q_D(ObjectQueryModel);
     if (!object)
         return;
+    if (d->filtered()) {
+        d->relist();
+        if (selected) {
+            selectionModel()->clear();
+            selectionModel()->addItems(ObjectFactory::NodeIDColumn, VRN::getNumber(object->address()));
+        }
+        return;
+    }
+    // The insert being announced is the one change the anchors may have missed.
+    d->checkAnchors(1);
     const int generation = d->anchorGeneration;
     const int v = d->indexOf(object->uuid());
     if (v >= 0)
@@ -502,9 +725,16 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
 void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
-    // A save may write the sorted column.
+    if (d->filtered()) {
+        // The change may take the row into the filter or out of it.
+        d->relist();
+        return;
+    }
+    // A save may write the sorted column; it never moves a uuid.
     if (d->sortColumn != ObjectFactory::UuidColumn)
         d->dropAnchors();
+    else
+        d->checkAnchors(1);
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
@@ -537,6 +767,8 @@ void ObjectQueryModel::onObjectChanged(VRNObject::UUID uuid)
 void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
 {
     Q_D(ObjectQueryModel);
+    if (d->filtered())
+        return; // listed anew once it is gone
     const int v = d->indexOf(uuid);
     if (v < 0)
         return;
@@ -552,12 +784,17 @@ void ObjectQueryModel::onBeginObjectDestroy(VRNObject::UUID uuid)
 void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr address)
 {
     Q_D(ObjectQueryModel);
+    if (d->filtered() && d->pendingRemoval < 0) {
+        d->relist();
+        return;
+    }
     if (d->pendingRemoval < 0) {
         qWarning() << "[ObjectQueryModel]: internal error, endObjectDestroyed" << "called without index";
         return;
     }
     const int v = d->pendingRemoval;
     d->pendingRemoval = -1;
+    d->checkAnchors(1);
     if (d->removedKeyKnown && d->anchorsBuilt)
         d->shiftAnchors(d->removedKey, uuid, -1);
     d->removedKeyKnown = false;
@@ -572,4 +809,20 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr addr
     --d->rowCount;
     endRemoveRows();
     d->refreshDoublonInfo(address, 0, -1);
+}
+
+void ObjectQueryModel::onRegistryChanged()
+{
+    beginResetModel();
+    const ObjectFactory::DevicesTableColumn column = d_ptr->sortColumn;
+    const Qt::SortOrder order = d_ptr->sortOrder;
+    ObjectSelectionModel* selection = d_ptr->selection;
+    d_ptr.reset(new ObjectQueryModelPrivate(this, ObjectFactory::instance()->database()));
+    d_ptr->sortColumn = column;
+    d_ptr->sortOrder = order;
+    d_ptr->selection = selection;
+    d_ptr->select(0, true);
+    endResetModel();
+    if (selection)
+        selection->setDatabase(d_ptr->db, d_ptr->viewName);
 }

@@ -29,6 +29,17 @@ class ObjectQueryModel : public QAbstractTableModel
     Q_PROPERTY(ObjectSelectionModel* selection READ selectionModel CONSTANT)
     Q_PROPERTY(Role sortBy READ sortBy WRITE setSortBy NOTIFY sortByChanged)
     Q_PROPERTY(Qt::SortOrder sortOrder READ sortOrder WRITE setSortOrder NOTIFY sortOrderChanged)
+    /// Filtering, an addition to the full list: with a search text, kinds
+    /// or a group set, the view lists only the matching devices. The search
+    /// text matches labels and serial numbers anywhere (case-blind) and node
+    /// numbers by their hexadecimal digits. While a filter is on, creations,
+    /// changes and deletions reset the model instead of moving single rows.
+    Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY filterChanged)
+    /// Device kinds (`VRNObject::Type` values) listed; empty: every kind.
+    Q_PROPERTY(QVariantList kindFilter READ kindFilter WRITE setKindFilter NOTIFY filterChanged)
+    /// The group whose known members are listed; -1: no group filter.
+    Q_PROPERTY(int groupFilter READ groupFilter WRITE setGroupFilter NOTIFY filterChanged)
+    Q_PROPERTY(bool filtered READ isFiltered NOTIFY filterChanged)
 public:
     /// Item roles; a role's column is the role minus `Qt::UserRole`.
     enum Role {
@@ -65,6 +76,21 @@ public:
     /// The name of this model's temporary view.
     QString viewName() const;
 
+    QString searchText() const;
+    void setSearchText(const QString& text);
+    QVariantList kindFilter() const;
+    void setKindFilter(const QVariantList& kinds);
+    int groupFilter() const;
+    void setGroupFilter(int group);
+    bool isFiltered() const;
+    /// Every group number some device is known to belong to, ascending.
+    Q_INVOKABLE QVariantList knownGroups() const;
+    /// Adds the model rows `first` to `last` (either order) to the
+    /// selection with one statement, whatever the sort order.
+    Q_INVOKABLE void selectRows(int first, int last);
+    /// Every row listed (with a filter: the matching ones) into the selection.
+    Q_INVOKABLE void selectAll();
+
     /// The model's selection, made on first use and bound to its view.
     ObjectSelectionModel* selectionModel();
     Role sortBy() const;
@@ -76,12 +102,16 @@ Q_SIGNALS:
     void sortByChanged(ObjectQueryModel::Role role);
     void sortOrderChanged(Qt::SortOrder order);
     void selectionChanged();
+    void filterChanged();
 
 private Q_SLOTS:
     void onObjectCreated(QSharedPointer<VRNObject> object, bool selected);
     void onObjectChanged(VRNObject::UUID uuid);
     void onBeginObjectDestroy(VRNObject::UUID uuid);
     void onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr address);
+    /// The factory moved to another registry: the rows, the page and the
+    /// selection are those of the new one (a reset), sort kept.
+    void onRegistryChanged();
 
 private:
     friend class ObjectFactory;

@@ -60,6 +60,18 @@ public:
         bool operator<(const Anchor& o) const { return key < o.key || (key == o.key && uuid < o.uuid); }
     };
     bool anchoredColumn() const;
+    /// What the database has seen written: this connection's row changes
+    /// and the commits of other connections. Anchors are good only for the
+    /// stamp they were read or moved at.
+    struct Stamp
+    {
+        qint64 changes = -1;
+        qint64 version = -1;
+    };
+    Stamp stamp();
+    /// Anchors read before a change the model did not hear of go; `expected`
+    /// row changes on this connection (the one being announced) are allowed.
+    void checkAnchors(int expected = 0);
     void dropAnchors();
     void buildAnchors();
     /// The integer sort key of the row `uuid`; false for a missing row or a
@@ -74,6 +86,20 @@ public:
     void shiftAnchors(qint64 key, VRNObject::UUID uuid, int delta);
     void refreshDoublonInfo(VRN::Addr address, VRNObject::UUID known, int knownRow, bool pageFresh = false);
     QString sortColumnName() const;
+    bool filtered() const { return !search.isEmpty() || kinds != 0 || group >= 0; }
+    /// Stores the filter in this model's filter table and lists anew.
+    void applyFilter();
+    /// The condition the view's rows meet while filtered; it reads the
+    /// filter's values from the filter table, never from its own text.
+    QString filterCondition() const;
+    /// Creates this model's temporary table `name` on first use.
+    void tempTable(QString& name, const char* prefix, const char* columns);
+    /// Lists the rows anew (a filtered model cannot place a single row).
+    void relist();
+    /// Fills the match table with the rows the filter lets through; false
+    /// when more than `NarrowFilterRows` pass.
+    bool collectMatches();
+    enum { NarrowFilterRows = 2000 };
 
     ObjectQueryModel* q_ptr;
     QSqlDatabase db;
@@ -100,6 +126,9 @@ public:
     QString nextRowsStatement;
     QVector<Anchor> anchors;
     bool anchorsBuilt = false;
+    Stamp anchorStamp;
+    QSqlQuery changesQuery;
+    QSqlQuery versionQuery;
     int anchorGeneration = 0;
     QSqlQuery keyQuery;
     QSqlQuery betweenQuery;
@@ -107,6 +136,13 @@ public:
     /// The key of the row whose destruction was announced, for the anchors.
     qint64 removedKey = 0;
     bool removedKeyKnown = false;
+    // The filter (see ObjectQueryModel::searchText).
+    QString search;
+    quint32 kinds = 0;
+    int group = -1;
+    QString filterTable;
+    QString matchTable;
+    bool narrowFilter = false;
 };
 
 #endif // OBJECTQUERYMODEL_P_H

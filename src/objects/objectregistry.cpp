@@ -10,8 +10,9 @@ ObjectRegistry::~ObjectRegistry()
         s_registry = nullptr;
 }
 
-void ObjectRegistry::groupSlotsKnown(VRNObject*, const QList<unsigned int>&)
+bool ObjectRegistry::groupSlotsKnown(VRNObject*, const QList<unsigned int>&, QString*)
 {
+    return true;
 }
 
 ObjectRegistry* ObjectRegistry::instance()

@@ -2,6 +2,7 @@
 #define OBJECTREGISTRY_H
 
 #include <QList>
+#include <QString>
 
 class VRNObject;
 class VRNObjectWorker;
@@ -24,8 +25,9 @@ public:
     virtual void objectWorkerDestroyed(VRNObjectWorker* worker) = 0;
     /// The group slots of `object` as a group read or write left them on the
     /// device (0 marks an empty slot). The registry keeps the device's group
-    /// membership in step; the default does nothing.
-    virtual void groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots);
+    /// membership in step; the default does nothing. False, with the reason
+    /// in `error`, when the registry could not store them.
+    virtual bool groupSlotsKnown(VRNObject* object, const QList<unsigned int>& groupSlots, QString* error = nullptr);
 
     /// The installed registry, or null.
     static ObjectRegistry* instance();

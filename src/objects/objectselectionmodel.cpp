@@ -29,8 +29,13 @@ bool ObjectSelectionModelPrivate::run(QSqlQuery& query, const QString& statement
 {
     bool ok = query.prepare(statement);
     if (ok) {
+        // A criterion left undefined (from QML) is bound as NULL: the
+        // statement runs and matches no row, instead of failing for want of
+        // a value.
         if (criteria.isValid())
             query.addBindValue(criteria);
+        else if (statement.contains(QLatin1Char('?')))
+            query.addBindValue(QVariant(QVariant::Int));
         ok = query.exec();
     }
     if (!ok)
@@ -187,9 +192,10 @@ void ObjectSelectionModel::change(const std::function<void()>& statements)
     // Views read the row count when the reset ends: it must be the new one.
     const bool counted = d->updateRowCount();
     endResetModel();
+    // Whoever hears of the new count reads the node id of the new selection.
+    d->updateSelectedNodeId();
     if (counted)
         emit rowCountChanged(d->rowCount);
-    d->updateSelectedNodeId();
 }
 
 void ObjectSelectionModel::addItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
@@ -237,6 +243,30 @@ void ObjectSelectionModel::toggleItems(ObjectFactory::DevicesTableColumn column,
         setItems(column, criteria);
 }
 
+void ObjectSelectionModel::addRows(int offset, int count)
+{
+    change([&] {
+        Q_D(ObjectSelectionModel);
+        QSqlQuery query(d->db);
+        d->run(query,
+               QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
+                   + QStringLiteral(" LIMIT %1 OFFSET %2").arg(count < 0 ? -1 : count).arg(qMax(0, offset)),
+               QVariant(), "failed to execute insert query:");
+    });
+}
+
+void ObjectSelectionModel::addGroup(int group)
+{
+    change([&] {
+        Q_D(ObjectSelectionModel);
+        QSqlQuery query(d->db);
+        d->run(query,
+               QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
+                   + QStringLiteral(" WHERE uuid IN (SELECT deviceUUID FROM DevicesGroups WHERE groupID = ?)"),
+               group, "failed to execute insert query:");
+    });
+}
+
 void ObjectSelectionModel::clear()
 {
     Q_D(ObjectSelectionModel);
@@ -246,6 +276,23 @@ void ObjectSelectionModel::clear()
     endResetModel();
     d->updateSelectedType();
     d->updateSelectedNodeId();
+    emit rowCountChanged(0);
+}
+
+void ObjectSelectionModel::setDatabase(const QSqlDatabase& db, const QString& deviceTable)
+{
+    beginResetModel();
+    {
+        Q_D(ObjectSelectionModel);
+        d->membership.clear();
+        QSqlQuery query(d->db);
+        query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->table);
+    }
+    d_ptr.reset(new ObjectSelectionModelPrivate(this, db));
+    d_ptr->deviceTable = deviceTable;
+    d_ptr->updateSelectedType();
+    endResetModel();
+    emit deviceTableChanged(deviceTable);
     emit rowCountChanged(0);
 }
 

@@ -35,6 +35,9 @@ class ObjectSelectionModel : public QAbstractListModel
 public:
     explicit ObjectSelectionModel(const QSqlDatabase& db, QObject* parent = nullptr);
     ~ObjectSelectionModel() override;
+    /// Starts afresh, empty, on another database (the registry of another
+    /// bus) over its table `deviceTable`.
+    void setDatabase(const QSqlDatabase& db, const QString& deviceTable);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     /// The uuid of the row, for any role.
@@ -50,6 +53,11 @@ public:
     Q_INVOKABLE void clear();
     /// The uuid at `index`, invalid past the end.
     Q_INVOKABLE QVariant data(int index) const;
+    /// Adds `count` rows of the device table from row `offset` on, in its
+    /// order (a negative count: to the end), with one statement.
+    Q_INVOKABLE void addRows(int offset, int count);
+    /// Adds the devices of the device table known to belong to `group`.
+    Q_INVOKABLE void addGroup(int group);
     /// Deletes every selected device through the factory.
     Q_INVOKABLE void destroyObjectsQml();
 

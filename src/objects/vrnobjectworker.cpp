@@ -2,6 +2,17 @@
 #include "vrnobjectworker_p.h"
 
 #include "objectregistry.h"
+#include "task.h"
+
+namespace {
+
+VRNObjectWorker::TaskObserver& taskObserver()
+{
+    static VRNObjectWorker::TaskObserver observer;
+    return observer;
+}
+
+} // namespace
 
 VRNObjectWorker::VRNObjectWorker(const QSharedPointer<VRNObject>& object, QObject* parent)
     : QmlObjectWorker(nullptr, parent)
@@ -43,4 +54,17 @@ QSharedPointer<VRNObject> VRNObjectWorker::vrnObject() const
 {
     Q_D(const VRNObjectWorker);
     return d->object;
+}
+
+Task* VRNObjectWorker::createTask(const Job& job)
+{
+    Task* task = QmlObjectWorker::createTask(job);
+    if (task && taskObserver())
+        taskObserver()(vrnObject().data(), task);
+    return task;
+}
+
+void VRNObjectWorker::setTaskObserver(const TaskObserver& observer)
+{
+    taskObserver() = observer;
 }

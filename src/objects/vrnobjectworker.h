@@ -6,6 +6,8 @@
 #include <QScopedPointer>
 #include <QSharedPointer>
 
+#include <functional>
+
 class VRNObject;
 class VRNObjectWorkerPrivate;
 
@@ -26,6 +28,15 @@ public:
     void setObject(QObject* object);
     QObject* object() const;
     QSharedPointer<VRNObject> vrnObject() const;
+
+    /// The task bound to `job` for this worker's object; the task observer
+    /// (if one is set) hears of it before it runs.
+    Task* createTask(const Job& job) override;
+
+    /// Called with every task made for a device's job, by any tool, before
+    /// it runs (the change log records writes this way); empty for none.
+    using TaskObserver = std::function<void(VRNObject* object, Task* task)>;
+    static void setTaskObserver(const TaskObserver& observer);
 
 private:
     QScopedPointer<VRNObjectWorkerPrivate> d_ptr;

@@ -206,6 +206,9 @@ void BusDiscoverTask::nodeSetDiscover()
         // is not marked, and shows as NoObject in "result": deliberately.
         // `answeredNodes` tells the caller which address it was.
         const VRNObject::UUID uuid = d->registerNode(addr);
+        // Aborted while the registry was busy: the next node waits for none.
+        if (!isRunning())
+            return;
         d->discovered.insert(addr, uuid);
         if (uuid == NoObject) {
             qWarning() << "[BusDiscoverTask]: failed to createObject";

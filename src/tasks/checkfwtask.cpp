@@ -56,14 +56,20 @@ void CheckFwTask::onJobStateChanged(Job::State state)
     const DTSStdProxy::AppVersion version = device.proxyStdConfig().getConstData().appVersion;
     const BpkKeys keys = FirmwareLoader::configuredKeys();
     const FirmwareInfo newest = FirmwareLoader::newest(
-        FirmwareLoader::readFolder(FirmwareLoader::configuredPath(), keys.verifyKey), VRN::getType(device.address()));
+        FirmwareLoader::readFolder(FirmwareLoader::configuredPath(), keys.verifyKey),
+        FirmwareLoader::nodeTypeOf(device.address()));
+    const int order = newest.compareVersion(version.major, version.minor, version.patch, version.build);
     QString status;
     if (!newest.isReadable()) {
         status = QStringLiteral("noPackage");
         device.setIsUpToDate(VRNObject::UpToDateUnknown);
-    } else if (newest.compareVersion(version.major, version.minor, version.patch, version.build) > 0) {
+    } else if (order > 0) {
         status = QStringLiteral("updateAvailable");
         device.setIsUpToDate(VRNObject::OutOfDate);
+    } else if (order < 0) {
+        // Nothing to install, but not the package's version either.
+        status = QStringLiteral("deviceNewer");
+        device.setIsUpToDate(VRNObject::UpToDate);
     } else {
         status = QStringLiteral("upToDate");
         device.setIsUpToDate(VRNObject::UpToDate);

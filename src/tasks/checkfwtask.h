@@ -11,10 +11,12 @@ class CheckFwTaskPrivate;
 /// catalogue ("firmwarePath") that fits the node's type.
 ///
 /// The result is a map: {"status": "upToDate" | "updateAvailable" |
-/// "noPackage", "version": the device's version, "available": the newest
-/// package's version (empty when none fits), "package": its path}. The
-/// object's `isUpToDate` follows: UpToDate, OutOfDate, or UpToDateUnknown
-/// when no package fits. A device newer than every package is up to date.
+/// "deviceNewer" | "noPackage", "version": the device's version,
+/// "available": the newest package's version (empty when none fits),
+/// "package": its path}. The object's `isUpToDate` follows: UpToDate,
+/// OutOfDate, or UpToDateUnknown when no package fits. A device newer than
+/// every package needs nothing ("deviceNewer", UpToDate), but is not told
+/// it runs the package's version.
 /// A failed version read fails the task with the read's own text.
 class CheckFwTask : public ObjectTask<StdConfigData>
 {

@@ -54,8 +54,14 @@ bool GetGroupsTask::requestNext()
     Q_D(GetGroupsTask);
     if (++d->index >= DTSStdProxy::GroupSlotCount) {
         // Every slot read: the registry's membership of the device follows.
-        if (ObjectRegistry* registry = ObjectRegistry::instance())
-            registry->groupSlotsKnown(object(), object()->proxyStdConfig().getConstData().groups);
+        QString error;
+        ObjectRegistry* registry = ObjectRegistry::instance();
+        if (registry && !registry->groupSlotsKnown(object(), object()->proxyStdConfig().getConstData().groups, &error)) {
+            // The device answered, but the registry keeps the old groups:
+            // reported, never taken for a success.
+            fail(tr("registry not updated: %1").arg(error));
+            return true;
+        }
         return false;
     }
     watch(node()->getGroupAddr(d->index));

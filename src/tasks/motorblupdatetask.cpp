@@ -4,7 +4,7 @@
 #include "firmwaretask_p.h"
 #include "motorbl.h"
 #include "vrnmessage.h"
-#include "vrnmotorobject.h"
+#include "vrnstdobject.h"
 
 class MotorBLUpdateTaskPrivate : public FirmwareTaskPrivate
 {
@@ -33,7 +33,7 @@ MotorBLStates::State MotorBLUpdateTask::step() const
 
 const QMetaObject& MotorBLUpdateTask::objectClass() const
 {
-    return VRNMotorObject::staticMetaObject;
+    return VRNStdObject::staticMetaObject;
 }
 
 void MotorBLUpdateTask::begin()
@@ -79,10 +79,20 @@ void MotorBLUpdateTask::resend()
     }
 }
 
-quint8 MotorBLUpdateTask::expectedReply() const
+quint8 MotorBLUpdateTask::protocolReply() const
 {
-    return d_func()->step == MotorBLStates::ReadVersion ? quint8(DTS::PostNodeAppVersion)
-                                                        : quint8(DTS::BlPostStatus);
+    return DTS::BlPostStatus;
+}
+
+bool MotorBLUpdateTask::probesFirst() const
+{
+    return true;
+}
+
+bool MotorBLUpdateTask::takesNack(const VRNMessage& reply) const
+{
+    return FirmwareTask::takesNack(reply)
+        || (d_func()->step == MotorBLStates::Exit && DTS::getNackReply(reply) == DTS::NackUnknownMessage);
 }
 
 void MotorBLUpdateTask::onReply(const VRNMessage& reply)
@@ -90,6 +100,13 @@ void MotorBLUpdateTask::onReply(const VRNMessage& reply)
     Q_D(MotorBLUpdateTask);
     if (onVersionReply(reply))
         return;
+    if (reply.cmd() == DTS::Nack) {
+        // Only an exit gets here: its answer was lost and the new
+        // application refuses the exit sent again.
+        setInBootloader(false);
+        enterStep(MotorBLStates::ReadVersion);
+        return;
+    }
     MotorBL::Status status = MotorBL::Ok;
     quint32 value = 0;
     if (!d->proxy->statusReply(reply, status, value)) {
@@ -115,8 +132,10 @@ void MotorBLUpdateTask::onReply(const VRNMessage& reply)
         }
     }
     if (status != MotorBL::Ok) {
-        fail(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
+        giveUp(tr("Bootloader refused: %1").arg(MotorBL::toString(status)));
         return;
     }
+    if (d->step == MotorBLStates::Enter || d->step == MotorBLStates::Exit)
+        setInBootloader(d->step == MotorBLStates::Enter);
     enterStep(MotorBLStates::next(d->step));
 }

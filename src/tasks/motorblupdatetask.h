@@ -6,15 +6,22 @@
 
 class MotorBLUpdateTaskPrivate;
 
-/// Updates a motor's firmware through its bootloader: for a motor stuck in
+/// Updates a node's firmware through its bootloader: for a node stuck in
 /// the bootloader after a power loss in the middle of an update (it answers
 /// nothing else), or to force an update. Runs the steps of `MotorBLStates`
 /// with the bootloader's own frames (`MotorBL`); package, retries and
-/// progress as `FirmwareTask` says.
+/// progress as `FirmwareTask` says: a node that still runs its application
+/// tells its version first and is skipped or refused by the same rules as
+/// the standard update. Motors and standard nodes share the
+/// bootloader, so the task works on any standard node.
 ///
-/// A write the motor refuses as damaged is sent again (a retry); a write
-/// the motor expected at another offset goes on from the offset it names.
+/// A write the node refuses as damaged is sent again (a retry); a write
+/// the node expected at another offset goes on from the offset it names.
 /// Any other status ends the task with "Bootloader refused: <status>".
+/// An exit whose answer was lost and that, sent again, meets the new
+/// application (which refuses it as unknown) is no failure: the version
+/// read back decides. Once the node has entered its bootloader, a failure
+/// says that it waits there and how to recover it.
 class MotorBLUpdateTask : public FirmwareTask
 {
     Q_OBJECT
@@ -32,8 +39,10 @@ protected:
     const QMetaObject& objectClass() const override;
     void begin() override;
     void resend() override;
+    bool probesFirst() const override;
+    bool takesNack(const VRNMessage& reply) const override;
     void onReply(const VRNMessage& reply) override;
-    quint8 expectedReply() const override;
+    quint8 protocolReply() const override;
 
 private:
     void enterStep(MotorBLStates::State step);

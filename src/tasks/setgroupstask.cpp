@@ -73,12 +73,12 @@ void SetGroupsTask::start()
         writeSlot();
 }
 
-void SetGroupsTask::storeMembership()
+bool SetGroupsTask::storeMembership(QString* error)
 {
     Q_D(SetGroupsTask);
     ObjectRegistry* registry = ObjectRegistry::instance();
     if (!registry)
-        return;
+        return true;
     // The written slots over what the last read found in the others.
     QList<unsigned int> groupSlots = object()->proxyStdConfig().getConstData().groups;
     for (int i = 0; i < d->groups.size(); ++i) {
@@ -87,7 +87,7 @@ void SetGroupsTask::storeMembership()
         else
             groupSlots.append(d->groups.at(i));
     }
-    registry->groupSlotsKnown(object(), groupSlots);
+    return registry->groupSlotsKnown(object(), groupSlots, error);
 }
 
 void SetGroupsTask::writeSlot()
@@ -114,7 +114,9 @@ void SetGroupsTask::onJobStateChanged(Job::State state)
     if (!checkObject())
         return;
     if (++d->index >= d->groups.size()) {
-        storeMembership();
+        QString error;
+        if (!storeMembership(&error))
+            return fail(tr("registry not updated: %1").arg(error));
         finish();
     }
     else

@@ -58,7 +58,8 @@ protected:
 private:
     void writeSlot();
     /// Hands the device's slots after a complete write to the registry.
-    void storeMembership();
+    /// Keeps the registry's membership in step; false with the reason.
+    bool storeMembership(QString* error);
     Q_DECLARE_PRIVATE(SetGroupsTask)
 };
 

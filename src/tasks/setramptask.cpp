@@ -123,17 +123,7 @@ void SetRampTask::onReply(const VRNMessage& reply)
 
 void SetRampTask::end()
 {
-    Q_D(SetRampTask);
-    VRNDCMotorObject& motor = *object();
-    DCMotorConfigData local = motor.localDCMotorConfig();
-    DCMotorConfigDataData& data = local.data();
-    const bool stopOn = d->both ? d->startStatus : d->stopStatus;
-    data.softStartStatus = d->startStatus;
-    data.softStopStatus = stopOn;
-    if (d->startStatus)
-        data.softStartValue = d->startValue;
-    if (stopOn)
-        data.softStopValue = d->both ? d->startValue : d->stopValue;
-    motor.updateLocalDCMotorConfig(local, false);
+    // The last state only finishes the task: what the ramps now are is
+    // learnt by reading them (GetRampJob), never assumed here.
     finish();
 }

@@ -55,17 +55,20 @@ void StdUpdateTask::resend()
     }
 }
 
-bool StdUpdateTask::takesNack(const VRNMessage& reply) const
+bool StdUpdateTask::readsVersionFirst() const
 {
-    return d_func()->phase == StdUpdateTaskPrivate::Blocks && DTS::getNackReply(reply) == DTS::NackBlockChecksum;
+    return true;
 }
 
-quint8 StdUpdateTask::expectedReply() const
+bool StdUpdateTask::takesNack(const VRNMessage& reply) const
 {
-    const auto phase = d_func()->phase;
-    if (d_func()->readingVersion)
-        return DTS::PostNodeAppVersion;
-    return phase == StdUpdateTaskPrivate::End ? quint8(DTS::Ack) : quint8(DTS::PostFwUpdate);
+    return FirmwareTask::takesNack(reply)
+        || (d_func()->phase == StdUpdateTaskPrivate::Blocks && DTS::getNackReply(reply) == DTS::NackBlockChecksum);
+}
+
+quint8 StdUpdateTask::protocolReply() const
+{
+    return d_func()->phase == StdUpdateTaskPrivate::End ? quint8(DTS::Ack) : quint8(DTS::PostFwUpdate);
 }
 
 void StdUpdateTask::onReply(const VRNMessage& reply)

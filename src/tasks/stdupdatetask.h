@@ -9,8 +9,9 @@ class StdUpdateTaskPrivate;
 /// begin (the node answers with the block it waits for, so an update that
 /// was cut off goes on from the last block the node took), every block from
 /// there, end (the node checks the image digest and switches), then the
-/// version reads back the package's version. Package, retries and progress
-/// as `FirmwareTask` says; the frames are in PROTOCOL.md.
+/// version reads back the package's version. The version is read first:
+/// package, skipping, retries and progress as `FirmwareTask` says; the
+/// frames are in PROTOCOL.md.
 ///
 /// A node that answers a block with a checksum refusal gets it again (a
 /// retry); a node that asks for another block than the one sent gets that
@@ -29,9 +30,10 @@ protected:
     const QMetaObject& objectClass() const override;
     void begin() override;
     void resend() override;
+    bool readsVersionFirst() const override;
     bool takesNack(const VRNMessage& reply) const override;
     void onReply(const VRNMessage& reply) override;
-    quint8 expectedReply() const override;
+    quint8 protocolReply() const override;
 
 private:
     Q_DECLARE_PRIVATE(StdUpdateTask)

@@ -14,6 +14,7 @@
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 
+#include <QDir>
 #include <QFile>
 #include <QPointer>
 #include <QStandardPaths>
@@ -27,6 +28,8 @@ inline void redirectUserFolders(const QTemporaryDir& home)
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + QStringLiteral("/config")));
     qputenv("XDG_DATA_HOME", QFile::encodeName(home.path() + QStringLiteral("/data")));
     QStandardPaths::setTestModeEnabled(true);
+    // Registries of earlier runs: test mode keeps them in a folder of its own.
+    QDir(ObjectFactory::registryFolder()).removeRecursively();
 }
 
 /// Ends the process-wide singletons, once the engine that used them is gone.
@@ -43,7 +46,7 @@ class Network
 {
 public:
     /// `devices` as vrnsim's --devices takes it ("std:4,motor:2").
-    explicit Network(const QString& devices, double timeScale = 20)
+    explicit Network(const QString& devices, double timeScale = 20, const QString& uuid = QStringLiteral("loopback"))
         : net(7)
     {
         bus->setTimeout(60);
@@ -53,7 +56,7 @@ public:
         net.addDevices(devices);
         net.attach(bus);
         bus->open();
-        TaskFixture::installBus(bus);
+        TaskFixture::installBus(bus, uuid);
     }
 
     QPointer<VRNLoopbackBus> bus = new VRNLoopbackBus;

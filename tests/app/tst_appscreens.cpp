@@ -3,6 +3,7 @@
 // the build folder (screenshots/).
 #include "appengine.h"
 #include "appfixture.h"
+#include "dts.h"
 #include "../firmware/firmwarefixture.h"
 
 #include "objectfactory.h"
@@ -12,9 +13,11 @@
 
 #include <QDir>
 #include <QQmlApplicationEngine>
+#include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickItemGrabResult>
 #include <QQuickWindow>
+#include <QXmlStreamReader>
 #include <QtTest>
 
 class tst_AppScreens : public QObject
@@ -31,6 +34,10 @@ private slots:
     void diagnostics();
     void firmware();
     void traffic();
+    void stopAllOnEscape();
+    void backupAndHistory();
+    void everyViewInBothThemes();
+    void everyViewInGerman();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -48,6 +55,14 @@ private:
     QQuickItem* rowItem(int row);
     void show(const char* name);
     void save(const QString& name);
+    /// Every text the window shows now (labels, buttons, fields), visible
+    /// ones only.
+    QStringList visibleTexts() const;
+    /// Texts that give away the code behind the screen: class and job
+    /// names, camelCase keys.
+    static QStringList internalNames(const QStringList& texts);
+    /// Starts the window (again, on the same registry, after a language change).
+    void restart();
 
     QTemporaryDir m_home;
     QScopedPointer<FirmwareFixture::Folder> m_firmware;
@@ -68,15 +83,23 @@ void tst_AppScreens::initTestCase()
     // The bus of the last run is reopened at start; when it fails, the
     // library's text is what the user sees.
     Settings::instance()->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:/dev/vrn-unplugged"));
-    m_engine.reset(new QQmlApplicationEngine);
     QString error;
-    QVERIFY2(AppEngine::start(*m_engine, QString(), &error), qPrintable(error));
-    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().first());
-    QVERIFY(m_window);
-    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    const QString log = m_home.path() + QStringLiteral("/vrnconfigtool.log");
+    QVERIFY2(AppEngine::startLog(log, false, &error), qPrintable(error));
+    restart();
     const QString shown = m_window->findChild<QObject*>(QStringLiteral("statusMessage"))->property("text").toString();
     QVERIFY(!BusFactory::instance()->lastError().isEmpty());
     QCOMPARE(shown, BusFactory::instance()->lastError());
+    // The failure is in the message area and in the log file; the debug
+    // lines are not (no --verbose).
+    QVERIFY(m_engine->rootContext()->contextProperty("appLog").value<QObject*>()->property("entries").toStringList().first()
+                .endsWith(shown));
+    qDebug("[tst_AppScreens]: a trace");
+    QFile file(log);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray written = file.readAll();
+    QVERIFY2(written.contains(shown.toUtf8()), written.constData());
+    QVERIFY(!written.contains("a trace"));
 
     m_network.reset(new AppFixture::Network(
         QStringLiteral("std:5,motor:5,dcmotor:5,lru50:4,tx50dc:4,tx30:4,settingtool:2"), 20));
@@ -184,6 +207,54 @@ void tst_AppScreens::save(const QString& name)
     QVERIFY(image.save(QStringLiteral(VRN_SCREENSHOT_DIR "/") + name + QStringLiteral(".png")));
 }
 
+QStringList tst_AppScreens::visibleTexts() const
+{
+    QStringList texts;
+    QList<QQuickItem*> open{m_window->contentItem()};
+    // Popups and menus that are open live in the overlay, a child of the content item's parent.
+    if (m_window->contentItem()->parentItem())
+        open = {m_window->contentItem()->parentItem()};
+    while (!open.isEmpty()) {
+        QQuickItem* item = open.takeLast();
+        if (!item->isVisible() || item->opacity() == 0)
+            continue;
+        const QVariant text = item->property("text");
+        if (text.type() == QVariant::String && !text.toString().isEmpty())
+            texts.append(text.toString());
+        const QVariant placeholder = item->property("placeholderText");
+        if (placeholder.type() == QVariant::String && !placeholder.toString().isEmpty())
+            texts.append(placeholder.toString());
+        open.append(item->childItems());
+    }
+    return texts;
+}
+
+QStringList tst_AppScreens::internalNames(const QStringList& texts)
+{
+    static const QRegularExpression internal(QStringLiteral(
+        "\\b[a-z]+[A-Z][a-z]+\\w*\\b|\\w+(Job|Task|Object)\\b|\\bVRN[A-Z]\\w+|\\bnull\\b|undefined|NaN|\\[object"));
+    QStringList found;
+    for (const QString& text : texts) {
+        // Bus identifiers and firmware file names are the user's own words.
+        if (text.contains(QLatin1String("mcast:")) || text.contains(QLatin1String("serial:")) || text.contains(QLatin1String(".bpk")))
+            continue;
+        // Nor are the names of files and folders.
+        if (internal.match(QString(text).remove(QRegularExpression(QStringLiteral("\\S*/\\S*")))).hasMatch())
+            found.append(text);
+    }
+    return found;
+}
+
+void tst_AppScreens::restart()
+{
+    m_engine.reset(new QQmlApplicationEngine);
+    QString error;
+    QVERIFY2(AppEngine::start(*m_engine, QString(), &error), qPrintable(error));
+    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().first());
+    QVERIFY(m_window);
+    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+}
+
 void tst_AppScreens::connection()
 {
     show("connection");
@@ -272,27 +343,47 @@ void tst_AppScreens::diagnostics()
     QCOMPARE(selectType(2), 5);
     show("diagnostics");
     QObject* diagnostics = view("diagnosticsView");
-    const QRegularExpression received(QStringLiteral("frameReceived (\\d+)"));
     auto counts = [&] {
         QList<int> out;
-        for (const QString& text : shown("diagnosticRows", "statistics"))
-            out.append(received.match(text).captured(1).toInt());
+        for (QString text : shown("diagnosticRows", "counter_frameReceived"))
+            out.append(text.remove(QRegularExpression(QStringLiteral("\\D"))).toInt());
         return out;
     };
     QCOMPARE(call(diagnostics, "read").toInt(), 5);
     QTRY_COMPARE_WITH_TIMEOUT(diagnostics->property("busy").toInt(), 0, 5000);
     QTRY_COMPARE(counts().size(), 5);
     const QList<int> before = counts();
-    for (const QString& text : shown("diagnosticRows", "motorCounters"))
-        QVERIFY2(QRegularExpression(QStringLiteral("^totalMoveCount \\d+, ")).match(text).hasMatch(), qPrintable(text));
-    QVERIFY2(before.first() > 10, qPrintable(shown("diagnosticRows", "statistics").first()));
+    QVERIFY2(before.first() > 10, qPrintable(shown("diagnosticRows", "counter_frameReceived").first()));
+    // The headings in words, with units; the motors' life counters on their own tab.
+    const QStringList headings = visibleTexts();
+    QVERIFY(headings.contains(QStringLiteral("Frames received")) && headings.contains(QStringLiteral("frames")));
     save(QStringLiteral("diagnostics"));
+    diagnostics->setProperty("groupIndex", 2);
+    QTRY_COMPARE(shown("diagnosticRows", "counter_thermalCount").size(), 5);
+    for (const QString& text : shown("diagnosticRows", "counter_totalMoveCount"))
+        QVERIFY2(QRegularExpression(QStringLiteral("^[\\d,]+$")).match(text).hasMatch(), qPrintable(text));
+    QVERIFY(visibleTexts().contains(QStringLiteral("Thermal trips")));
+    // The chart compares the counter across the five motors.
+    QObject* chart = m_window->findChild<QObject*>(QStringLiteral("diagnosticChart"));
+    QVERIFY(chart);
+    diagnostics->setProperty("chartKey", QStringLiteral("totalMoveCount"));
+    QTRY_COMPARE(chart->property("item").value<QObject*>()->property("bars").toInt(), 5);
+    save(QStringLiteral("diagnostics-motor-life"));
+    diagnostics->setProperty("groupIndex", 0);
+    // Reset asks first, and says what it clears.
+    QObject* confirm = m_window->findChild<QObject*>(QStringLiteral("confirmReset"));
+    QMetaObject::invokeMethod(confirm, "open");
+    QTRY_VERIFY(confirm->property("opened").toBool());
+    const QString explanation = m_window->findChild<QObject*>(QStringLiteral("resetExplanation"))->property("text").toString();
+    QVERIFY2(explanation.startsWith(QLatin1String("Clears on each selected device: every traffic and error counter")), qPrintable(explanation));
+    save(QStringLiteral("diagnostics-reset"));
+    QMetaObject::invokeMethod(confirm, "reject");
 
     QCOMPARE(call(diagnostics, "reset", 2).toInt(), 5);
     QTRY_COMPARE_WITH_TIMEOUT(diagnostics->property("busy").toInt(), 0, 5000);
     QTRY_VERIFY(counts().first() < before.first());
     for (int i = 0; i < 5; ++i)
-        QVERIFY2(counts().at(i) < 10, qPrintable(shown("diagnosticRows", "statistics").at(i)));
+        QVERIFY2(counts().at(i) < 10, qPrintable(shown("diagnosticRows", "counter_frameReceived").at(i)));
 }
 
 // The catalogue listed, the motors checked against it and updated; a node
@@ -319,11 +410,18 @@ void tst_AppScreens::firmware()
     QTRY_COMPARE_WITH_TIMEOUT(firmware->property("busy").toInt(), 0, 30000);
     QTRY_COMPARE(shown("firmwareRows", "firmwareStatus").size(), 6);
     const QStringList statuses = shown("firmwareRows", "firmwareStatus");
-    QVERIFY2(statuses.contains(QStringLiteral("UpdateFwJob: No firmware package fits this device")),
+    QVERIFY2(statuses.contains(QStringLiteral("Update firmware: No firmware package fits this device")),
              qPrintable(statuses.join(QLatin1String(" / "))));
     // The motor that shares its node number with a standard node may be
-    // refused by the other node; every other motor is updated.
-    QVERIFY2(statuses.count(QStringLiteral("updated to 9.0.0")) >= 4, qPrintable(statuses.join(QLatin1String(" / "))));
+    // refused by the other node, a motor with inputs refuses a motor's
+    // package; every other motor is updated, and the summary counts them.
+    int updated = 0;
+    for (const QString& status : statuses)
+        updated += status.startsWith(QLatin1String("updated ")) && status.contains(QChar(0x2192) + QStringLiteral(" 9.0.0")) ? 1 : 0;
+    QVERIFY2(updated >= 3, qPrintable(statuses.join(QLatin1String(" / "))));
+    QVERIFY2(firmware->property("summary").toString().startsWith(QStringLiteral("%1 updated, 0 skipped, %2 failed")
+                                                                     .arg(updated).arg(6 - updated)),
+             qPrintable(firmware->property("summary").toString()));
     save(QStringLiteral("firmware-updated"));
 }
 
@@ -339,6 +437,172 @@ void tst_AppScreens::traffic()
     QTRY_VERIFY(traffic->property("count").toInt() < all);
     QVERIFY(traffic->property("count").toInt() > 0);
     save(QStringLiteral("traffic"));
+}
+
+// Escape, from whatever view, stops every motor with one broadcast frame.
+void tst_AppScreens::stopAllOnEscape()
+{
+    show("diagnostics");
+    QSignalSpy sent(m_network->bus.data(), &Bus::messageSent);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTRY_COMPARE(sent.count(), 1);
+    const VRNMessage frame(sent.first().first().value<BusMessage>());
+    QCOMPARE(frame.cmd(), quint8(DTS::CtrlStopAll));
+    QVERIFY(frame.isBroadcast());
+    QTest::qWait(50);
+    QCOMPARE(sent.count(), 1);
+}
+
+// Backup & Compare: a backup of the network, one label changed behind the
+// application's back, the document opened (one difference, both values
+// shown), the difference written back; the replacement dialog's preview; the
+// History panel with the write.
+void tst_AppScreens::backupAndHistory()
+{
+    show("backup");
+    QObject* backup = view("backupView");
+    QObject* session = backup->property("session").value<QObject*>();
+    const QString file = m_home.filePath(QStringLiteral("site.json"));
+    bool ok = false;
+    QVERIFY(QMetaObject::invokeMethod(session, "backup", Q_RETURN_ARG(bool, ok), Q_ARG(QString, file)) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 30000);
+    QVERIFY2(session->property("lastError").toString().isEmpty(), qPrintable(session->property("lastError").toString()));
+    QCOMPARE(session->property("deviceCount").toInt(), 30);
+
+    SimNode* node = m_network->net.nodes().first();
+    const QByteArray label = node->label();
+    node->setLabel("Moved");
+    QVERIFY(QMetaObject::invokeMethod(session, "open", Q_RETURN_ARG(bool, ok), Q_ARG(QString, file), Q_ARG(bool, false)) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 30000);
+    QCOMPARE(session->property("differences").toList().size(), 1);
+    QCOMPARE(shown("differencesList", "documentValue"), QStringList{QLatin1Char('"') + QString::fromUtf8(label) + QLatin1Char('"')});
+    QCOMPARE(shown("differencesList", "deviceValue"), QStringList{QStringLiteral("\"Moved\"")});
+    save(QStringLiteral("backup"));
+
+    QVERIFY(QMetaObject::invokeMethod(session, "apply", Q_RETURN_ARG(bool, ok), Q_ARG(QVariantList, {})) && ok);
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 10000);
+    QCOMPARE(node->label(), label);
+    QVERIFY(session->property("summary").toString().contains(QStringLiteral("1 device(s) done, 0 failed")));
+
+    // The first motor of the document given to the second one: a preview only.
+    QVariantList inDocument;
+    QMetaObject::invokeMethod(session, "documentDevices", Q_RETURN_ARG(QVariantList, inDocument));
+    int oldIndex = -1;
+    QString oldNode;
+    for (const QVariant& d : inDocument) {
+        if (oldIndex < 0 && d.toMap().value(QStringLiteral("kind")) == QLatin1String("DtsMotor")) {
+            oldIndex = d.toMap().value(QStringLiteral("index")).toInt();
+            oldNode = d.toMap().value(QStringLiteral("node")).toString();
+        }
+    }
+    quint32 newUuid = 0;
+    for (int r = 0; r < view("devicesView")->property("deviceCount").toInt() && !newUuid; ++r) {
+        const QVariantMap v = values(r);
+        if (v.value(QStringLiteral("type")).toInt() == 2 && v.value(QStringLiteral("nodeID")).toUInt() != oldNode.toUInt(nullptr, 16))
+            newUuid = v.value(QStringLiteral("uuid")).toUInt();
+    }
+    QVERIFY(oldIndex >= 0 && newUuid);
+    QObject* dialog = backup->property("replaceDialog").value<QObject*>();
+    QMetaObject::invokeMethod(dialog, "open");
+    QTRY_VERIFY(dialog->property("opened").toBool());
+    call(dialog, "choose", oldIndex, newUuid);
+    QVERIFY(call(dialog, "preview").toBool());
+    QTRY_VERIFY_WITH_TIMEOUT(!session->property("running").toBool(), 10000);
+    QVERIFY2(!session->property("preview").toList().isEmpty(), qPrintable(session->property("summary").toString()
+                                                                          + session->property("lastError").toString()));
+    save(QStringLiteral("replace-device"));
+    QMetaObject::invokeMethod(dialog, "close");
+
+    show("history");
+    QObject* history = view("historyPanel");
+    QMetaObject::invokeMethod(history, "refresh");
+    QVariantList log;
+    QMetaObject::invokeMethod(session, "history", Q_RETURN_ARG(QVariantList, log), Q_ARG(QString, QString()));
+    QVERIFY(!log.isEmpty());
+    QCOMPARE(log.last().toMap().value(QStringLiteral("field")).toString(), QStringLiteral("/label"));
+    QCOMPARE(log.last().toMap().value(QStringLiteral("outcome")).toString(), QStringLiteral("ok"));
+    QTRY_COMPARE(history->property("entries").value<QObject*>()->property("count").toInt(), log.size());
+    save(QStringLiteral("history"));
+}
+
+// Every view with a mixed selection, in the light and the dark theme: the
+// words on screen are the user's, and the theme changes the colours.
+void tst_AppScreens::everyViewInBothThemes()
+{
+    QObject* selection = view("devicesView")->property("selection").value<QObject*>();
+    call(view("devicesView"), "selectAll");
+    QCOMPARE(selection->property("rowCount").toInt(), 30);
+    const QStringList views{QStringLiteral("connection"), QStringLiteral("devices"), QStringLiteral("actions"),
+                            QStringLiteral("diagnostics"), QStringLiteral("firmware"), QStringLiteral("traffic")};
+    // A job every kind cannot run: the standard nodes say why, in words.
+    QCOMPARE(call(view("actionsView"), "runOnSelection", 4).toInt(), 30); // move up
+    QTRY_COMPARE_WITH_TIMEOUT(view("actionsView")->property("pending").toInt(), 0, 10000);
+    show("actions");
+    QTRY_VERIFY2(shown("actionResults", "actionOutcome").contains(QStringLiteral("Move up: not a motor")),
+                 qPrintable(shown("actionResults", "actionOutcome").join(QLatin1String(" | "))));
+    for (const QString theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
+        m_window->setProperty("themeChoice", theme);
+        for (const QString& name : views) {
+            show(qPrintable(name));
+            save(name + QLatin1Char('-') + theme);
+            const QStringList bad = internalNames(visibleTexts());
+            QVERIFY2(bad.isEmpty(), qPrintable(name + QStringLiteral(": ") + bad.join(QLatin1String(" | "))));
+        }
+        const QColor window = m_window->property("palette").value<QPalette>().color(QPalette::Window);
+        QCOMPARE(window.lightness() < 128, theme == QLatin1String("dark"));
+    }
+    m_window->setProperty("themeChoice", QStringLiteral("system"));
+    QMetaObject::invokeMethod(m_window->findChild<QObject*>(QStringLiteral("about")), "open");
+    QTRY_VERIFY(visibleTexts().contains(QStringLiteral("Application version " VRN_APP_VERSION)));
+    QVERIFY(visibleTexts().contains(QStringLiteral("Configuration library version " VRN_APP_VERSION)));
+    save(QStringLiteral("about"));
+}
+
+// The same window in German: every text that has a translation shows it.
+void tst_AppScreens::everyViewInGerman()
+{
+    // The English texts of the interface and their German translations.
+    QFile ts(QStringLiteral(VRN_TS_FILE));
+    QVERIFY(ts.open(QIODevice::ReadOnly));
+    QHash<QString, QString> german;
+    QXmlStreamReader xml(&ts);
+    QString source;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == QLatin1String("source"))
+            source = xml.readElementText();
+        else if (xml.name() == QLatin1String("translation"))
+            german.insert(source, xml.readElementText());
+    }
+    QVERIFY(german.size() > 200);
+    QCOMPARE(AppEngine::installTranslations(QStringLiteral("de")), QStringLiteral("de"));
+    restart();
+    QObject* selection = view("devicesView")->property("selection").value<QObject*>();
+    QMetaObject::invokeMethod(selection, "setItems", Q_ARG(ObjectFactory::DevicesTableColumn, ObjectFactory::TypeColumn),
+                              Q_ARG(QVariant, 6));
+    call(view("devicesView"), "updateShown");
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 5000);
+    for (const char* name : {"connection", "devices", "actions", "diagnostics", "firmware", "traffic"}) {
+        show(name);
+        if (QByteArray(name) == "diagnostics") {
+            call(view("diagnosticsView"), "read");
+            QTRY_COMPARE_WITH_TIMEOUT(view("diagnosticsView")->property("busy").toInt(), 0, 5000);
+            QVERIFY(visibleTexts().contains(QStringLiteral("Gesendete Rahmen")));
+        }
+        save(QStringLiteral("%1-de").arg(QLatin1String(name)));
+        QStringList english;
+        for (const QString& text : visibleTexts())
+            if (german.contains(text) && german.value(text) != text)
+                english.append(text);
+        QVERIFY2(english.isEmpty(), qPrintable(QLatin1String(name) + QStringLiteral(": ") + english.join(QLatin1String(" | "))));
+    }
+    const QStringList texts = visibleTexts();
+    QVERIFY(texts.contains(QStringLiteral("Verbindung")));
+    show("devices");
+    QCOMPARE(m_window->findChild<QObject*>(QStringLiteral("syncState"))->property("text").toString(),
+             QStringLiteral("Mit dem Gerät abgeglichen"));
 }
 
 QTEST_MAIN(tst_AppScreens)

@@ -1,6 +1,7 @@
 // Firmware check and updates on simulated nodes: the bindings, the check's
-// outcomes, the standard update with the version read back, refusals before
-// anything is sent, resuming, faults on the line, and recovery from the
+// outcomes, the standard update with the version read before and after,
+// what the version before decides (skip, refuse, force), refusals before
+// anything is sent, resuming, faults on the line, recovery from the
 // bootloader after a power loss, and giving up on a block refused every time.
 #include "firmwarefixture.h"
 #include "taskfixture.h"
@@ -37,6 +38,8 @@ private slots:
     void check();
     void update_data();
     void update();
+    void versionDecides_data();
+    void versionDecides();
     void refusedBeforeSending_data();
     void refusedBeforeSending();
     void nodeRefusesOtherKind();
@@ -73,6 +76,8 @@ void tst_FirmwareTasks::init()
         m_workers[d].reset(new VRNObjectWorker(m_objects[d]));
     }
     sim(Motor)->setAppVersion({1, 2, 0, 0});
+    sim(Tool)->setAppVersion({1, 0, 0, 0});
+    sim(Keypad)->setAppVersion({1, 0, 0, 0});
 }
 
 void tst_FirmwareTasks::cleanup()
@@ -103,7 +108,7 @@ void tst_FirmwareTasks::bindings_data()
     QTest::newRow("update, keypad") << int(Keypad) << "UpdateFwJob" << "StdUpdateTask";
     QTest::newRow("bootloader, motor") << int(Motor) << "DirectUpdateFwJob" << "MotorBLUpdateTask";
     QTest::newRow("bootloader, setting tool") << int(Tool) << "DirectUpdateFwJob" << "SettingToolBLUpdateTask";
-    QTest::newRow("bootloader, keypad") << int(Keypad) << "DirectUpdateFwJob" << "";
+    QTest::newRow("bootloader, keypad") << int(Keypad) << "DirectUpdateFwJob" << "MotorBLUpdateTask";
     QTest::newRow("check, motor") << int(Motor) << "CheckFwJob" << "CheckFwTask";
 }
 
@@ -134,7 +139,7 @@ void tst_FirmwareTasks::check_data()
     QTest::newRow("same version") << QStringList{"1:1.2.0"} << "upToDate" << "1.2.0" << int(VRNObject::UpToDate);
     QTest::newRow("newer package") << QStringList{"1:1.1.0", "1,9:1.10.0"} << "updateAvailable" << "1.10.0"
                                    << int(VRNObject::OutOfDate);
-    QTest::newRow("device newer") << QStringList{"1:1.1.9"} << "upToDate" << "1.1.9" << int(VRNObject::UpToDate);
+    QTest::newRow("device newer") << QStringList{"1:1.1.9"} << "deviceNewer" << "1.1.9" << int(VRNObject::UpToDate);
     QTest::newRow("forged newer ignored") << QStringList{"1:1.2.0", "!1:9.0.0"} << "upToDate" << "1.2.0"
                                           << int(VRNObject::UpToDate);
     QTest::newRow("none fits") << QStringList{"9:3.0.0"} << "noPackage" << "" << int(VRNObject::UpToDateUnknown);
@@ -195,11 +200,65 @@ void tst_FirmwareTasks::update()
     QCOMPARE(sim(Device(device))->appVersion().major, quint8(2));
     QCOMPARE(job.result().toMap().value("version").toString(), QStringLiteral("2.0.1"));
     QCOMPARE(m_wire->sentOf(DTS::FwUpdateBlock).size(), blocks);
-    QCOMPARE(m_wire->sentOf(DTS::GetNodeAppVersion).size(), 1);
+    QCOMPARE(m_wire->sentOf(DTS::GetNodeAppVersion).size(), 2); // before and after
     QCOMPARE(done.last(), blocks);
     QCOMPARE(m_objects[device]->isUpToDate(), VRNObject::UpToDate);
     if (auto* motor = qobject_cast<VRNMotorObject*>(m_objects[device].data()))
         QCOMPARE(motor->localStdConfig().getConstData().appVersion.toString(), QStringLiteral("2.0.1"));
+}
+
+void tst_FirmwareTasks::versionDecides_data()
+{
+    QTest::addColumn<QStringList>("packages"); // the first is the one given, unless "auto"
+    QTest::addColumn<bool>("given");
+    QTest::addColumn<bool>("force");
+    QTest::addColumn<bool>("downgrade");
+    QTest::addColumn<QString>("outcome"); // "sent", "skipped", or the start of the error
+
+    // The motor runs 1.2.0.
+    QTest::newRow("same version skipped") << QStringList{"1.2.0"} << true << false << false << "skipped";
+    QTest::newRow("same version forced") << QStringList{"1.2.0"} << true << true << false << "sent";
+    QTest::newRow("older refused") << QStringList{"1.1.0"} << true << false << false << "Package ";
+    QTest::newRow("older allowed") << QStringList{"1.1.0"} << true << false << true << "sent";
+    QTest::newRow("newest older skipped") << QStringList{"1.1.0", "1.0.9"} << false << false << false << "skipped";
+}
+
+void tst_FirmwareTasks::versionDecides()
+{
+    QFETCH(QStringList, packages);
+    QFETCH(bool, given);
+    QFETCH(bool, force);
+    QFETCH(bool, downgrade);
+    QFETCH(QString, outcome);
+    QString first;
+    for (int i = 0; i < packages.size(); ++i) {
+        const QString path = m_folder->add(QStringLiteral("p%1.bpk").arg(i), {1}, packages.at(i), 64);
+        if (i == 0)
+            first = path;
+    }
+    UpdateFwJob job;
+    if (given)
+        job.setPackage(first);
+    job.setForce(force);
+    job.setAllowDowngrade(downgrade);
+    const Job::Error error = run(Motor, job);
+    const int blocks = m_wire->sentOf(DTS::FwUpdateBlock).size();
+    if (outcome == QLatin1String("sent")) {
+        QCOMPARE(error, Job::NoError);
+        QCOMPARE(blocks, 4);
+        QCOMPARE(job.result().toMap().value("previous").toString(), QStringLiteral("1.2.0"));
+        return;
+    }
+    QCOMPARE(blocks, 0);
+    QCOMPARE(m_wire->sentOf(DTS::FwUpdateBegin).size(), 0);
+    if (outcome == QLatin1String("skipped")) {
+        QCOMPARE(error, Job::NoError);
+        QCOMPARE(job.result().toMap().value("skipped").toBool(), true);
+    } else {
+        QCOMPARE(error, Job::TaskFailedError);
+        QVERIFY2(job.errorString().startsWith(outcome) && job.errorString().contains("older than the device's 1.2.0"),
+                 qPrintable(job.errorString()));
+    }
 }
 
 void tst_FirmwareTasks::refusedBeforeSending_data()
@@ -236,14 +295,15 @@ void tst_FirmwareTasks::refusedBeforeSending()
 
 void tst_FirmwareTasks::nodeRefusesOtherKind()
 {
-    // The device list says motor; the node answering is a DC motor.
-    m_wire->net.addNode(SimNode::DCMotor, 0x000400);
+    // The device list says motor; the node answering is a motor with inputs.
+    m_wire->net.addNode(SimNode::Motor, 0x000400)->setNodeType(VRN::NodeMotorIO);
     m_objects[Motor]->setNodeAddress(VRN::makeAddr(VRN::NodeMotor, 0x000400));
     UpdateFwJob job;
     job.setPackage(m_folder->add(QStringLiteral("m.bpk"), {1}, QStringLiteral("2.0.0")));
     QCOMPARE(run(Motor, job), Job::TaskFailedError);
-    QCOMPARE(job.errorString(), QStringLiteral("Nack(firmware for another kind of node)"));
-    QVERIFY(m_wire->sentOf(DTS::FwUpdateBlock).isEmpty());
+    QVERIFY2(job.errorString().endsWith(QStringLiteral("made for motor, not for this device (motorio)")),
+             qPrintable(job.errorString()));
+    QVERIFY(m_wire->sentOf(DTS::FwUpdateBegin).isEmpty());
 }
 
 void tst_FirmwareTasks::resumesAfterInterruption()
@@ -280,6 +340,7 @@ void tst_FirmwareTasks::recoversFromBootloader_data()
     QTest::addColumn<int>("device");
     QTest::newRow("motor") << int(Motor);
     QTest::newRow("setting tool") << int(Tool);
+    QTest::newRow("keypad") << int(Keypad);
 }
 
 void tst_FirmwareTasks::recoversFromBootloader()
@@ -293,9 +354,16 @@ void tst_FirmwareTasks::recoversFromBootloader()
     update.setPackage(path);
     update.setRetries(1);
     QCOMPARE(run(Device(device), update), Job::TaskFailedError);
-    QCOMPARE(update.errorString(), QStringLiteral("Timeout error"));
+    QCOMPARE(update.errorString(), QStringLiteral("Timeout error; device waits in its bootloader: run "
+                                                  "`vrnconfig firmware recover node:0x%1`").arg(Numbers[device], 6, 16, QLatin1Char('0')));
     QVERIFY(node->inBootloader());
 
+    // The exit's answer is lost: the node has left its bootloader when the
+    // exit arrives (again), and its application refuses it as unknown.
+    connect(m_wire->bus, &Bus::messageSent, this, [node](const BusMessage& m) {
+        if (VRNMessage(m).cmd() == DTS::BlExit && node->inBootloader())
+            node->handle(VRNMessage(m));
+    });
     DirectUpdateFwJob recover;
     recover.setPackage(path);
     node->setBlockCorruption(0.1);
@@ -319,11 +387,12 @@ void tst_FirmwareTasks::givesUpWithLastError_data()
 void tst_FirmwareTasks::givesUpWithLastError()
 {
     // Every block arrives damaged: the first one is sent once and retried
-    // three times in a row, then the device's refusal ends the task.
+    // 4 x 3 times in a row (a refusal proves the node is there), then the
+    // device's refusal ends the task.
     QFETCH(bool, bootloader);
     QFETCH(int, blockCmd);
     QFETCH(QString, error);
-    const QString path = m_folder->add(QStringLiteral("m.bpk"), {1}, QStringLiteral("2.0.0"), 100);
+    const QString path = m_folder->add(QStringLiteral("m.bpk"), {1}, QStringLiteral("2.0.0"), 800);
     sim(Motor)->setBlockCorruption(1.0);
     UpdateFwJob standard;
     DirectUpdateFwJob direct;
@@ -331,9 +400,11 @@ void tst_FirmwareTasks::givesUpWithLastError()
     job.setPackage(path);
     job.setRetries(3);
     QCOMPARE(run(Motor, job), Job::TaskFailedError);
-    QCOMPARE(job.errorString(), error);
+    QVERIFY2(job.errorString().startsWith(error), qPrintable(job.errorString()));
+    // In its bootloader the node waits there: the failure says so.
+    QCOMPARE(job.errorString().contains("device waits in its bootloader"), bootloader);
     const QList<VRNMessage> blocks = m_wire->sentOf(quint8(blockCmd));
-    QCOMPARE(blocks.size(), 4);
+    QCOMPARE(blocks.size(), 1 + FirmwareTask::RefusalFactor * 3);
     for (const VRNMessage& block : blocks)
         QCOMPARE(block.payload(), blocks.first().payload());
 }

@@ -199,8 +199,18 @@ private slots:
         const char* notOne = "[ObjectSelectionModel]: query is empty, invalid, or it concerns multiple devices";
         const auto a = addDevice(VRNObject::DtsMotor, 0x123);
         addDevice(VRNObject::DtsMotor, 0x124);
+        // Whoever hears of the new count reads the new node id.
+        QList<VRN::Addr> heard;
+        const auto c = connect(model.data(), &ObjectSelectionModel::rowCountChanged, this, [&] { heard << model->selectedNodeId(); });
         model->addItems(ObjectFactory::UuidColumn, a);
         QCOMPARE(model->selectedNodeId(), VRN::Addr(0x123));
+        QCOMPARE(heard, QList<VRN::Addr>{0x123});
+        disconnect(c);
+        // An undefined criterion is NULL: it runs and matches nothing.
+        model->addItems(ObjectFactory::NodeIDColumn, QVariant());
+        model->toggleItems(ObjectFactory::LabelColumn, QVariant());
+        QCOMPARE(model->count(), 0u);
+        model->addItems(ObjectFactory::UuidColumn, a);
         QTest::ignoreMessage(QtWarningMsg, notOne);
         model->addItems(ObjectFactory::NodeIDColumn, 0x124);
         QCOMPARE(model->selectedNodeId(), VRN::Addr(0));

@@ -36,6 +36,7 @@ private slots:
     void faultStatistics();
     void lineTime();
     void silentNodes();
+    void stopAllOneFrame();
     void attachRefusesOtherObjects();
     void splitter_data();
     void splitter();
@@ -264,6 +265,44 @@ void tst_SimNetwork::silentNodes()
     QTRY_COMPARE_WITH_TIMEOUT(out.count(), 1, 500);
     QCOMPARE(VRNMessage(BusMessage(out.first().first().toByteArray())).srcAddr(),
              net.nodes().at(2)->address());
+}
+
+// 60 motors moving: one CTRL_STOP_ALL to a group stops its members only,
+// one to every motor stops the rest; nobody answers either.
+void tst_SimNetwork::stopAllOneFrame()
+{
+    SimNetwork net(5);
+    net.setReplyWindow(5);
+    net.addDevices(QStringLiteral("motor:60,std:2"));
+    QList<SimNode*> motors;
+    for (SimNode* n : net.nodes()) {
+        if (!SimNode::hasMotor(n->kind()))
+            continue;
+        n->setLimits(60000, 0);
+        n->setPosition(10);
+        n->setGroup(15, motors.size() % 2 ? 0x0F0100 : 0);
+        net.frameIn(frame(DTS::CtrlMoveTo, n->number(), VRN::AddrNode, QByteArray::fromHex("01EA60FF")));
+        motors.append(n);
+    }
+    QCOMPARE(motors.size(), 60);
+    QVERIFY(QTest::qWaitFor([&net] { return !net.isBusy(); }, 1000));
+    QSignalSpy out(&net, &SimNetwork::frameOut);
+    const quint64 before = net.framesIn();
+    net.frameIn(frame(DTS::CtrlStopAll, VRN::BroadcastNumber, VRN::AddrBroadcast, QByteArray::fromHex("0F0100")));
+    for (int i = 0; i < motors.size(); ++i)
+        QCOMPARE(motors.at(i)->isMoving(), i % 2 == 0);
+    net.frameIn(frame(DTS::CtrlStopAll, VRN::BroadcastNumber, VRN::AddrBroadcast, QByteArray::fromHex("FFFFFF")));
+    QCOMPARE(net.framesIn() - before, quint64(2));
+    QList<quint16> stoodAt;
+    for (SimNode* m : qAsConst(motors)) {
+        QVERIFY(!m->isMoving());
+        QVERIFY(m->position() < 60000);
+        stoodAt.append(m->position());
+    }
+    QTest::qWait(30);
+    QCOMPARE(out.count(), 0);
+    for (int i = 0; i < motors.size(); ++i)
+        QCOMPARE(motors.at(i)->position(), stoodAt.at(i));
 }
 
 // Calls through the loopback bus are covered by the proxy exchange tests.

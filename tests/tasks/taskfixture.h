@@ -96,16 +96,16 @@ struct Wire
 
 /// Puts `bus` in the bus factory's place of a serial or multicast bus (the
 /// factory takes it over), so the registry's objects talk on it.
-inline void installBus(VRNBus* bus)
+inline void installBus(VRNBus* bus, const QString& uuid = QStringLiteral("loopback"))
 {
     struct Access : BusFactory
     {
-        static void install(VRNBus* bus)
+        static void install(VRNBus* bus, const QString& uuid)
         {
-            (BusFactory::instance()->*(&Access::d_ptr))->setBus(bus, QStringLiteral("loopback"));
+            (BusFactory::instance()->*(&Access::d_ptr))->setBus(bus, uuid);
         }
     };
-    Access::install(bus);
+    Access::install(bus, uuid);
 }
 
 /// A device registry on a fresh in-memory default connection, its bus the

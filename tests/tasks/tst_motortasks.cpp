@@ -432,6 +432,7 @@ void tst_MotorTasks::rampGraph()
     job.setSoftStartValue(40);
     job.setSoftStopStatus(stop);
     job.setSoftStopValue(60);
+    const DCMotorConfigData before = motor()->localDCMotorConfig();
     QCOMPARE(runJob(*m_worker, job), Job::NoError);
     QCOMPARE(rampRequests(), requests);
 
@@ -439,10 +440,8 @@ void tst_MotorTasks::rampGraph()
     const SimNode::SoftStartStop device = m_sim->softStartStop();
     QCOMPARE(device.startEnabled, start);
     QCOMPARE(device.stopEnabled, stopOn);
-    const DCMotorConfigDataData& local = motor()->localDCMotorConfig().getConstData();
-    QCOMPARE(bool(local.softStartStatus), start);
-    QCOMPARE(bool(local.softStopStatus), stopOn);
-    QCOMPARE(local.softStartValue, start ? device.startValue : quint8(0xFF));
+    // The device changed; the local record is left as it was.
+    QVERIFY(motor()->localDCMotorConfig() == before);
 
     // A refusal part-way stops the graph there.
     m_wire->sent.clear();

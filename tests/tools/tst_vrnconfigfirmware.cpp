@@ -1,7 +1,8 @@
 // vrnfwpack and vrnconfig's firmware family end to end against vrnsim:
 // packages built and signed with keys made for the test, the catalogue, the
-// check, an update cut off by a power loss, and the recovery through the
-// bootloader. Settings and registry in a temporary folder.
+// check, updates of a motor and a standard node cut off by a power loss, the
+// recovery of both through their bootloader, and a second update that finds
+// nothing to do. Settings and registry in a temporary folder.
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -62,13 +63,15 @@ private slots:
         QCOMPARE(pack(QStringLiteral("keygen release.secret release.keys")).code, 0);
         QCOMPARE(pack(QStringLiteral("keygen stranger.secret stranger.keys")).code, 0);
         QCOMPARE(pack(QStringLiteral("build --key release.secret --types motor --version 7.0.0 image.bin packages/motor-7.bpk")).code, 0);
+        QCOMPARE(pack(QStringLiteral("build --key release.secret --types keypad --version 7.0.0 image.bin packages/keypad-7.bpk")).code, 0);
         QCOMPARE(pack(QStringLiteral("build --key stranger.secret --types motor --version 8.0.0 image.bin forged.bpk")).code, 0);
         QCOMPARE(pack(QStringLiteral("inspect --json forged.bpk")).code, 0);
 
-        // Every node loses power once, at block 20 of an update.
+        // Motors 0x100 and 0x101, a standard node 0x102; every node loses
+        // power once, at block 20 of an update.
         m_sim.start(qEnvironmentVariable("VRNSIM"),
                     {QStringLiteral("--mcast"), QStringLiteral("239.255.77.14:47714"), QStringLiteral("--devices"),
-                     QStringLiteral("motor:2"), QStringLiteral("--time-scale"), QStringLiteral("20"),
+                     QStringLiteral("motor:2,std:1"), QStringLiteral("--time-scale"), QStringLiteral("20"),
                      QStringLiteral("--power-loss-at"), QStringLiteral("20")});
         QVERIFY(m_sim.waitForStarted(5000));
         QVERIFY(m_sim.waitForReadyRead(5000));
@@ -87,7 +90,7 @@ private slots:
     {
         Result r = run(QStringLiteral("firmware list --folder packages --keys release.keys --json"));
         QCOMPARE(r.code, 0);
-        const QJsonObject row = QJsonDocument::fromJson(r.out).array().first().toObject();
+        const QJsonObject row = QJsonDocument::fromJson(r.out).array().at(1).toObject();
         QCOMPARE(row.value(QStringLiteral("version")).toString(), QStringLiteral("7.0.0"));
         QCOMPARE(row.value(QStringLiteral("verified")).toBool(), true);
         r = run(QStringLiteral("firmware check node:0x100 --json"));
@@ -102,7 +105,7 @@ private slots:
         QTest::addColumn<QByteArray>("text");
         QTest::newRow("forged package") << "firmware update node:0x101 --package forged.bpk" << 1
                                         << QByteArray("package signature does not verify");
-        QTest::newRow("recover two") << "firmware recover node:0x100 node:0x101" << 2 << QByteArray("vrnconfig: ");
+        QTest::newRow("recover nothing") << "firmware recover" << 2 << QByteArray("vrnconfig: ");
         QTest::newRow("list with argument") << "firmware list x" << 2 << QByteArray("vrnconfig: ");
     }
     void refused()
@@ -117,16 +120,41 @@ private slots:
 
     void powerLossThenRecover()
     {
-        Result r = run(QStringLiteral("firmware update node:0x100"));
+        Result r = run(QStringLiteral("firmware update node:0x100 node:0x102"));
         QCOMPARE(r.code, 1);
-        QVERIFY2(r.out.contains("FAILED Timeout error"), r.out.constData());
-        // In its bootloader the node answers nothing else.
+        for (const char* node : {"0x000100", "0x000102"}) {
+            const QByteArray hint = QByteArray("device waits in its bootloader: run `vrnconfig firmware recover node:") + node + '`';
+            QVERIFY2(r.out.contains(hint), r.out.constData());
+        }
+        QVERIFY2(r.out.contains("report: 0 updated, 0 skipped, 2 failed, 0 recovered"), r.out.constData());
+        // In its bootloader the node answers nothing else; discovery says where it is.
         QCOMPARE(run(QStringLiteral("get version node:0x100")).code, 1);
-        r = run(QStringLiteral("firmware recover node:0x100 --json"));
+        r = run(QStringLiteral("discover --json"));
         QCOMPARE(r.code, 0);
-        QCOMPARE(firstResult(r.out).value(QStringLiteral("version")).toString(), QStringLiteral("7.0.0"));
+        QStringList waiting;
+        for (const QJsonValue& v : QJsonDocument::fromJson(r.out).object().value(QStringLiteral("devices")).toArray()) {
+            if (v.toObject().value(QStringLiteral("status")).toString() == QLatin1String("in bootloader"))
+                waiting << v.toObject().value(QStringLiteral("node")).toString();
+        }
+        QCOMPARE(waiting, (QStringList{QStringLiteral("0x000100"), QStringLiteral("0x000102")}));
+
+        r = run(QStringLiteral("firmware recover node:0x100 node:0x102 --json"));
+        QVERIFY2(r.code == 0, r.out.constData());
+        for (const QJsonValue& v : QJsonDocument::fromJson(r.out).object().value(QStringLiteral("results")).toArray()) {
+            QCOMPARE(v.toObject().value(QStringLiteral("version")).toString(), QStringLiteral("7.0.0"));
+            QCOMPARE(v.toObject().value(QStringLiteral("outcome")).toString(), QStringLiteral("recovered"));
+        }
         r = run(QStringLiteral("firmware check node:0x100 --json"));
         QCOMPARE(firstResult(r.out).value(QStringLiteral("status")).toString(), QStringLiteral("upToDate"));
+
+        // Up to date: nothing is sent again, unless forced.
+        r = run(QStringLiteral("firmware update node:0x100 node:0x102"));
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.contains("report: 0 updated, 2 skipped, 0 failed, 0 recovered"), r.out.constData());
+        QVERIFY2(r.out.contains("skipped: already runs 7.0.0"), r.out.constData());
+        r = run(QStringLiteral("firmware update node:0x100 --force --json"));
+        QCOMPARE(r.code, 0);
+        QCOMPARE(firstResult(r.out).value(QStringLiteral("blocks")).toInt(), 50);
     }
 };
 

@@ -225,6 +225,9 @@ void tst_DTSProxyRequests::pinnedFrames_data()
                                 << hex("528F00000001123456030001230AD1");
     QTest::newRow("reset all statistics") << Request([](DTSMotorProxy& p) { return p.setNetworkStat(2, 0); })
                                           << hex("598D000000011234560200BA42");
+    QTest::newRow("stop every motor") << Request([](DTSMotorProxy& p) {
+        return DTSGroupProxy(VRN::BroadcastNumber, p.bus()).stopAll();
+    }) << hex("010E00000001FFFFFFFFFFFFFB48");
 }
 
 void tst_DTSProxyRequests::pinnedFrames()

@@ -28,6 +28,8 @@ using Cli = VrnConfigCli;
 const QString Package = QStringLiteral("package");
 const QString Folder = QStringLiteral("folder");
 const QString Keys = QStringLiteral("keys");
+const QString Force = QStringLiteral("force");
+const QString AllowDowngrade = QStringLiteral("allow-downgrade");
 
 // --folder and --keys are remembered in the settings, as the front end's
 // choices are: the library reads "firmwarePath" and "firmwareKeyFile".
@@ -47,12 +49,11 @@ bool takeFolderAndKeys(Cli& cli)
 }
 
 // The devices of a firmware command: `what` names the command in the usage
-// error; `one` takes exactly one device. False when the command has ended.
-bool devicesOf(Cli& cli, const QStringList& args, const char* what, bool one, QList<VRNObject::UUID>& uuids)
+// error. False when the command has ended.
+bool devicesOf(Cli& cli, const QStringList& args, const char* what, QList<VRNObject::UUID>& uuids)
 {
-    if (args.isEmpty() || (one && args.size() != 1)) {
-        cli.fail(Cli::Usage, one ? Cli::tr("firmware %1 takes one DEVICE").arg(QLatin1String(what))
-                                 : Cli::tr("firmware %1 needs at least one DEVICE").arg(QLatin1String(what)));
+    if (args.isEmpty()) {
+        cli.fail(Cli::Usage, Cli::tr("firmware %1 needs at least one DEVICE").arg(QLatin1String(what)));
         return false;
     }
     return takeFolderAndKeys(cli) && cli.resolveDevices(args, uuids) && cli.openBus();
@@ -91,7 +92,7 @@ void list(Cli& cli, const QStringList& args)
 void check(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (!devicesOf(cli, args, "check", false, uuids))
+    if (!devicesOf(cli, args, "check", uuids))
         return;
     (new DeviceRunner(cli))->runJobs(uuids, [](VRNStdObject&) { return new CheckFwJob; }, [](DeviceRun& run, QString&) {
         const QVariantMap r = run.jobResult.toMap();
@@ -103,6 +104,9 @@ void check(Cli& cli, const QStringList& args)
                                                                  r.value(QStringLiteral("available")).toString());
         else if (status == QLatin1String("upToDate"))
             run.line = Cli::tr("up to date: %1").arg(r.value(QStringLiteral("version")).toString());
+        else if (status == QLatin1String("deviceNewer"))
+            run.line = Cli::tr("newer than every package: %1 (newest %2)")
+                           .arg(r.value(QStringLiteral("version")).toString(), r.value(QStringLiteral("available")).toString());
         else
             run.line = Cli::tr("no package fits (device has %1)").arg(r.value(QStringLiteral("version")).toString());
         return true;
@@ -180,22 +184,76 @@ void showProgressOf(Cli& cli, QObject* owner)
     });
 }
 
-// Updates the devices one after another through their group worker.
-void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::function<FirmwareJob*()>& make)
+// The end of a campaign: what became of each device, with versions and
+// times, after the lines each device gave as it ended.
+void printReport(Cli& cli, const QList<QJsonObject>& results, bool recovering, qint64 ms)
+{
+    int counts[4] = {0, 0, 0, 0}; // updated, skipped, failed, recovered
+    QStringList lines;
+    for (const QJsonObject& r : results) {
+        const QString node = QStringLiteral("node:") + r.value(QStringLiteral("node")).toString();
+        const QString outcome = r.value(QStringLiteral("outcome")).toString();
+        const QString version = r.value(QStringLiteral("version")).toString();
+        QString what;
+        if (!r.value(QStringLiteral("ok")).toBool()) {
+            ++counts[2];
+            lines.append(Cli::tr("  failed     %1  %2").arg(node, -16).arg(r.value(QStringLiteral("error")).toString()));
+            continue;
+        }
+        if (outcome == QLatin1String("skipped")) {
+            ++counts[1];
+            what = Cli::tr("%1 (%2)").arg(version, r.value(QStringLiteral("reason")).toString());
+        } else {
+            ++counts[recovering ? 3 : 0];
+            const QString previous = r.value(QStringLiteral("previous")).toString();
+            what = Cli::tr("%1 -> %2 in %3 s")
+                       .arg(previous.isEmpty() ? Cli::tr("bootloader") : previous, version)
+                       .arg(r.value(QStringLiteral("seconds")).toDouble(), 0, 'f', 1);
+        }
+        lines.append(QStringLiteral("  %1 %2  %3").arg(outcome, -10).arg(node, -16).arg(what));
+    }
+    cli.output().line(Cli::tr("report: %1 updated, %2 skipped, %3 failed, %4 recovered in %5 s")
+                          .arg(counts[0]).arg(counts[1]).arg(counts[2]).arg(counts[3])
+                          .arg(ms / 1000.0, 0, 'f', 1));
+    for (const QString& line : lines)
+        cli.output().line(line);
+}
+
+// Updates the devices one after another through their group worker, then
+// reports the campaign.
+void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::function<FirmwareJob*()>& make, bool recovering)
 {
     auto runner = new DeviceRunner(cli);
     showProgressOf(cli, runner);
     const QString package = cli.isSet(Package) ? QFileInfo(cli.value(Package)).absoluteFilePath() : QString();
-    runner->runJobs(uuids, [make, package](VRNStdObject&) {
+    const bool force = cli.isSet(Force);
+    const bool allowDowngrade = cli.isSet(AllowDowngrade);
+    auto clock = std::make_shared<QElapsedTimer>();
+    clock->start();
+    if (!cli.json()) {
+        QObject::connect(runner, &DeviceRunner::finished, runner, [&cli, runner, recovering, clock] {
+            printReport(cli, runner->results(), recovering, clock->elapsed());
+        });
+    }
+    runner->runJobs(uuids, [make, package, force, allowDowngrade](VRNStdObject&) {
         FirmwareJob* job = make();
         job->setPackage(package);
+        job->setForce(force);
+        job->setAllowDowngrade(allowDowngrade);
         return job;
-    }, [](DeviceRun& run, QString&) {
+    }, [recovering](DeviceRun& run, QString&) {
         const QVariantMap r = run.jobResult.toMap();
-        for (const char* key : {"version", "package"})
+        for (const char* key : {"version", "package", "previous", "reason"})
             run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toString());
+        if (r.value(QStringLiteral("skipped")).toBool()) {
+            run.result.insert(QStringLiteral("outcome"), QStringLiteral("skipped"));
+            run.line = Cli::tr("skipped: %1").arg(r.value(QStringLiteral("reason")).toString());
+            return true;
+        }
         for (const char* key : {"blocks", "retries"})
             run.result.insert(QLatin1String(key), r.value(QLatin1String(key)).toInt());
+        run.result.insert(QStringLiteral("seconds"), r.value(QStringLiteral("ms")).toLongLong() / 1000.0);
+        run.result.insert(QStringLiteral("outcome"), recovering ? QStringLiteral("recovered") : QStringLiteral("updated"));
         run.line = Cli::tr("now %1 (%2 blocks, %3 retries)")
                        .arg(r.value(QStringLiteral("version")).toString())
                        .arg(r.value(QStringLiteral("blocks")).toInt())
@@ -207,17 +265,17 @@ void updateWith(Cli& cli, const QList<VRNObject::UUID>& uuids, const std::functi
 void update(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (!devicesOf(cli, args, "update", false, uuids))
+    if (!devicesOf(cli, args, "update", uuids))
         return;
-    updateWith(cli, uuids, [] { return new UpdateFwJob; });
+    updateWith(cli, uuids, [] { return new UpdateFwJob; }, false);
 }
 
 void recover(Cli& cli, const QStringList& args)
 {
     QList<VRNObject::UUID> uuids;
-    if (!devicesOf(cli, args, "recover", true, uuids))
+    if (!devicesOf(cli, args, "recover", uuids))
         return;
-    updateWith(cli, uuids, [] { return new DirectUpdateFwJob; });
+    updateWith(cli, uuids, [] { return new DirectUpdateFwJob; }, true);
 }
 
 void addFirmwareCommands(CommandRegistry& r)
@@ -227,12 +285,15 @@ void addFirmwareCommands(CommandRegistry& r)
     r.add({name, QStringLiteral("check"), QStringLiteral("DEVICE..."),
            Cli::tr("compare the devices' firmware with the newest package that fits"), check});
     r.add({name, QStringLiteral("update"), QStringLiteral("DEVICE..."),
-           Cli::tr("update the firmware, one device after another (--package FILE: this package)"), update});
-    r.add({name, QStringLiteral("recover"), QStringLiteral("DEVICE"),
-           Cli::tr("update a device stuck in its bootloader (--package FILE: this package)"), recover});
+           Cli::tr("update the firmware, one device after another (--package FILE: this package; --force: also "
+                   "devices that run its version; --allow-downgrade: also an older one)"), update});
+    r.add({name, QStringLiteral("recover"), QStringLiteral("DEVICE..."),
+           Cli::tr("update devices stuck in their bootloader (--package FILE: this package)"), recover});
     r.addOption(QCommandLineOption(Package, QString(), QStringLiteral("FILE")), {name});
     r.addOption(QCommandLineOption(Folder, QString(), QStringLiteral("DIR")), {name});
     r.addOption(QCommandLineOption(Keys, QString(), QStringLiteral("FILE")), {name});
+    r.addOption(QCommandLineOption(Force), {name});
+    r.addOption(QCommandLineOption(AllowDowngrade), {name});
 }
 
 const CommandFamily family(60, "Firmware", addFirmwareCommands);

@@ -7,6 +7,7 @@
 #include "dts.h"
 #include "groupcontrol.h"
 #include "objectfactory.h"
+#include "vrn.h"
 
 #include <QJsonArray>
 
@@ -86,12 +87,44 @@ void groupMove(Cli& cli, const QStringList& args)
         cli.fail(Cli::Failed, Cli::tr("group %1: %2").arg(Cli::nodeText(group), control->lastError()));
 }
 
+// Stops every motor, or every motor of a group, with one broadcast frame and
+// without asking first: stopping is never the harmful choice.
+void stopCommand(Cli& cli, const QStringList& args)
+{
+    quint32 group = VRN::BroadcastNumber;
+    if (args.size() == 2 && args.at(0) == QLatin1String("group")) {
+        if (!Cli::parseGroupAddress(args.at(1), group))
+            return cli.fail(Cli::Usage, Cli::tr("not a valid group address: %1 (1 to 0xFFFFFE)").arg(args.at(1)));
+    } else if (args != QStringList{QStringLiteral("all")}) {
+        return cli.fail(Cli::Usage, Cli::tr("stop takes all or group ADDR"));
+    }
+    if (!cli.openBus())
+        return;
+    const bool all = group == VRN::BroadcastNumber;
+    auto* control = new GroupControl(&cli);
+    QObject::connect(control, &GroupControl::sent, &cli, [&cli, all](unsigned int group, bool ok, const QString& error) {
+        const QString whom = all ? Cli::tr("every motor") : Cli::tr("group %1").arg(Cli::nodeText(group));
+        if (!ok)
+            return cli.fail(Cli::Failed, Cli::tr("stop %1: %2").arg(whom, error));
+        if (cli.json())
+            cli.output().document(QJsonObject{{QStringLiteral("stop"), all ? QStringLiteral("all") : Cli::nodeText(group)},
+                                              {QStringLiteral("frames"), 1}, {QStringLiteral("ok"), true}});
+        else
+            cli.output().line(Cli::tr("stop sent to %1 (one frame, no answers)").arg(whom));
+        cli.finish();
+    });
+    if (!control->stopAll(group))
+        cli.fail(Cli::Failed, Cli::tr("stop: %1").arg(control->lastError()));
+}
+
 void addGroupCommands(CommandRegistry& r)
 {
     r.add({QStringLiteral("group"), QStringLiteral("list"), QString(),
            Cli::tr("the group addresses the registry knows and their devices"), groupList});
     r.add({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("ADDR up|down|to PERCENT|stop"),
            Cli::tr("move every motor of a group at once: one frame, no answers"), groupMove});
+    r.add({QStringLiteral("stop"), {}, QStringLiteral("all|group ADDR"),
+           Cli::tr("stop every motor, or every motor of a group, at once: one frame, no confirmation"), stopCommand});
     const QStringList jobCommands{QStringLiteral("get"), QStringLiteral("set"), QStringLiteral("wink"),
                                   QStringLiteral("move"), QStringLiteral("factory-default")};
     r.addOption(QCommandLineOption(QStringLiteral("priority"), QString(), QStringLiteral("N")), jobCommands);

@@ -56,12 +56,15 @@ bool labelFits(const QString& label, QString& why)
     return why.isEmpty();
 }
 
-// Keeps what the device said in the registry, so `list` shows it.
-bool storeLabel(DeviceRun& run, QString& error)
+// Keeps the label in the registry, so `list` shows it: the one written, or
+// the one the device reported.
+bool storeLabel(DeviceRun& run, QString& error, bool read = false)
 {
-    if (ObjectFactory::instance()->save(run.object.data()))
+    ObjectFactory* registry = ObjectFactory::instance();
+    if (read ? registry->storeLabelRead(run.object.data()) : registry->save(run.object.data()))
         return true;
-    error = Cli::tr("the registry did not store the label");
+    error = registry->lastError().isEmpty() ? Cli::tr("the registry did not store the label")
+                                            : Cli::tr("the registry did not store the label: %1").arg(registry->lastError());
     return false;
 }
 
@@ -79,6 +82,45 @@ bool readGroups(DeviceRun& run, QString&)
         groups << g;
     putGroups(groups, run);
     return true;
+}
+
+// How long a group write of `slots` slots may take with the runner's
+// devices running at once.
+int writeBound(const DeviceRunner& runner, int slots)
+{
+    return runner.parallel() * (slots + 1) * BusFactory::instance()->bus()->timeout() + 1000;
+}
+
+// Writes `groups` to the device's first slots, then calls `then`. A group
+// write that fails leaves its job running for good (see SetGroupsTask): the
+// run stops it once a slot is refused, and bounds the wait by `bound` ms.
+void writeGroups(Cli& cli, DeviceRun& run, const QVariantList& groups, int bound, std::function<void()> then)
+{
+    auto job = new SetGroupsJob;
+    job->setGroups(groups);
+    QObject::connect(job, &Job::started, &cli, [&cli, &run, job] {
+        auto task = qobject_cast<SetGroupsTask*>(job->task());
+        if (!task)
+            return;
+        // Queued: the task is still inside its slot job's end when it reports.
+        QObject::connect(task, &SetGroupsTask::slotFailed, &cli, [&run](int slot, const QString& error) {
+            run.result.insert(QStringLiteral("slot"), slot);
+            run.stop(Cli::tr("group slot %1 refused: %2").arg(slot).arg(error));
+        }, Qt::QueuedConnection);
+    });
+    QPointer<SetGroupsJob> watched(job);
+    QTimer::singleShot(bound, job, [&run, watched, bound] {
+        auto task = watched ? qobject_cast<SetGroupsTask*>(watched->task()) : nullptr;
+        if (task && task->failedSlot() >= 0)
+            run.stop(Cli::tr("group slot %1 refused: %2").arg(task->failedSlot()).arg(task->slotError()));
+        else
+            run.stop(Cli::tr("no end within %1 ms").arg(bound));
+    });
+    run.start(job, [&run, then](Job::Error error) {
+        if (error != Job::NoError)
+            return run.fail(run.jobError());
+        then();
+    });
 }
 
 void setLabel(Cli& cli, const QStringList& args)
@@ -121,37 +163,69 @@ void setGroups(Cli& cli, const QStringList& args)
     QList<VRNObject::UUID> uuids;
     if (!cli.resolveDevices(args.mid(0, 1), uuids) || !cli.openBus())
         return;
-    // A group write that fails leaves its job running for good (see
-    // SetGroupsTask): the run stops it once a slot is refused, and bounds the
-    // wait by the time every request of the devices running at once may take.
     auto runner = new DeviceRunner(cli);
-    const int bound = runner->parallel() * (groups.size() + 1) * BusFactory::instance()->bus()->timeout() + 1000;
+    const int bound = writeBound(*runner, groups.size());
     runner->run(uuids, [&cli, groups, numbers, bound](DeviceRun& run) {
-        auto job = new SetGroupsJob;
-        job->setGroups(groups);
-        QObject::connect(job, &Job::started, &cli, [&cli, &run, job] {
-            auto task = qobject_cast<SetGroupsTask*>(job->task());
-            if (!task)
-                return;
-            // Queued: the task is still inside its slot job's end when it reports.
-            QObject::connect(task, &SetGroupsTask::slotFailed, &cli, [&run](int slot, const QString& error) {
-                run.result.insert(QStringLiteral("slot"), slot);
-                run.stop(Cli::tr("group slot %1 refused: %2").arg(slot).arg(error));
-            }, Qt::QueuedConnection);
-        });
-        QPointer<SetGroupsJob> watched(job);
-        QTimer::singleShot(bound, job, [&run, watched, bound] {
-            auto task = watched ? qobject_cast<SetGroupsTask*>(watched->task()) : nullptr;
-            if (task && task->failedSlot() >= 0)
-                run.stop(Cli::tr("group slot %1 refused: %2").arg(task->failedSlot()).arg(task->slotError()));
-            else
-                run.stop(Cli::tr("no end within %1 ms").arg(bound));
-        });
-        run.start(job, [&run, numbers](Job::Error error) {
-            if (error != Job::NoError)
-                return run.fail(run.jobError());
+        writeGroups(cli, run, groups, bound, [&run, numbers] {
             putGroups(numbers, run);
             run.succeed();
+        });
+    });
+}
+
+// One membership changed: the slots are read, one is changed, all are
+// written back and read again; the other slots keep what they held.
+void changeMembership(Cli& cli, const QStringList& args, bool add)
+{
+    const QString name = add ? QStringLiteral("group add") : QStringLiteral("group remove");
+    if (args.size() < 2)
+        return cli.fail(Cli::Usage, Cli::tr("%1 takes one ADDR and at least one DEVICE").arg(name));
+    quint32 group = 0;
+    if (!Cli::parseGroupAddress(args.at(0), group))
+        return cli.fail(Cli::Usage, Cli::tr("not a valid group address: %1 (1 to 0xFFFFFE)").arg(args.at(0)));
+    QList<VRNObject::UUID> uuids;
+    if (!cli.resolveDevices(args.mid(1), uuids) || !cli.openBus())
+        return;
+    auto runner = new DeviceRunner(cli);
+    const int bound = writeBound(*runner, GroupSlots);
+    runner->run(uuids, [&cli, group, add, bound](DeviceRun& run) {
+        run.start(new GetGroupsJob, [&cli, &run, group, add, bound](Job::Error error) {
+            if (error != Job::NoError)
+                return run.fail(run.jobError());
+            QList<unsigned int> wanted = run.device->proxyStdConfig().getConstData().groups;
+            while (wanted.size() < GroupSlots)
+                wanted.append(0);
+            const int at = wanted.indexOf(group);
+            if (add == (at >= 0)) {
+                // Nothing to change: a member already, or not one.
+                run.line = add ? Cli::tr("already a member") : Cli::tr("not a member");
+                run.result.insert(QStringLiteral("changed"), false);
+                return run.succeed();
+            }
+            const int free = wanted.indexOf(0);
+            if (add && free < 0)
+                return run.fail(Cli::tr("no free group slot"));
+            wanted[add ? free : at] = add ? group : 0;
+            QVariantList all;
+            for (unsigned int slot : wanted)
+                all << slot;
+            writeGroups(cli, run, all, bound, [&run, wanted] {
+                run.start(new GetGroupsJob, [&run, wanted](Job::Error error) {
+                    if (error != Job::NoError)
+                        return run.fail(run.jobError());
+                    QList<unsigned int> back = run.device->proxyStdConfig().getConstData().groups;
+                    while (back.size() < GroupSlots)
+                        back.append(0);
+                    if (back != wanted)
+                        return run.fail(Cli::tr("the device holds other groups than were written"));
+                    QList<quint32> numbers;
+                    for (unsigned int g : back)
+                        numbers << g;
+                    putGroups(numbers, run);
+                    run.result.insert(QStringLiteral("changed"), true);
+                    run.succeed();
+                });
+            });
         });
     });
 }
@@ -168,6 +242,12 @@ void addLabelCommands(CommandRegistry& r)
            Cli::tr("write the label (up to 16 bytes of UTF-8)"), setLabel});
     r.add({QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("DEVICE ADDR..."),
            Cli::tr("write the group slots: group numbers, decimal or 0x hexadecimal"), setGroups});
+    r.add({QStringLiteral("group"), QStringLiteral("add"), QStringLiteral("ADDR DEVICE..."),
+           Cli::tr("make devices members of a group; their other slots stay"),
+           [](Cli& cli, const QStringList& args) { changeMembership(cli, args, true); }});
+    r.add({QStringLiteral("group"), QStringLiteral("remove"), QStringLiteral("ADDR DEVICE..."),
+           Cli::tr("take devices out of a group; their other slots stay"),
+           [](Cli& cli, const QStringList& args) { changeMembership(cli, args, false); }});
 }
 
 } // namespace
@@ -176,7 +256,7 @@ bool readLabel(DeviceRun& run, QString& error)
 {
     run.line = QString::fromUtf8(run.device->proxyStdConfig().getConstData().label);
     run.result.insert(QStringLiteral("label"), run.line);
-    return storeLabel(run, error);
+    return storeLabel(run, error, true);
 }
 
 namespace {

@@ -56,7 +56,19 @@ void Output::note(const QString& text)
 void Output::document(const QJsonValue& value)
 {
     m_begun = true;
-    out(compact(value) + '\n');
+    if (!value.isObject() || m_context.isEmpty())
+        return out(compact(value) + '\n');
+    QJsonObject object = value.toObject();
+    for (auto it = m_context.begin(); it != m_context.end(); ++it)
+        if (!object.contains(it.key()))
+            object.insert(it.key(), it.value());
+    out(compact(object) + '\n');
+}
+
+QByteArray Output::contextMembers() const
+{
+    const QByteArray object = compact(m_context);
+    return m_context.isEmpty() ? QByteArray() : object.mid(1, object.size() - 2) + ',';
 }
 
 void Output::jsonLine(const QJsonObject& object)
@@ -135,7 +147,7 @@ void TextTable::row(const QStringList& cells)
 
 JsonArrayStream::JsonArrayStream(Output& output, qint64 count, const QByteArray& open) : m_output(output), m_count(count)
 {
-    m_output.write(open + '\n');
+    m_output.write(open.startsWith('{') ? '{' + m_output.contextMembers() + open.mid(1) + '\n' : open + '\n');
 }
 
 void JsonArrayStream::append(const QJsonObject& element)

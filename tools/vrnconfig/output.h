@@ -61,6 +61,11 @@ public:
     void clearProgress();
 
     static QByteArray compact(const QJsonValue& value);
+    /// Keys every JSON document that is an object carries (the bus and the
+    /// registry a command used).
+    void setContext(const QJsonObject& context) { m_context = context; }
+    /// The context as the members of an object, each followed by a comma.
+    QByteArray contextMembers() const;
 
 private:
     void out(const QByteArray& bytes);
@@ -71,6 +76,7 @@ private:
     bool m_begun = false;
     bool m_progressShown = false;
     int m_progressTerminal = -1;
+    QJsonObject m_context;
 };
 
 /// A table for people, written row by row: every column left-aligned and

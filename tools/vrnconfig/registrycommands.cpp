@@ -82,13 +82,42 @@ void forget(Cli& cli, const QStringList& args)
         if (cli.json())
             array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("ok"), ok}});
         else
-            cli.output().line(QStringLiteral("%1 %2").arg(uuid).arg(ok ? Cli::tr("forgotten") : Cli::tr("not found")));
+            cli.output().line(QStringLiteral("%1 %2").arg(uuid).arg(ok ? Cli::tr("forgotten")
+                                                                   : ObjectFactory::instance()->lastError().isEmpty()
+                                                                       ? Cli::tr("not found")
+                                                                       : ObjectFactory::instance()->lastError()));
     }
     if (cli.json())
         cli.output().document(array);
     if (code != Cli::Ok)
         return cli.fail(code, Cli::tr("some devices could not be removed"));
     cli.finish(code);
+}
+
+// A device discovery cannot find (a setting tool on its own line, a node
+// that keeps quiet), listed by hand.
+void add(Cli& cli, const QStringList& args)
+{
+    quint32 node = 0;
+    if (args.size() != 1 || !args.first().startsWith(QLatin1String("node:")))
+        return cli.fail(Cli::Usage, Cli::tr("add takes node:NUMBER and --kind KIND"));
+    if (!Cli::parseNumber(args.first().mid(5), 0xFFFFFE, node) || node == 0)
+        return cli.fail(Cli::Usage, Cli::tr("bad node number: %1 (1 to 0xFFFFFE)").arg(args.first()));
+    VRNObject::Type kind = VRNObject::DtsStd;
+    if (!cli.isSet(QStringLiteral("kind")) || !Cli::parseKind(cli.value(QStringLiteral("kind")), kind))
+        return cli.fail(Cli::Usage, Cli::tr("add needs --kind KIND (one of %1)").arg(Cli::kindWords()));
+    ObjectFactory* registry = ObjectFactory::instance();
+    const QSharedPointer<VRNObject> object = registry->createObject(kind, node, false);
+    if (!object) {
+        const QString why = registry->lastError();
+        return cli.fail(Cli::Failed, why.isEmpty() ? Cli::tr("%1 %2 is listed already").arg(Cli::kindName(kind), Cli::nodeText(node)) : why);
+    }
+    if (cli.json())
+        cli.output().document(QJsonObject{{QStringLiteral("uuid"), qint64(object->uuid())}, {QStringLiteral("nodeID"), qint64(node)},
+                                          {QStringLiteral("type"), int(kind)}, {QStringLiteral("kind"), Cli::kindName(kind)}});
+    else
+        cli.output().line(Cli::tr("%1 %2 %3 added").arg(object->uuid()).arg(Cli::nodeText(node), Cli::kindName(kind)));
+    cli.finish();
 }
 
 void addRegistryCommands(CommandRegistry& r)
@@ -100,6 +129,9 @@ void addRegistryCommands(CommandRegistry& r)
     r.addOption(QCommandLineOption(QStringLiteral("sort"), QString(), QStringLiteral("COLUMN")), {QStringLiteral("list")});
     r.addOption(QCommandLineOption(QStringLiteral("desc")), {QStringLiteral("list")});
     r.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("forget")});
+    r.add({QStringLiteral("add"), {}, QStringLiteral("node:NUMBER --kind KIND"),
+           Cli::tr("list a device by hand (one discovery cannot find)"), add});
+    r.addOption(QCommandLineOption(QStringLiteral("kind"), QString(), QStringLiteral("KIND")), {QStringLiteral("add")});
 }
 
 const CommandFamily family(20, "Registry", addRegistryCommands);

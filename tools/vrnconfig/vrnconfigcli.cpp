@@ -49,8 +49,9 @@ const quint32 MaxRepeats = 5;
 const char OptionsText[] =
     "Options:\n"
     "  --bus UUID      bus to use (default: the remembered last bus)\n"
-    "  --db FILE       device registry, an SQLite file (default: devices.sqlite in the\n"
-    "                  user's data folder; :memory: for none)\n"
+    "  --db FILE       device registry, an SQLite file (default: the bus's own registry\n"
+    "                  in the user's data folder, shared with the application; :memory:\n"
+    "                  for none)\n"
     "  --json          machine-readable output on standard output (see below)\n"
     "  --timeout MS    time a device has to answer one request (default: 500); in\n"
     "                  discovery, how long a round waits for late answers (default: 300)\n"
@@ -79,8 +80,10 @@ const char TrailerText[] =
 VrnConfigCli::VrnConfigCli(QObject* parent) : QObject(parent)
 {
     CommandFamily::registerAll(m_registry);
-    // "set ... all" asks first; --yes answers.
-    m_registry.addOption(QCommandLineOption(QStringLiteral("yes")), {QStringLiteral("set")});
+    // Writes, moves and resets of more than one device ask first; --yes answers.
+    m_registry.addOption(QCommandLineOption(QStringLiteral("yes")),
+                         {QStringLiteral("set"), QStringLiteral("move"), QStringLiteral("reset"), QStringLiteral("group"),
+                          QStringLiteral("firmware")});
 }
 
 VrnConfigCli::~VrnConfigCli()
@@ -188,7 +191,24 @@ bool VrnConfigCli::start(const QStringList& given)
     if (name == QLatin1String("set") && args.value(0) == QLatin1String("all")
         && !confirm(tr("Change %1 of every device in the registry").arg(command->subject)))
         return false;
+    // Any other selection of more than one device asks when it is resolved.
+    static const QStringList manyAsk{QStringLiteral("set"), QStringLiteral("move"), QStringLiteral("reset"),
+                                     QStringLiteral("forget"), QStringLiteral("group add"), QStringLiteral("group remove"),
+                                     QStringLiteral("firmware update"), QStringLiteral("firmware recover")};
+    if ((manyAsk.contains(name) || manyAsk.contains(name + QLatin1Char(' ') + command->subject))
+        && !((name == QLatin1String("set") || name == QLatin1String("forget")) && args.contains(QStringLiteral("all"))))
+        m_asking = (command->subject.isEmpty() ? name : name + QLatin1Char(' ') + command->subject);
+    // A mistyped bus never gets a registry file of its own.
+    if (!m_busUuid.isEmpty() && !checkBusUuid(m_busUuid))
+        return false;
     if (!openDatabase(m_busUuid.isEmpty() ? BusFactory::instance()->lastBusUUID() : m_busUuid))
+        return false;
+    // Commands that change the registry are refused on a read-only one
+    // before anything is sent; listing and reading go on.
+    static const QStringList changing{QStringLiteral("discover"), QStringLiteral("forget"), QStringLiteral("add"),
+                                      QStringLiteral("set label"), QStringLiteral("set groups"),
+                                      QStringLiteral("group add"), QStringLiteral("group remove")};
+    if ((changing.contains(name) || changing.contains(name + QLatin1Char(' ') + command->subject)) && refuseReadOnly())
         return false;
     watchInterrupts();
     command->run(*this, args);
@@ -231,65 +251,50 @@ void VrnConfigCli::printHelp(const QString& name)
 
 QString VrnConfigCli::registryFile(const QString& dataFolder, const QString& busUuid)
 {
-    if (busUuid.isEmpty())
-        return dataFolder + QStringLiteral("/devices.sqlite");
-    QString name = busUuid;
-    for (QChar& c : name)
-        if (!(c.isLetterOrNumber() && c.unicode() < 128) && c != QLatin1Char('.') && c != QLatin1Char('-'))
-            c = QLatin1Char('_');
-    return dataFolder + QStringLiteral("/devices-%1.sqlite").arg(name);
+    return ObjectFactory::registryFile(busUuid, dataFolder);
 }
 
-// A registry that cannot be used is refused before anything is sent: a
-// folder, a file that cannot be written, a file that is no SQLite database
-// or one that holds other tables than the registry's.
+// A registry that cannot be used is refused before anything is sent (see
+// ObjectFactory::openRegistry): a folder, a file that is no registry, a
+// damaged one, one locked by another program.
 bool VrnConfigCli::openDatabase(const QString& busUuid)
 {
-    QString file = m_dbFile;
-    if (file.isEmpty()) {
-        const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-        if (!QDir().mkpath(dir)) {
-            fail(Failed, tr("cannot create the data folder %1").arg(dir));
-            return false;
-        }
-        file = registryFile(dir, busUuid);
-    }
-    if (file != QLatin1String(":memory:")) {
-        const QFileInfo info(file);
-        if (info.isDir()) {
-            fail(Failed, tr("the device registry %1 is a folder").arg(file));
-            return false;
-        }
-        if (info.exists() ? !info.isWritable() : !QFileInfo(info.absolutePath()).isWritable()) {
-            fail(Failed, tr("the device registry %1 cannot be written").arg(file));
-            return false;
-        }
-        // SQLite would take a short file of anything for an empty database
-        // and write over it.
-        QFile head(file);
-        if (info.size() > 0 && (!head.open(QIODevice::ReadOnly) || head.read(16) != QByteArray("SQLite format 3", 16))) {
-            fail(Failed, tr("%1 is not a device registry: not an SQLite file").arg(file));
-            return false;
-        }
-    }
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(file);
-    if (!db.open()) {
-        fail(Failed, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()));
+    const QString file = m_dbFile.isEmpty() ? ObjectFactory::registryFile(busUuid) : m_dbFile;
+    m_registryCreated = file != QLatin1String(":memory:") && !QFileInfo::exists(file);
+    m_registryPath = file;
+    QString error;
+    if (!ObjectFactory::openRegistry(file, &error)) {
+        fail(Failed, error);
         return false;
     }
-    QSqlQuery tables(db);
-    if (!tables.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
-        fail(Failed, tr("%1 is not a device registry: %2").arg(file, tables.lastError().databaseText()));
+    // Every write the registry refuses is the command's failure, with the
+    // database's reason, however the command goes on.
+    connect(ObjectFactory::instance(), &ObjectFactory::writeFailed, this, [this](const QString& why) {
+        if (m_registryError.isEmpty())
+            m_registryError = why;
+    });
+    return true;
+}
+
+void VrnConfigCli::discardNewRegistry()
+{
+    // A bus that could not be used leaves no registry behind: only one this
+    // run made, and only while it is empty.
+    if (!m_registryCreated || ObjectFactory::instance()->nodeAddrs().size() > 0)
+        return;
+    m_registryCreated = false;
+    ObjectFactory::destroy();
+    QSqlDatabase::database(QSqlDatabase::defaultConnection, false).close();
+    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(m_registryPath + QLatin1String(suffix));
+}
+
+bool VrnConfigCli::refuseReadOnly()
+{
+    if (!ObjectFactory::instance()->isReadOnly())
         return false;
-    }
-    QStringList names;
-    while (tables.next())
-        names << tables.value(0).toString();
-    if (!names.isEmpty() && !names.contains(QStringLiteral("Devices"))) {
-        fail(Failed, tr("%1 is not a device registry: it holds other tables").arg(file));
-        return false;
-    }
+    fail(Failed, tr("the device registry %1 is read-only: nothing was changed").arg(m_registryPath));
     return true;
 }
 
@@ -329,19 +334,35 @@ const QList<QPair<QString, VRNObject::Type>>& kindNames()
     return names;
 }
 
-// A kind and every kind whose class is built on it ("motor" holds the DC
-// motors too), as the job bindings see them.
-QList<VRNObject::Type> kindAndDerived(const QString& word, bool& ok)
+} // namespace
+
+bool VrnConfigCli::parseKind(const QString& word, VRNObject::Type& kind)
 {
-    ok = false;
-    VRNObject::Type kind = VRNObject::VRNObj;
     for (const auto& name : kindNames()) {
         if (word.compare(name.first, Qt::CaseInsensitive) == 0
             || word.compare(VRNObject::typeToString(name.second), Qt::CaseInsensitive) == 0) {
             kind = name.second;
-            ok = true;
+            return true;
         }
     }
+    return false;
+}
+
+QString VrnConfigCli::kindWords()
+{
+    QStringList names;
+    for (const auto& name : kindNames())
+        names << name.first;
+    return names.join(QStringLiteral(", "));
+}
+
+namespace {
+// A kind and every kind whose class is built on it ("motor" holds the DC
+// motors too), as the job bindings see them.
+QList<VRNObject::Type> kindAndDerived(const QString& word, bool& ok)
+{
+    VRNObject::Type kind = VRNObject::VRNObj;
+    ok = VrnConfigCli::parseKind(word, kind);
     QList<VRNObject::Type> kinds;
     const QMetaObject* base = ok ? VRNObject::typeToMetaObject(kind) : nullptr;
     for (const auto& name : kindNames()) {
@@ -387,10 +408,7 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
             bool ok = false;
             const QList<VRNObject::Type> kinds = kindAndDerived(word.mid(5), ok);
             if (!ok) {
-                QStringList names;
-                for (const auto& name : kindNames())
-                    names << name.first;
-                fail(Usage, tr("unknown device kind: %1 (one of %2)").arg(word.mid(5), names.join(QStringLiteral(", "))));
+                fail(Usage, tr("unknown device kind: %1 (one of %2)").arg(word.mid(5), kindWords()));
                 return false;
             }
             ObjectSelectionModel selection(factory->database());
@@ -418,6 +436,21 @@ bool VrnConfigCli::resolveDevices(const QStringList& words, QList<VRNObject::UUI
                        "(and 'vrnconfig get groups all' to learn the groups)")
                         .arg(words.join(QLatin1Char(' '))));
         return false;
+    }
+    // A word such as type:std reaches more devices than it seems to: a
+    // change of more than one asks, naming how many and which kinds.
+    if (!m_asking.isEmpty() && uuids.size() > 1) {
+        QMap<QString, int> kinds;
+        for (VRNObject::UUID uuid : qAsConst(uuids))
+            if (const QSharedPointer<VRNObject> object = factory->object(uuid))
+                ++kinds[kindName(int(object->type()))];
+        QStringList parts;
+        for (auto it = kinds.cbegin(); it != kinds.cend(); ++it)
+            parts << QStringLiteral("%1 %2").arg(it.value()).arg(it.key());
+        const QString question = tr("%1 on %2 devices (%3)").arg(m_asking).arg(uuids.size()).arg(parts.join(QStringLiteral(", ")));
+        m_asking.clear();
+        if (!confirm(question))
+            return false;
     }
     return true;
 }
@@ -487,6 +520,12 @@ void VrnConfigCli::finish(int code)
 {
     if (m_ended)
         return;
+    // Nothing is reported as done that the registry did not store.
+    if (code == Ok && !m_registryError.isEmpty()) {
+        const QString why = m_registryError;
+        m_registryError.clear();
+        return fail(Failed, why);
+    }
     m_output.flush();
     m_ended = true;
     m_exit = code;
@@ -502,6 +541,7 @@ bool VrnConfigCli::checkBusUuid(const QString& uuid)
         checkMCastUuid(uuid, error);
     if (error.isEmpty())
         return true;
+    discardNewRegistry();
     fail(Usage, error);
     return false;
 }
@@ -509,8 +549,16 @@ bool VrnConfigCli::checkBusUuid(const QString& uuid)
 bool VrnConfigCli::openBusUuid(const QString& uuid)
 {
     BusFactory* buses = BusFactory::instance();
-    if (buses->openUUID(uuid))
+    if (buses->openUUID(uuid)) {
+        // Which network and which registry: named on a terminal, and in
+        // every JSON document.
+        const QString registry = m_registryPath == QLatin1String(":memory:") ? tr("none (in memory)") : m_registryPath;
+        m_output.setContext(QJsonObject{{QStringLiteral("bus"), uuid}, {QStringLiteral("registry"), m_registryPath}});
+        if (!json() && m_output.onTerminal())
+            m_output.note(tr("bus %1, registry %2").arg(uuid, registry));
         return true;
+    }
+    discardNewRegistry();
     QString why = buses->lastError();
     // The serial port's lock is held by another program; the port's own
     // text speaks of a permission error.

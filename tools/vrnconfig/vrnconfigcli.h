@@ -82,6 +82,10 @@ public:
     /// A device kind as a person names it ("DC motor"); JSON carries the
     /// enum key (`VRNObject::typeToString`) and the number beside it.
     static QString kindName(int type);
+    /// A kind as the tool's words name it ("dcmotor") or by its enum key.
+    static bool parseKind(const QString& word, VRNObject::Type& kind);
+    /// The kind words, for messages.
+    static QString kindWords();
     /// The registry file of a bus when --db is not given: one per bus, in
     /// the user's data folder, named from the bus identifier.
     static QString registryFile(const QString& dataFolder, const QString& busUuid);
@@ -90,11 +94,19 @@ public:
     static bool checkMCastUuid(const QString& uuid, QString& error);
     static QString hex(quint32 value, int width);
 
+    /// True, and the run ended with one line, when the registry is read-only
+    /// (for commands that change it).
+    bool refuseReadOnly();
+    /// Why a registry write failed during the run, empty when none did.
+    QString registryError() const { return m_registryError; }
+
 Q_SIGNALS:
     void done(int exitCode);
 
 private:
     bool openDatabase(const QString& busUuid);
+    /// Removes the registry file this run created while it is still empty.
+    void discardNewRegistry();
     void printHelp(const QString& command);
     void watchInterrupts();
 
@@ -103,6 +115,11 @@ private:
     Output m_output;
     QString m_busUuid;
     QString m_dbFile;
+    QString m_registryPath;
+    bool m_registryCreated = false;
+    QString m_registryError;
+    /// The command that asks before changing more than one device, until it asked.
+    QString m_asking;
     int m_timeout = -1;
     int m_retries = 2;
     int m_repeats = -1;  // -1: the bus's own (the setting)

@@ -24,18 +24,31 @@ Pane {
         { title: qsTr("Read groups"), job: "GetGroupsJob" },
         { title: qsTr("Read firmware version"), job: "GetFwVersionJob" },
         { title: qsTr("Wink"), job: "VisualFeedbackJob", motor: true },
-        { title: qsTr("Move up"), job: "MotorControlJob", props: { command: 1 }, motor: true },
-        { title: qsTr("Move down"), job: "MotorControlJob", props: { command: 0 }, motor: true },
+        { title: qsTr("Move up"), job: "MotorControlJob", props: { command: 1 }, motor: true, changes: true },
+        { title: qsTr("Move down"), job: "MotorControlJob", props: { command: 0 }, motor: true, changes: true },
         { title: qsTr("Stop"), job: "MotorControlJob", props: { command: 255 }, motor: true },
         { title: qsTr("Read position"), job: "GetPositionJob", motor: true },
-        { title: qsTr("Read end limits"), job: "GetEndLimitsJob", motor: true }
+        { title: qsTr("Read end limits"), job: "GetEndLimitsJob", motor: true },
+        { title: qsTr("Read intermediate positions"), job: "GetMotorIpsJob", motor: true },
+        { title: qsTr("Read direction"), job: "GetDirectionJob", motor: true },
+        { title: qsTr("Read speeds"), job: "GetSpeedJob", motor: true },
+        { title: qsTr("Read ramps"), job: "GetRampJob", motor: true }
     ]
+    // The action of the results shown.
+    property var lastAction: actions[0]
+
+    // Picks the action that runs job `name` (the context menu of the list).
+    function choose(name) {
+        for (var i = 0; i < actions.length; ++i)
+            if (actions[i].job === name) { actionBox.currentIndex = i; return }
+    }
 
     // Queues action number `index` on the group worker of the selected
     // devices; the group runs it device by device. The number of devices.
     function runOnSelection(index) {
         var action = actions[index]
         actionBox.currentIndex = index
+        lastAction = action
         var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
         if (!group)
             return 0
@@ -70,13 +83,15 @@ Pane {
     }
 
 
+    AskFirst { id: askFirst }
+
     ColumnLayout {
         anchors.fill: parent
         RowLayout {
-            Label { text: qsTr("%1 devices selected").arg(view.selection ? view.selection.rowCount : 0) }
+            Label { text: qsTr("Devices selected: %1").arg(view.selection ? view.selection.rowCount : 0) }
             ComboBox {
                 id: actionBox
-                Layout.preferredWidth: 240
+                Layout.preferredWidth: fm.averageCharacterWidth * 34
                 model: view.actions
                 textRole: "title"
             }
@@ -84,12 +99,30 @@ Pane {
                 objectName: "runAction"
                 text: qsTr("Run")
                 enabled: view.pending === 0
-                onClicked: view.runOnSelection(actionBox.currentIndex)
+                onClicked: {
+                    var index = actionBox.currentIndex
+                    var count = view.selection ? view.selection.rowCount : 0
+                    if (view.actions[index].changes && count > 1)
+                        askFirst.ask(qsTr("%1 on %2 devices?").arg(view.actions[index].title).arg(count),
+                                     function() { view.runOnSelection(index) })
+                    else
+                        view.runOnSelection(index)
+                }
             }
             BusyIndicator { running: view.pending > 0; implicitHeight: 32; implicitWidth: 32 }
         }
         Label {
-            text: qsTr("%1 done, %2 failed, %3 running").arg(view.doneCount).arg(view.failedCount).arg(view.pending)
+            objectName: "actionSummary"
+            text: view.groupJob ? qsTr("%1: %2 done, %3 failed").arg(view.lastAction.title).arg(view.doneCount).arg(view.failedCount)
+                                  + (view.pending ? qsTr(", running") : "")
+                                : qsTr("Choose an action and run it on the selected devices.")
+        }
+        ProgressBar {
+            Layout.fillWidth: true
+            visible: view.pending > 0
+            from: 0
+            to: Math.max(1, view.results ? view.results.count : 1)
+            value: view.doneCount + view.failedCount
         }
         ListView {
             objectName: "actionResults"
@@ -97,21 +130,40 @@ Pane {
             Layout.fillHeight: true
             clip: true
             model: results
+            ScrollBar.vertical: ScrollBar {}
             header: Row {
-                Label { width: 160; text: qsTr("Device"); font.bold: true }
-                Label { width: 100; text: qsTr("Result"); font.bold: true }
-                Label { text: qsTr("Error"); font.bold: true }
+                Label { width: fm.averageCharacterWidth * 30; text: qsTr("Device"); font.bold: true }
+                Label { width: fm.averageCharacterWidth * 12; text: qsTr("State"); font.bold: true }
+                Label { text: qsTr("Result"); font.bold: true }
             }
             delegate: Row {
+                id: resultRow
                 readonly property bool failed: model.state === Job.Finished && model.error !== Job.NoError
-                Label { width: 160; text: view.deviceText(model.uuid) }
+                readonly property bool finished: model.state === Job.Finished
+                property var shared: ObjectFactory.objectQml(resultRow, model.uuid)
+                Component.onDestruction: if (shared) shared.destroy()
+                DeviceRecords { id: rowRecords; device: resultRow.shared ? resultRow.shared.data : null }
+                Label { width: fm.averageCharacterWidth * 30; text: resultRow.shared && resultRow.shared.data ? Format.deviceText(resultRow.shared.data) : String(model.uuid); elide: Text.ElideRight }
                 Label {
-                    width: 100
-                    text: failed ? qsTr("failed") : [qsTr("idle"), qsTr("queued"), qsTr("running"), qsTr("done")][model.state]
+                    width: fm.averageCharacterWidth * 12
+                    text: failed ? qsTr("failed") : [qsTr("waiting"), qsTr("queued"), qsTr("running"), qsTr("done")][model.state]
                     color: failed ? "firebrick" : palette.text
                 }
-                Label { text: model.errorString }
+                Label {
+                    id: outcomeLabel
+                    objectName: "actionOutcome"
+                    width: resultRow.ListView.view ? resultRow.ListView.view.width - fm.averageCharacterWidth * 42 : 300
+                    elide: Text.ElideRight
+                    text: !resultRow.finished ? "" : Format.outcome(view.lastAction.job, !resultRow.failed, model.errorString,
+                                                                    Format.known(rowRecords.proxy), Format.known(rowRecords.runtime),
+                                                                    view.lastAction.title)
+                    color: failed ? "firebrick" : palette.text
+                    MouseArea { id: outcomeHover; anchors.fill: parent; hoverEnabled: true }
+                    ToolTip.visible: outcomeHover.containsMouse && outcomeLabel.truncated
+                    ToolTip.text: outcomeLabel.text
+                }
             }
         }
     }
+    FontMetrics { id: fm }
 }

@@ -17,21 +17,73 @@ Pane {
     property int knownCount: 0
     property int missingCount: 0
     property string lastError: ""
+    // Labels read after a discovery: how many asked, how many answered.
+    property int labelsAsked: 0
+    property int labelsRead: 0
+    property int labelsFailed: 0
+    readonly property bool readingLabels: labelsRead + labelsFailed < labelsAsked
+    // The buses opened last, newest first (at most five).
+    property var recentBuses: Settings.value("recentBuses", []) || []
 
     signal message(string text, bool isError)
 
+    function remember(uuid) {
+        var list = [uuid]
+        var old = recentBuses || []
+        for (var i = 0; i < old.length && list.length < 5; ++i)
+            if (old[i] !== uuid && old[i] !== "")
+                list.push(old[i])
+        recentBuses = list
+        Settings.setValue("recentBuses", list)
+    }
+    function opened(text) {
+        remember(BusFactory.busUUID)
+        message(text, false)
+    }
     function report(ok, errorText) {
         lastError = ok ? "" : errorText
-        message(ok ? qsTr("Opened %1").arg(BusFactory.busUUID) : errorText, !ok)
+        if (ok)
+            opened(qsTr("Opened %1").arg(busText(BusFactory.busUUID)))
+        else
+            message(errorText, true)
         return ok
     }
     function openSerial(name) { return report(BusFactory.openSerial(name), BusFactory.lastError) }
     function openMCast(group, port, bind) {
         return report(BusFactory.openMCast(group + ":" + port, bind), BusFactory.lastError)
     }
+    function openUUID(uuid) { return report(BusFactory.openUUID(uuid), BusFactory.lastError) }
+    // A bus identifier in words.
+    function busText(uuid) {
+        if (!uuid)
+            return qsTr("no bus")
+        var p = uuid.split(":")
+        if (p[0] === "mcast")
+            return qsTr("multicast group %1, port %2, on %3").arg(p[1]).arg(p[2]).arg(p[3])
+        if (p[0] === "serial")
+            return qsTr("serial port %1").arg(uuid.substring(7))
+        return uuid
+    }
+    // The fields show the bus that is open.
+    function showOpenBus() {
+        var p = BusFactory.busUUID.split(":")
+        if (p[0] === "mcast" && p.length >= 4) {
+            groupField.text = p[1]
+            portField.value = parseInt(p[2])
+            bindField.text = p[3]
+        } else if (p[0] === "serial") {
+            portBox.editText = BusFactory.busUUID.substring(7)
+        }
+    }
+    Connections {
+        target: BusFactory
+        function onBusUUIDChanged() { view.showOpenBus() }
+    }
+    Component.onCompleted: showOpenBus()
 
     // Discovery runs on the bus worker; the summary compares the devices
-    // found with the rows known before.
+    // found with the rows known before. The labels of the devices found are
+    // read afterwards, as the command-line tool does.
     function discover() {
         if (discovering || !BusFactory.busWorker)
             return false
@@ -45,6 +97,11 @@ Pane {
                 lastError = job.errorString
                 message(qsTr("Discovery failed: %1").arg(job.errorString), true)
             } else {
+                // Each device gets the kind its node type names (DC motors,
+                // setting tools), as vrnconfig gives it.
+                var nodes = job.answeredNodes
+                for (var i = 0; job.result && i < job.result.length && i < nodes.length; ++i)
+                    ObjectFactory.settleKind(nodes[i], job.result[i])
                 var found = job.result ? job.result.length : 0
                 var added = devices.rowCount() - before
                 foundCount = found
@@ -53,10 +110,42 @@ Pane {
                 missingCount = before - knownCount
                 message(qsTr("Discovery: %1 found, %2 new, %3 known, %4 missing")
                         .arg(found).arg(newCount).arg(knownCount).arg(missingCount), false)
+                readLabels(job.result || [])
             }
             job.destroy()
         })
         return BusFactory.busWorker.enqueue(job, 100)
+    }
+    function readLabels(uuids) {
+        labelsAsked = 0
+        labelsRead = 0
+        labelsFailed = 0
+        for (var i = 0; i < uuids.length; ++i) {
+            var uuid = uuids[i]
+            if (!(uuid > 0 && uuid < 0xFFFFFFFF))
+                continue
+            labelsAsked += 1
+            jobs.run(uuid, "GetLabelJob", {}, function(ok) {
+                if (ok) labelsRead += 1; else labelsFailed += 1
+            }, 1)
+        }
+    }
+
+    // Lists a device by hand; `text` is its node number (decimal or 0x...).
+    function addDevice(text, type) {
+        var number = text.trim().toLowerCase().indexOf("0x") === 0 ? parseInt(text.trim().substring(2), 16) : parseInt(text, 10)
+        if (isNaN(number) || number < 1 || number > 0xFFFFFE) {
+            message(qsTr("Not a node number: %1").arg(text), true)
+            return false
+        }
+        var shared = ObjectFactory.createObjectQml(view, type, number, true)
+        if (!shared) {
+            message(ObjectFactory.lastError !== "" ? ObjectFactory.lastError : qsTr("Node %1 of that kind is listed already").arg(text), true)
+            return false
+        }
+        shared.destroy()
+        message(qsTr("Added node %1").arg(text), false)
+        return true
     }
 
     Component { id: discoverJob; BusDiscoverJob {} }
@@ -129,15 +218,46 @@ Pane {
             }
         }
 
-        RowLayout {
-            Label {
-                Layout.fillWidth: true
-                text: BusFactory.busUUID !== "" ? qsTr("Open: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
-            }
-            Button {
-                text: qsTr("Close")
-                enabled: BusFactory.busUUID !== ""
-                onClicked: BusFactory.close()
+        GroupBox {
+            title: qsTr("Open bus")
+            Layout.fillWidth: true
+            ColumnLayout {
+                anchors.fill: parent
+                RowLayout {
+                    Label {
+                        objectName: "openBus"
+                        Layout.fillWidth: true
+                        font.bold: true
+                        text: BusFactory.busUUID !== "" ? view.busText(BusFactory.busUUID) : qsTr("No bus open")
+                        ToolTip.visible: openHover.containsMouse && BusFactory.busUUID !== ""
+                        ToolTip.text: BusFactory.busUUID
+                        MouseArea { id: openHover; anchors.fill: parent; hoverEnabled: true }
+                    }
+                    Button {
+                        text: qsTr("Close")
+                        enabled: BusFactory.busUUID !== ""
+                        onClicked: BusFactory.close()
+                    }
+                }
+                Label { text: qsTr("Opened before:"); visible: recentList.count > 0 }
+                Repeater {
+                    id: recentList
+                    objectName: "recentBuses"
+                    model: view.recentBuses.filter(function(uuid) { return uuid !== BusFactory.busUUID })
+                    RowLayout {
+                        Label {
+                            objectName: "recentBus"
+                            text: view.busText(modelData)
+                            Layout.fillWidth: true
+                            font.bold: modelData === BusFactory.busUUID
+                        }
+                        Button {
+                            text: qsTr("Reopen")
+                            enabled: modelData !== BusFactory.busUUID
+                            onClicked: view.openUUID(modelData)
+                        }
+                    }
+                }
             }
         }
         Label {
@@ -167,12 +287,45 @@ Pane {
                     }
                 }
                 Label {
+                    objectName: "labelProgress"
+                    visible: view.labelsAsked > 0
+                    text: view.readingLabels ? qsTr("Reading labels: %1 of %2").arg(view.labelsRead + view.labelsFailed).arg(view.labelsAsked)
+                                             : view.labelsFailed > 0 ? qsTr("Labels read: %1, not answered: %2").arg(view.labelsRead).arg(view.labelsFailed)
+                                                                      : qsTr("Labels read: %1").arg(view.labelsRead)
+                }
+                Label {
                     objectName: "discoverySummary"
                     text: view.discovering
-                          ? qsTr("Searching... %1 devices listed").arg(view.deviceCount)
+                          ? qsTr("Searching… %1 devices listed").arg(view.deviceCount)
                           : view.foundCount < 0 ? qsTr("No discovery yet")
                           : qsTr("%1 found: %2 new, %3 already known, %4 missing")
                                 .arg(view.foundCount).arg(view.newCount).arg(view.knownCount).arg(view.missingCount)
+                }
+            }
+        }
+
+        // A device discovery cannot find (a setting tool on its own line),
+        // listed by hand by its node number and kind.
+        GroupBox {
+            title: qsTr("Add device")
+            Layout.fillWidth: true
+            RowLayout {
+                anchors.fill: parent
+                Label { text: qsTr("Node number") }
+                TextField { id: addNode; objectName: "addNode"; placeholderText: "0x000100"; Layout.preferredWidth: 120 }
+                ComboBox {
+                    id: addKind
+                    objectName: "addKind"
+                    Layout.preferredWidth: 180
+                    textRole: "text"
+                    model: [{ text: qsTr("standard node"), type: 1 }, { text: qsTr("motor"), type: 2 },
+                            { text: qsTr("DC motor"), type: 3 }, { text: "LRU50", type: 4 }, { text: "TX50DC", type: 5 },
+                            { text: "TX30", type: 6 }, { text: qsTr("setting tool"), type: 7 }]
+                }
+                Button {
+                    objectName: "addDevice"
+                    text: qsTr("Add")
+                    onClicked: view.addDevice(addNode.text, addKind.model[addKind.currentIndex].type)
                 }
             }
         }

@@ -4,64 +4,108 @@ import QtQuick.Layouts 1.15
 import VRNConfigTool 1.0
 import "Format.js" as Format
 
-// The panel of the selected device: what the device has (read from it)
+// The panel of the selection: what the shown device has (read from it)
 // beside what the user wants, and one action that writes the differences.
-// Which sections show follows the type common to the whole selection.
+// With several devices selected, the fields they have in common are edited
+// together and written to all of them through the group worker.
 ScrollView {
     id: panel
     property var jobs
     property var uuid
     property int selectedCount: 0
     property int commonType: 0
+    // The selection, for writes to several devices.
+    property var selection: null
+    readonly property bool several: selectedCount > 1
     readonly property bool isMotor: Format.isMotorType(commonType)
     readonly property bool isDCMotor: Format.isDCMotorType(commonType)
     readonly property var proxy: Format.known(records.proxy)
     readonly property var runtime: Format.known(records.runtime)
     property var shared: null
     property string nodeText: ""
-    // Texts of the jobs that ended, newest first.
+    // Jobs of this panel, newest first: text, ok, running.
     property alias log: logModel
     property bool watching: false
     property int stableReads: 0
+    // Jobs started for the device shown and how many of them ended.
+    property int started: 0
+    property int ended: 0
+    property var groupJobs: []
 
+    readonly property var groupsCheck: Format.checkGroups(groupsEdit.text)
+    readonly property string labelProblem: Format.labelProblem(labelEdit.text)
+    readonly property bool invalid: labelProblem !== "" || groupsCheck.problem !== ""
+    readonly property bool nothingRead: Object.keys(proxy).length === 0
+    readonly property string syncText: started > ended ? qsTr("Reading from the device\u2026")
+                                       : nothingRead ? qsTr("Not read yet")
+                                       : pendingJobs.length > 0 ? qsTr("Changes not written (%1)").arg(pendingJobs.length)
+                                       : qsTr("In step with the device")
+
+    // A field is wanted when the user changed it: one device compares with
+    // what it has, several take every field the user touched.
+    function wanted(key, differs) { return several ? touched[key] === true : differs }
     readonly property var pendingJobs: {
         var out = []
-        if (labelEdit.text !== String(proxy.label || ""))
+        var t = touchCount  // re-evaluated when a field is touched
+        if (!several && proxy.label !== undefined && labelEdit.text !== String(proxy.label))
             out.push(["SetLabelJob", { label: labelEdit.text }])
-        if (groupsEdit.acceptableInput && groupsEdit.text !== Format.groupsText(proxy.groups))
-            out.push(["SetGroupsJob", { groups: Format.parseGroups(groupsEdit.text) }])
-        if (isMotor && proxy.rotDirection !== undefined && directionEdit.currentIndex !== proxy.rotDirection)
+        if (proxy.groups !== undefined || several) {
+            var typed = groupsCheck.groups.map(function(g) { return Format.hex(g, 6) }).join()
+            var has = (proxy.groups || []).filter(function(g) { return g !== 0 }).map(function(g) { return Format.hex(g, 6) }).join()
+            if (wanted("groups", typed !== has))
+                out.push(["SetGroupsJob", { groups: groupsCheck.groups }])
+        }
+        if (isMotor && proxy.rotDirection !== undefined && wanted("rotDirection", directionEdit.currentIndex !== proxy.rotDirection))
             out.push(["SetDirectionJob", { direction: directionEdit.currentIndex }])
-        if (isMotor && upLimitEdit.value !== proxy.upEndLimit && proxy.upEndLimit !== undefined)
+        if (isMotor && proxy.upEndLimit !== undefined && wanted("upEndLimit", upLimitEdit.value !== proxy.upEndLimit))
             out.push(["SetEndLimitsJob", { command: 1, limit: 1, delta: upLimitEdit.value }])
-        if (isMotor && downLimitEdit.value !== proxy.downEndLimit && proxy.downEndLimit !== undefined)
+        if (isMotor && proxy.downEndLimit !== undefined && wanted("downEndLimit", downLimitEdit.value !== proxy.downEndLimit))
             out.push(["SetEndLimitsJob", { command: 1, limit: 0, delta: downLimitEdit.value }])
         if (isDCMotor && proxy.upRollingSpeed !== undefined
-                && (upSpeedEdit.value !== proxy.upRollingSpeed || downSpeedEdit.value !== proxy.downRollingSpeed
-                    || slowSpeedEdit.value !== proxy.slowRollingSpeed))
+                && wanted("speeds", upSpeedEdit.value !== proxy.upRollingSpeed || downSpeedEdit.value !== proxy.downRollingSpeed
+                          || slowSpeedEdit.value !== proxy.slowRollingSpeed))
             out.push(["SetSpeedJob", { upSpeed: upSpeedEdit.value, downSpeed: downSpeedEdit.value,
                                        slowSpeed: slowSpeedEdit.value }])
         if (isDCMotor && proxy.softStartValue !== undefined
-                && (softStartEdit.value !== proxy.softStartValue || softStopEdit.value !== proxy.softStopValue
-                    || softStartOn.checked !== !!proxy.softStartStatus || softStopOn.checked !== !!proxy.softStopStatus))
+                && wanted("ramps", softStartEdit.value !== proxy.softStartValue || softStopEdit.value !== proxy.softStopValue
+                          || softStartOn.checked !== !!proxy.softStartStatus || softStopOn.checked !== !!proxy.softStopStatus))
             out.push(["SetRampJob", { softStartStatus: softStartOn.checked ? 1 : 0, softStartValue: softStartEdit.value,
                                       softStopStatus: softStopOn.checked ? 1 : 0, softStopValue: softStopEdit.value,
                                       ramps: 1 }])
         return out
     }
 
-    function note(name, ok, text) {
-        logModel.insert(0, { text: ok ? qsTr("%1: done").arg(name) : qsTr("%1 failed: %2").arg(name).arg(text), ok: ok })
+    property int nextEntry: 0
+    // Adds a running entry to the log; the function that ends it.
+    function begin(title) {
+        var id = ++nextEntry
+        logModel.insert(0, { entry: id, text: qsTr("%1 \u2026").arg(title), ok: true, running: true })
         if (logModel.count > 50)
             logModel.remove(50, logModel.count - 50)
+        started += 1
+        var forUuid = uuid
+        return function(text, ok) {
+            if (forUuid !== panel.uuid)
+                return
+            ended += 1
+            for (var i = 0; i < logModel.count; ++i) {
+                if (logModel.get(i).entry === id) {
+                    logModel.set(i, { entry: id, text: text, ok: ok, running: false })
+                    return
+                }
+            }
+        }
     }
-    function run(name, props, then) {
+    function note(name, ok, text) {
+        logModel.insert(0, { entry: ++nextEntry, text: Format.outcome(name, ok, text, proxy, runtime), ok: ok, running: false })
+    }
+    function run(name, props, then, title) {
         if (uuid === undefined)
             return false
-        var forUuid = uuid
+        var end = begin(title || Format.jobTitle(name))
         return jobs.run(uuid, name, props, function(ok, text, result) {
-            if (forUuid === panel.uuid)
-                note(name, ok, text)
+            // The records of the device changed before the job ended.
+            end(Format.outcome(name, ok, text, Format.known(records.proxy), Format.known(records.runtime), title), ok)
             if (then)
                 then(ok, text, result)
         })
@@ -83,6 +127,10 @@ ScrollView {
                                        SetRampJob: "GetRampJob" })
     function writePending() {
         var todo = pendingJobs
+        if (invalid)
+            return 0
+        if (several)
+            return writeToSelection(todo)
         for (var i = 0; i < todo.length; ++i) {
             var name = todo[i][0]
             run(name, todo[i][1], function(name) {
@@ -91,10 +139,36 @@ ScrollView {
         }
         return todo.length
     }
+    // Each change as one group job over the selection: the group worker
+    // runs it device by device and keeps each device's outcome.
+    function writeToSelection(todo) {
+        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
+        if (!group)
+            return 0
+        var devices = group.count
+        for (var i = 0; i < todo.length; ++i) {
+            var job = jobs.kinds[todo[i][0]].createObject(panel, todo[i][1])
+            var end = begin(qsTr("%1 on %2 devices").arg(Format.jobTitle(todo[i][0])).arg(devices))
+            job.finished.connect(function(job, end, name) {
+                return function() {
+                    var results = job.result
+                    var ok = results ? results.okCount() : 0
+                    var failed = results ? results.failedCount() : devices
+                    end(qsTr("%1: %2 done, %3 failed").arg(Format.jobTitle(name)).arg(ok).arg(failed), failed === 0)
+                    job.destroy()
+                }
+            }(job, end, todo[i][0]))
+            group.enqueue(job, 5)
+        }
+        touched = {}
+        touchCount += 1
+        return todo.length
+    }
     // Editors follow the device's values until the user changes them
     // (`touched`), so that reads arriving later never undo an edit.
     property var touched: ({})
-    function touch(key) { touched[key] = true }
+    property int touchCount: 0
+    function touch(key) { touched[key] = true; touchCount += 1 }
     function seedEditors() {
         var setters = {
             label: function(v) { labelEdit.text = String(v) },
@@ -102,13 +176,13 @@ ScrollView {
             rotDirection: function(v) { directionEdit.currentIndex = v },
             upEndLimit: function(v) { upLimitEdit.value = v },
             downEndLimit: function(v) { downLimitEdit.value = v },
-            upRollingSpeed: function(v) { upSpeedEdit.value = v },
-            downRollingSpeed: function(v) { downSpeedEdit.value = v },
-            slowRollingSpeed: function(v) { slowSpeedEdit.value = v },
-            softStartValue: function(v) { softStartEdit.value = v },
-            softStopValue: function(v) { softStopEdit.value = v },
-            softStartStatus: function(v) { softStartOn.checked = !!v },
-            softStopStatus: function(v) { softStopOn.checked = !!v }
+            upRollingSpeed: function(v) { if (!touched.speeds) upSpeedEdit.value = v },
+            downRollingSpeed: function(v) { if (!touched.speeds) downSpeedEdit.value = v },
+            slowRollingSpeed: function(v) { if (!touched.speeds) slowSpeedEdit.value = v },
+            softStartValue: function(v) { if (!touched.ramps) softStartEdit.value = v },
+            softStopValue: function(v) { if (!touched.ramps) softStopEdit.value = v },
+            softStartStatus: function(v) { if (!touched.ramps) softStartOn.checked = !!v },
+            softStopStatus: function(v) { if (!touched.ramps) softStopOn.checked = !!v }
         }
         // records.proxy, not the binding on it: this runs as the records change.
         var known = Format.known(records.proxy)
@@ -120,28 +194,36 @@ ScrollView {
     }
     function resetEditors() {
         touched = {}
+        touchCount += 1
         seedEditors()
     }
     // Moves, then reads the position until it stays the same a few times.
     function move(command, value) {
+        var title = command === 1 ? qsTr("Move up") : command === 0 ? qsTr("Move down")
+                  : command === 255 ? qsTr("Stop") : qsTr("Move to %1 %").arg(value)
         run("MotorControlJob", { command: command, value: value || 0 }, function(ok) {
             if (ok) {
                 stableReads = 0
                 watching = true
             }
-        })
+        }, title)
     }
 
+    // A new device: nothing of the last one stays on screen.
     onUuidChanged: {
         watching = false
         logModel.clear()
+        started = 0
+        ended = 0
         touched = {}
+        touchCount += 1
         labelEdit.text = ""
         groupsEdit.text = ""
         if (shared)
             shared.destroy()
         shared = uuid !== undefined ? ObjectFactory.objectQml(panel, uuid) : null
         nodeText = shared && shared.data ? Format.deviceText(shared.data) : ""
+        seedEditors()
         if (uuid !== undefined)
             readAll()
     }
@@ -154,13 +236,14 @@ ScrollView {
 
     DeviceRecords { id: records; device: panel.shared ? panel.shared.data : null }
     ListModel { id: logModel }
+    FontMetrics { id: fm }
 
     Timer {
         interval: 150
         repeat: true
         running: panel.watching
         property var last
-        onTriggered: panel.run("GetPositionJob", undefined, function(ok, text, result) {
+        onTriggered: panel.jobs.run(panel.uuid, "GetPositionJob", undefined, function(ok, text, result) {
             var pos = panel.runtime.posPulse
             panel.stableReads = (ok && pos === last) ? panel.stableReads + 1 : 0
             last = pos
@@ -178,26 +261,81 @@ ScrollView {
             text: qsTr("Select a device in the list.")
         }
         Label {
+            objectName: "panelTitle"
             visible: panel.uuid !== undefined
             font.bold: true
-            font.pixelSize: 16
-            text: panel.selectedCount > 1
-                  ? qsTr("%1 devices selected (%2); showing the first").arg(panel.selectedCount).arg(Format.typeNames[panel.commonType])
+            font.pointSize: Qt.application.font.pointSize * 1.25
+            text: panel.several
+                  ? qsTr("%1 devices selected (%2)").arg(panel.selectedCount).arg(Format.kindName(panel.commonType))
                   : panel.nodeText
         }
-        RowLayout {
+        Label {
+            visible: panel.uuid !== undefined && panel.several
+            text: qsTr("The changes you make are written to all of them; the values read are those of %1, the current row.").arg(panel.nodeText)
+            wrapMode: Text.Wrap
+            Layout.fillWidth: true
+        }
+        Flow {
             visible: panel.uuid !== undefined
-            Label { text: records.sync ? qsTr("Synchronised") : qsTr("Not synchronised"); color: records.sync ? "green" : "darkorange" }
-            Label { text: records.dirty ? qsTr("dirty") : qsTr("clean"); color: records.dirty ? "darkorange" : "green" }
-            Item { Layout.fillWidth: true }
-            Button { text: qsTr("Read again"); onClicked: panel.readAll() }
+            Layout.fillWidth: true
+            spacing: 6
+            Label {
+                objectName: "syncState"
+                height: readAgain.height
+                verticalAlignment: Text.AlignVCenter
+                rightPadding: fm.averageCharacterWidth * 3
+                text: panel.syncText
+                color: panel.nothingRead || panel.started > panel.ended ? palette.text
+                       : panel.pendingJobs.length > 0 ? "darkorange"
+                       : palette.window.hslLightness < 0.5 ? "#7ee787" : "green"
+            }
+            Button {
+                id: readAgain
+                text: qsTr("Read again")
+                ToolTip.visible: hovered
+                ToolTip.text: qsTr("Reads every value shown from the device (F5)")
+                onClicked: panel.readAll()
+            }
             Button {
                 objectName: "writePending"
-                text: qsTr("Write %1 changes").arg(panel.pendingJobs.length)
-                enabled: panel.pendingJobs.length > 0
-                onClicked: panel.writePending()
+                text: panel.several ? qsTr("Write changes to all (%1)").arg(panel.pendingJobs.length)
+                                    : qsTr("Write changes (%1)").arg(panel.pendingJobs.length)
+                enabled: panel.pendingJobs.length > 0 && !panel.invalid
+                ToolTip.visible: hovered && panel.invalid
+                ToolTip.text: qsTr("Correct the fields marked in red first")
+                onClicked: {
+                    if (panel.several) {
+                        confirmWrite.open()
+                    } else {
+                        panel.writePending()
+                    }
+                }
             }
-            Button { text: qsTr("Undo edits"); onClicked: panel.resetEditors() }
+            Button {
+                text: qsTr("Undo edits")
+                enabled: panel.pendingJobs.length > 0 || panel.invalid
+                onClicked: panel.resetEditors()
+            }
+        }
+        ProgressBar {
+            objectName: "jobProgress"
+            visible: panel.uuid !== undefined && panel.started > panel.ended
+            Layout.fillWidth: true
+            from: 0
+            to: Math.max(1, panel.started)
+            value: panel.ended
+        }
+
+        Dialog {
+            id: confirmWrite
+            anchors.centerIn: Overlay.overlay
+            modal: true
+            title: qsTr("Write to %1 devices?").arg(panel.selectedCount)
+            standardButtons: Dialog.Ok | Dialog.Cancel
+            Label {
+                text: panel.pendingJobs.map(function(j) { return Format.jobTitle(j[0]) }).join("\n")
+            }
+            onAccepted: panel.writePending()
         }
 
         GroupBox {
@@ -206,35 +344,43 @@ ScrollView {
             Layout.fillWidth: true
             ColumnLayout {
                 RowLayout {
-                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: 130 }
-                    Label { text: qsTr("Device"); font.bold: true; Layout.preferredWidth: 150 }
-                    Label { text: qsTr("Wanted"); font.bold: true; Layout.preferredWidth: 170 }
+                    Label { text: qsTr("Field"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 20 }
+                    Label { text: panel.several ? qsTr("Current row has") : qsTr("Device has"); font.bold: true; Layout.preferredWidth: fm.averageCharacterWidth * 21 }
+                    Label { text: qsTr("Wanted"); font.bold: true }
                 }
                 FieldRow {
                     name: qsTr("Label")
                     deviceValue: panel.proxy.label
-                    pending: labelEdit.text !== String(panel.proxy.label || "")
+                    editable: deviceValue !== undefined && !panel.several
+                    pending: !panel.several && panel.proxy.label !== undefined && labelEdit.text !== String(panel.proxy.label)
+                    problem: panel.labelProblem
                     TextField {
                         id: labelEdit
                         objectName: "labelEdit"
-                        width: 170
-                        maximumLength: 16
+                        width: parent.width
+                        placeholderText: qsTr("no label")
+                        color: panel.labelProblem !== "" ? "firebrick" : palette.text
                         onTextEdited: panel.touch("label")
                     }
                 }
                 FieldRow {
                     name: qsTr("Groups (hex)")
-                    deviceValue: Format.groupsText(panel.proxy.groups)
-                    pending: groupsEdit.text !== Format.groupsText(panel.proxy.groups)
+                    deviceValue: panel.proxy.groups === undefined ? undefined
+                                 : (Format.groupsText(panel.proxy.groups) || qsTr("none"))
+                    editable: deviceValue !== undefined || panel.several
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetGroupsJob" })
+                    problem: panel.groupsCheck.problem
                     TextField {
                         id: groupsEdit
-                        width: 170
+                        objectName: "groupsEdit"
+                        width: parent.width
+                        placeholderText: qsTr("e.g. 1A, F0001")
+                        color: panel.groupsCheck.problem !== "" ? "firebrick" : palette.text
                         onTextEdited: panel.touch("groups")
-                        validator: RegularExpressionValidator { regularExpression: /^\s*([0-9A-Fa-f]{1,6}(\s*,\s*[0-9A-Fa-f]{1,6})*)?\s*$/ }
                     }
                 }
-                FieldRow { name: qsTr("Firmware"); deviceValue: panel.proxy.firmwareVersion }
-                FieldRow { name: qsTr("Serial number"); deviceValue: panel.proxy.serialNumber }
+                FieldRow { name: qsTr("Firmware"); deviceValue: panel.proxy.firmwareVersion; editable: false }
+                FieldRow { name: qsTr("Serial number"); deviceValue: panel.proxy.serialNumber === undefined ? undefined : Format.serialText(panel.proxy.serialNumber); editable: false }
             }
         }
 
@@ -243,37 +389,41 @@ ScrollView {
             visible: panel.uuid !== undefined && panel.isMotor
             Layout.fillWidth: true
             ColumnLayout {
+                width: parent.width
                 FieldRow {
                     name: qsTr("Direction")
                     deviceValue: panel.proxy.rotDirection === undefined ? undefined
                                  : panel.proxy.rotDirection ? qsTr("reversed") : qsTr("standard")
-                    pending: panel.proxy.rotDirection !== undefined && directionEdit.currentIndex !== panel.proxy.rotDirection
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetDirectionJob" })
                     ComboBox {
                         id: directionEdit
-                        width: 170
+                        width: parent.width
                         model: [qsTr("standard"), qsTr("reversed")]
                         onActivated: panel.touch("rotDirection")
                     }
                 }
                 FieldRow {
                     name: qsTr("Up end limit")
-                    deviceValue: panel.proxy.upEndLimit
-                    pending: panel.proxy.upEndLimit !== undefined && upLimitEdit.value !== panel.proxy.upEndLimit
-                    SpinBox { id: upLimitEdit; width: 170; from: 0; to: 65535; editable: true; onValueModified: panel.touch("upEndLimit") }
+                    deviceValue: panel.proxy.upEndLimit === undefined ? undefined : qsTr("%1 pulses").arg(panel.proxy.upEndLimit)
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetEndLimitsJob" && j[1].limit === 1 })
+                    SpinBox { id: upLimitEdit; width: parent.width; from: 0; to: 65535; editable: true; onValueModified: panel.touch("upEndLimit") }
                 }
                 FieldRow {
                     name: qsTr("Down end limit")
-                    deviceValue: panel.proxy.downEndLimit
-                    pending: panel.proxy.downEndLimit !== undefined && downLimitEdit.value !== panel.proxy.downEndLimit
-                    SpinBox { id: downLimitEdit; width: 170; from: 0; to: 65535; editable: true; onValueModified: panel.touch("downEndLimit") }
+                    deviceValue: panel.proxy.downEndLimit === undefined ? undefined : qsTr("%1 pulses").arg(panel.proxy.downEndLimit)
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetEndLimitsJob" && j[1].limit === 0 })
+                    SpinBox { id: downLimitEdit; width: parent.width; from: 0; to: 65535; editable: true; onValueModified: panel.touch("downEndLimit") }
                 }
                 FieldRow {
                     name: qsTr("Position")
+                    editable: true
                     deviceValue: panel.runtime.posPulse === undefined ? undefined
-                                 : qsTr("%1 pulses, %2 %").arg(panel.runtime.posPulse).arg(panel.runtime.posPCent)
-                    Label { objectName: "positionLabel"; text: panel.watching ? qsTr("moving...") : "" }
+                                 : qsTr("%1 % (%2 pulses)").arg(panel.runtime.posPCent).arg(panel.runtime.posPulse)
+                    Label { objectName: "positionLabel"; text: panel.watching ? qsTr("moving\u2026") : "" }
                 }
-                RowLayout {
+                Flow {
+                    Layout.fillWidth: true
+                    spacing: 6
                     Button { text: qsTr("Up"); onClicked: panel.move(1) }
                     Button { text: qsTr("Down"); onClicked: panel.move(0) }
                     Button { text: qsTr("Stop"); onClicked: panel.move(255) }
@@ -282,27 +432,38 @@ ScrollView {
                     Button { text: qsTr("Wink"); onClicked: panel.run("VisualFeedbackJob") }
                 }
                 Label { text: qsTr("Intermediate positions"); font.bold: true }
+                Label {
+                    visible: panel.proxy.ipsPulse === undefined
+                    text: qsTr("not read"); font.italic: true; opacity: 0.6
+                }
                 Flow {
                     Layout.fillWidth: true
-                    spacing: 6
+                    spacing: 12
                     Repeater {
                         model: panel.proxy.ipsPulse || []
                         Label {
                             visible: modelData !== 0xFFFF
-                            text: qsTr("#%1: %2 (%3 %)").arg(index).arg(modelData).arg(panel.proxy.ipsPct[index])
+                            text: qsTr("%1: %2 % (%3 pulses)").arg(index + 1).arg(panel.proxy.ipsPct[index]).arg(modelData)
                         }
                     }
                 }
-                RowLayout {
-                    SpinBox { id: ipIndex; from: 0; to: 15; editable: true }
+                Flow {
+                    Layout.fillWidth: true
+                    spacing: 6
+                    Label { text: qsTr("Position number"); height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
+                    SpinBox { id: ipIndex; from: 1; to: 16; editable: true }
+                    Label { text: qsTr("at"); height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
                     SpinBox { id: ipValue; from: 0; to: 100; editable: true }
+                    Label { text: "%"; height: ipIndex.height; verticalAlignment: Text.AlignVCenter }
                     Button {
-                        text: qsTr("Set at %")
-                        onClicked: panel.run("SetMotorIpJob", { ipIndex: ipIndex.value, function: 3, value: ipValue.value })
+                        text: qsTr("Set")
+                        onClicked: panel.run("SetMotorIpJob", { ipIndex: ipIndex.value - 1, function: 3, value: ipValue.value },
+                                             function(ok) { if (ok) panel.run("GetMotorIpsJob") })
                     }
                     Button {
                         text: qsTr("Delete")
-                        onClicked: panel.run("SetMotorIpJob", { ipIndex: ipIndex.value, function: 0, value: 0 })
+                        onClicked: panel.run("SetMotorIpJob", { ipIndex: ipIndex.value - 1, function: 0, value: 0 },
+                                             function(ok) { if (ok) panel.run("GetMotorIpsJob") })
                     }
                 }
             }
@@ -315,29 +476,28 @@ ScrollView {
             ColumnLayout {
                 FieldRow {
                     name: qsTr("Up speed")
-                    deviceValue: panel.proxy.upRollingSpeed
-                    pending: panel.proxy.upRollingSpeed !== undefined && upSpeedEdit.value !== panel.proxy.upRollingSpeed
-                    SpinBox { id: upSpeedEdit; objectName: "upSpeedEdit"; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("upRollingSpeed") }
+                    deviceValue: panel.proxy.upRollingSpeed === undefined ? undefined : qsTr("%1 rpm").arg(panel.proxy.upRollingSpeed)
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetSpeedJob" })
+                    SpinBox { id: upSpeedEdit; objectName: "upSpeedEdit"; width: parent.width; from: 6; to: 28; editable: true; onValueModified: panel.touch("speeds") }
                 }
                 FieldRow {
                     name: qsTr("Down speed")
-                    deviceValue: panel.proxy.downRollingSpeed
-                    pending: panel.proxy.downRollingSpeed !== undefined && downSpeedEdit.value !== panel.proxy.downRollingSpeed
-                    SpinBox { id: downSpeedEdit; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("downRollingSpeed") }
+                    deviceValue: panel.proxy.downRollingSpeed === undefined ? undefined : qsTr("%1 rpm").arg(panel.proxy.downRollingSpeed)
+                    SpinBox { id: downSpeedEdit; width: parent.width; from: 6; to: 28; editable: true; onValueModified: panel.touch("speeds") }
                 }
                 FieldRow {
                     name: qsTr("Slow speed")
-                    deviceValue: panel.proxy.slowRollingSpeed
-                    pending: panel.proxy.slowRollingSpeed !== undefined && slowSpeedEdit.value !== panel.proxy.slowRollingSpeed
-                    SpinBox { id: slowSpeedEdit; width: 170; from: 6; to: 28; editable: true; onValueModified: panel.touch("slowRollingSpeed") }
+                    deviceValue: panel.proxy.slowRollingSpeed === undefined ? undefined : qsTr("%1 rpm").arg(panel.proxy.slowRollingSpeed)
+                    SpinBox { id: slowSpeedEdit; width: parent.width; from: 6; to: 28; editable: true; onValueModified: panel.touch("speeds") }
                 }
                 FieldRow {
                     name: qsTr("Soft start")
                     deviceValue: panel.proxy.softStartValue === undefined ? undefined
                                  : (panel.proxy.softStartStatus ? qsTr("on, %1").arg(panel.proxy.softStartValue) : qsTr("off"))
+                    pending: panel.pendingJobs.some(function(j) { return j[0] === "SetRampJob" })
                     RowLayout {
-                        CheckBox { id: softStartOn; onClicked: panel.touch("softStartStatus") }
-                        SpinBox { id: softStartEdit; from: 0; to: 100; editable: true; onValueModified: panel.touch("softStartValue") }
+                        CheckBox { id: softStartOn; objectName: "softStartOn"; onClicked: panel.touch("ramps") }
+                        SpinBox { id: softStartEdit; objectName: "softStartEdit"; from: 0; to: 100; editable: true; onValueModified: panel.touch("ramps") }
                     }
                 }
                 FieldRow {
@@ -345,29 +505,9 @@ ScrollView {
                     deviceValue: panel.proxy.softStopValue === undefined ? undefined
                                  : (panel.proxy.softStopStatus ? qsTr("on, %1").arg(panel.proxy.softStopValue) : qsTr("off"))
                     RowLayout {
-                        CheckBox { id: softStopOn; onClicked: panel.touch("softStopStatus") }
-                        SpinBox { id: softStopEdit; from: 0; to: 100; editable: true; onValueModified: panel.touch("softStopValue") }
+                        CheckBox { id: softStopOn; onClicked: panel.touch("ramps") }
+                        SpinBox { id: softStopEdit; from: 0; to: 100; editable: true; onValueModified: panel.touch("ramps") }
                     }
-                }
-            }
-        }
-
-        GroupBox {
-            title: qsTr("Diagnostics and statistics")
-            visible: panel.uuid !== undefined
-            Layout.fillWidth: true
-            Flow {
-                width: parent.width
-                spacing: 12
-                Repeater {
-                    model: Object.keys(panel.runtime).filter(function(k) {
-                        return k !== "posPulse" && k !== "posPCent" && panel.runtime[k] !== undefined })
-                    Label { text: modelData + ": " + panel.runtime[modelData] }
-                }
-                Label {
-                    visible: Object.keys(panel.runtime).filter(function(k) {
-                        return k !== "posPulse" && k !== "posPCent" && panel.runtime[k] !== undefined }).length === 0
-                    text: qsTr("Nothing read yet")
                 }
             }
         }
@@ -379,10 +519,19 @@ ScrollView {
             ListView {
                 objectName: "jobLog"
                 width: parent.width
-                implicitHeight: 120
+                implicitHeight: fm.height * 8
                 clip: true
                 model: logModel
-                delegate: Label { text: model.text; color: model.ok ? palette.text : "firebrick" }
+                delegate: Label {
+                    id: entry
+                    width: ListView.view.width
+                    text: (model.running ? "\u25B8 " : model.ok ? "" : "\u2716 ") + model.text
+                    color: model.ok ? palette.text : palette.window.hslLightness < 0.5 ? "#ff7b72" : "firebrick"
+                    elide: Text.ElideRight
+                    MouseArea { id: hover; anchors.fill: parent; hoverEnabled: true }
+                    ToolTip.visible: hover.containsMouse && entry.truncated
+                    ToolTip.text: model.text
+                }
             }
         }
     }

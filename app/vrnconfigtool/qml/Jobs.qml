@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import VRNConfigTool 1.0
+import "Format.js" as Format
 
 // Queues the library's jobs by name on a device's worker and reports each
 // end: done(name, ok, errorText, result).
@@ -64,14 +65,17 @@ QtObject {
 
     signal done(string name, var uuid, bool ok, string errorText, var result)
 
+    // The end of a job in the user's words.
+    function outcomeText(name, ok, errorText) { return Format.outcome(name, ok, errorText) }
+
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
     // (optional) is called with (ok, errorText, result) after `done`;
     // `created` (optional) with the job before it is queued.
     function run(uuid, name, props, then, priority, created) {
         var worker = ObjectFactory.objectWorkerQml(jobs, uuid);
         if (!worker || !worker.data) {
-            done(name, uuid, false, qsTr("device not found"), undefined);
-            if (then) then(false, qsTr("device not found"), undefined);
+            done(name, uuid, false, qsTr("the device is no longer listed"), undefined);
+            if (then) then(false, qsTr("the device is no longer listed"), undefined);
             return false;
         }
         var job = kinds[name].createObject(jobs, props || {});
@@ -85,8 +89,12 @@ QtObject {
             var result = job.result;
             if (ok && stored.indexOf(name) >= 0) {
                 var shared = ObjectFactory.objectQml(jobs, uuid);
-                if (shared && shared.data)
-                    ObjectFactory.save(shared.data);
+                if (shared && shared.data) {
+                    if (name === "GetLabelJob")
+                        ObjectFactory.storeLabelRead(shared.data);
+                    else
+                        ObjectFactory.save(shared.data);
+                }
                 if (shared)
                     shared.destroy();
             }

@@ -37,7 +37,7 @@ ListModel {
                 return
             setProperty(row, "busy", get(row).busy - 1)
             if (!ok)
-                setProperty(row, "error", qsTr("%1: %2").arg(name).arg(text))
+                setProperty(row, "error", Format.outcome(name, false, text))
             if (then)
                 then(ok, result)
         }, undefined, created)

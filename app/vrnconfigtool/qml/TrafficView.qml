@@ -9,6 +9,7 @@ Pane {
     id: view
     readonly property VRNListenerViewModel listener: BusFactory.listener
     readonly property alias count: frames.count
+    FontMetrics { id: fm }
 
     ColumnLayout {
         anchors.fill: parent
@@ -36,9 +37,9 @@ Pane {
         }
         Row {
             Repeater {
-                model: [[qsTr("Time"), 110], [qsTr("Dir"), 50], [qsTr("Source"), 110], [qsTr("Destination"), 110],
-                        [qsTr("Command"), 220], [qsTr("Payload"), 300]]
-                Label { width: modelData[1]; text: modelData[0]; font.bold: true; leftPadding: 4 }
+                model: [[qsTr("Time"), 14], [qsTr("Direction"), 10], [qsTr("Source"), 14], [qsTr("Destination"), 14],
+                        [qsTr("Command"), 28], [qsTr("Payload"), 40]]
+                Label { width: fm.averageCharacterWidth * modelData[1]; text: modelData[0]; font.bold: true; leftPadding: 4 }
             }
         }
         ListView {
@@ -53,11 +54,11 @@ Pane {
             onCountChanged: if (follow.checked) positionViewAtEnd()
             delegate: Row {
                 readonly property color tint: model.valid ? palette.text : "firebrick"
-                Label { width: 110; leftPadding: 4; color: tint; text: Qt.formatTime(model.time, "hh:mm:ss.zzz") }
-                Label { width: 50; leftPadding: 4; color: tint; text: model.direction === 0 ? "\u2192" : "\u2190" }
-                Label { width: 110; leftPadding: 4; color: tint; text: model.source === undefined ? "" : Format.hex(model.source & 0xFFFFFF, 6) }
-                Label { width: 110; leftPadding: 4; color: tint; text: model.destination === undefined ? "" : Format.hex(model.destination, 6) }
-                Label { width: 220; leftPadding: 4; color: tint; text: model.commandName; elide: Text.ElideRight }
+                Label { width: fm.averageCharacterWidth * 14; leftPadding: 4; color: tint; text: Qt.formatTime(model.time, "hh:mm:ss.zzz") }
+                Label { width: fm.averageCharacterWidth * 10; leftPadding: 4; color: tint; text: model.direction === 0 ? qsTr("sent") : qsTr("received") }
+                Label { width: fm.averageCharacterWidth * 14; leftPadding: 4; color: tint; text: model.source === undefined ? "" : Format.hex(model.source & 0xFFFFFF, 6) }
+                Label { width: fm.averageCharacterWidth * 14; leftPadding: 4; color: tint; text: model.destination === undefined ? "" : Format.hex(model.destination, 6) }
+                Label { width: fm.averageCharacterWidth * 28; leftPadding: 4; color: tint; text: model.commandName; elide: Text.ElideRight }
                 Label { leftPadding: 4; color: tint; text: model.payload }
             }
         }

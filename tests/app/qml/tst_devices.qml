@@ -65,6 +65,40 @@ TestCase {
             compare(view.selection.contains(devices.get(r).uuid), data.rows.indexOf(r) >= 0, "row " + r)
     }
 
+    // Keys on the list, then the rows that must be selected and the
+    // current row. Arrows move and select; Shift extends from the anchor;
+    // Control moves without selecting, Space then adds the row.
+    function test_keyboardSelection_data() {
+        return [
+            { tag: "arrows", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, 0]], rows: [2], current: 2 },
+            { tag: "up stops at the top", keys: [[Qt.Key_Up, 0], [Qt.Key_Up, 0]], rows: [0], current: 0 },
+            { tag: "shift extends", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier]],
+              rows: [1, 2, 3], current: 3 },
+            { tag: "shift extends, descending", descending: true,
+              keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier]], rows: [1, 2, 3], current: 3 },
+            { tag: "shift back shrinks", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ShiftModifier], [Qt.Key_Down, Qt.ShiftModifier],
+                                                 [Qt.Key_Up, Qt.ShiftModifier]], rows: [1, 2], current: 2 },
+            { tag: "control space adds", keys: [[Qt.Key_Down, 0], [Qt.Key_Down, Qt.ControlModifier], [Qt.Key_Down, Qt.ControlModifier],
+                                                 [Qt.Key_Space, 0]], rows: [1, 3], current: 3 },
+            { tag: "end, shift home", keys: [[Qt.Key_End, 0], [Qt.Key_Home, Qt.ShiftModifier]], rows: [0, 1, 2, 3, 4, 5, 6, 7], current: 0 },
+            { tag: "page down", keys: [[Qt.Key_PageDown, 0]], rows: [7], current: 7 },
+            { tag: "control A", keys: [[Qt.Key_A, Qt.ControlModifier]], rows: [0, 1, 2, 3, 4, 5, 6, 7], current: 0 }
+        ]
+    }
+    function test_keyboardSelection(data) {
+        devices.setSort(ObjectQueryModel.NodeIDRole, data.descending ? Qt.DescendingOrder : Qt.AscendingOrder)
+        view.clickRow(0, 0)
+        view.list.forceActiveFocus()
+        for (var i = 0; i < data.keys.length; ++i)
+            keyClick(data.keys[i][0], data.keys[i][1])
+        compare(view.list.currentIndex, data.current)
+        for (var r = 0; r < devices.rowCount(); ++r)
+            compare(view.selection.contains(devices.get(r).uuid), data.rows.indexOf(r) >= 0, "row " + r)
+        // The panel shows the current row when it is selected.
+        if (data.rows.indexOf(data.current) >= 0)
+            compare(view.shownUuid, devices.get(data.current).uuid)
+    }
+
     function test_commonTypeDecidesPanels() {
         devices.setSort(ObjectQueryModel.TypeRole, Qt.AscendingOrder)
         var dc = -1, motor = -1, std = -1

@@ -75,24 +75,58 @@ TestCase {
         compare(simulator.label(row.nodeID & 0xFFFFFF), "Terrace")
     }
 
-    function test_valuesStayInRange_data() {
+    // What is typed is checked as it is typed: a wrong entry is marked,
+    // blocks the write and is never shortened or dropped.
+    function test_entriesAreChecked_data() {
         return [
-            { tag: "speed above", name: "upSpeedEdit", value: 40, expected: 28 },
-            { tag: "speed below", name: "upSpeedEdit", value: 2, expected: 6 }
+            { tag: "label of 16 bytes", label: "Wohnzimmer links", groups: "", ok: true },
+            { tag: "label of 16 letters, 26 bytes", label: "ÄÖÜäöüßÄÖÜabcdef", groups: "", ok: false, problem: "26 bytes" },
+            { tag: "groups in hex", label: "", groups: "F0001, 1a, 0x2B", ok: true, written: [0xF0001, 0x1A, 0x2B] },
+            { tag: "one group not hex", label: "", groups: "F0001, XYZ, 1000000", ok: false, problem: "XYZ, 1000000" },
+            { tag: "group zero", label: "", groups: "0", ok: false, problem: "0" },
+            { tag: "empty entry", label: "", groups: "1A,,2B", ok: false, problem: "(empty)" },
+            { tag: "group twice", label: "", groups: "1A, 01a", ok: false, problem: "Given twice" },
+            { tag: "seventeen groups", label: "", groups: "1,2,3,4,5,6,7,8,9,A,B,C,D,E,F,10,11", ok: false, problem: "17 groups" }
         ]
     }
-    function test_valuesStayInRange(data) {
-        show(device(6))
-        var edit = findChild(panel, data.name)
-        edit.value = data.value
-        compare(edit.value, data.expected)
+    function test_entriesAreChecked(data) {
+        var row = device(6)
+        show(row)
         var label = findChild(panel, "labelEdit")
-        label.text = ""
-        label.forceActiveFocus()
-        var letters = "abcdefghijklmnopqrstuvwxyz"
-        for (var i = 0; i < letters.length; ++i)
-            keyClick(letters[i])
-        compare(label.text.length, 16)
+        var groups = findChild(panel, "groupsEdit")
+        var write = findChild(panel, "writePending")
+        label.text = data.label !== "" ? data.label : panel.proxy.label
+        groups.text = data.groups
+        compare(!panel.invalid, data.ok)
+        compare(write.enabled, data.ok && panel.pendingJobs.length > 0)
+        if (!data.ok) {
+            var problem = panel.labelProblem + panel.groupsCheck.problem
+            verify(problem.indexOf(data.problem) >= 0, problem)
+            compare(panel.writePending(), 0)
+        }
+        // Nothing typed is cut: the field keeps every character.
+        compare(label.text, data.label !== "" ? data.label : panel.proxy.label)
+        compare(groups.text, data.groups)
+        if (data.written) {
+            var job = panel.pendingJobs.filter(function(j) { return j[0] === "SetGroupsJob" })[0]
+            compare(JSON.stringify(job[1].groups), JSON.stringify(data.written))
+        }
+        panel.resetEditors()
+    }
+
+    // A new device on the panel: no value of the one before stays.
+    function test_followsTheSelectionAtOnce() {
+        var dc = device(6), std = device(1)
+        show(dc)
+        verify(panel.proxy.upRollingSpeed !== undefined)
+        findChild(panel, "labelEdit").text = "Half typed"
+        panel.commonType = std.type
+        panel.uuid = std.uuid
+        verify(findChild(panel, "labelEdit").text !== "Half typed")
+        compare(panel.pendingJobs.length, 0)
+        verify(panel.proxy.upRollingSpeed === undefined)
+        tryCompare(jobs, "running", 0, 3000)
+        compare(panel.syncText, "In step with the device")
     }
 
     function test_vanishedDeviceFailsWithText() {
@@ -105,11 +139,52 @@ TestCase {
         simulator.unplug(row.nodeID & 0xFFFFFF, false)
         compare(panel.log.count, 3)
         for (var i = 0; i < panel.log.count; ++i) {
-            verify(!panel.log.get(i).ok)
-            verify(/failed: \S/.test(panel.log.get(i).text), panel.log.get(i).text)
+            var entry = panel.log.get(i)
+            verify(!entry.ok && !entry.running)
+            // In the words of the task, with the library's reason.
+            verify(/^Read (label|groups|firmware version): \S/.test(entry.text), entry.text)
+            verify(!/Job|Task|VRN/.test(entry.text), entry.text)
         }
         // still usable: the next device answers
         show(device(2))
-        verify(!panel.log.get(0).text.match(/failed/))
+        verify(!panel.log.get(0).text.match(/Timeout/))
+    }
+
+    // Several devices of one kind: the field touched goes to every one of
+    // them through the group worker; other fields stay as they are.
+    function test_writesWhatSeveralHaveInCommon() {
+        var sel = devices.selection
+        sel.setItems(ObjectFactory.TypeColumn, 2)
+        verify(sel.rowCount >= 2)
+        var first = sel.data(0)
+        panel.selection = sel
+        panel.commonType = 2
+        panel.selectedCount = sel.rowCount
+        panel.uuid = first
+        tryCompare(jobs, "running", 0, 3000)
+        var groups = findChild(panel, "groupsEdit")
+        groups.text = "ABC, 12"
+        panel.touch("groups")
+        compare(JSON.stringify(panel.pendingJobs.map(function(j) { return j[0] })), "[\"SetGroupsJob\"]")
+        compare(panel.writePending(), 1)
+        tryVerify(function() { return panel.log.count > 0 && !panel.log.get(0).running }, 5000)
+        compare(panel.log.get(0).text, "Write groups: " + sel.rowCount + " done, 0 failed")
+        for (var i = 0; i < sel.rowCount; ++i) {
+            var shared = ObjectFactory.objectQml(testCase, sel.data(i))
+            compare(JSON.stringify(simulator.groups(shared.data.address & 0xFFFFFF)), JSON.stringify([0xABC, 0x12]))
+            shared.destroy()
+        }
+        // The registry knows the new group: it filters the list and selects.
+        var motors = sel.rowCount
+        verify(devices.knownGroups().indexOf(0xABC) >= 0, JSON.stringify(devices.knownGroups()))
+        sel.clear()
+        sel.addGroup(0xABC)
+        compare(sel.rowCount, motors)
+        compare(sel.selectedType, 2)
+        devices.groupFilter = 0xABC
+        compare(devices.rowCount(), motors)
+        devices.groupFilter = -1
+        panel.selection = null
+        sel.clear()
     }
 }

@@ -1,0 +1,6 @@
+#include "libraryversion.h"
+
+QString VRNConfigTool::libraryVersion()
+{
+    return QStringLiteral(VRN_LIBRARY_VERSION);
+}

@@ -1,0 +1,8 @@
+#include "getserialnumberjob.h"
+
+GetSerialNumberJob::GetSerialNumberJob(QObject* parent)
+    : QmlJob(parent)
+{
+}
+
+GetSerialNumberJob::~GetSerialNumberJob() = default;

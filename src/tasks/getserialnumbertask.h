@@ -1,0 +1,22 @@
+#ifndef GETSERIALNUMBERTASK_H
+#define GETSERIALNUMBERTASK_H
+
+#include "readtask.h"
+
+/// Reads the node's serial number into the proxy record; seeds the local one.
+class GetSerialNumberTask : public ReadTask<StdConfigData>
+{
+    Q_OBJECT
+
+public:
+    GetSerialNumberTask(Worker& worker, QObject* object, const Job& job, QObject* parent = nullptr);
+
+protected:
+    BusPendingCall request(DTSStdProxy& node) override;
+    bool parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy) override;
+    bool isKnown(const StdConfigData& record) const override;
+    void seed(const StdConfigData& from, StdConfigData& to) const override;
+    quint8 expectedReply() const override;
+};
+
+#endif // GETSERIALNUMBERTASK_H
