@@ -39,7 +39,7 @@ void BusPrivate::pump()
         q->stampRequest(call->request);
         currentNode = call->broadcast ? -1 : q->nodeOf(call->request, true);
         if (currentNode >= 0)
-            health->recordRequest(currentNode, q->nodeName(currentNode));
+            health->recordRequest(currentNode);
         if (!writeCurrent())
             finishCurrent(BusPendingCall::WriteError);
     }
@@ -61,7 +61,7 @@ void BusPrivate::countUnmatched(const BusMessage& frame)
     ++unmatched;
     const qint64 node = q->nodeOf(frame, false);
     if (node >= 0)
-        health->recordInvalid(node, q->nodeName(node));
+        health->recordInvalid(node);
     // A hostile or confused sender may flood the line: one line a second at most.
     if (!unmatchedLog->isActive()) {
         logUnmatched();
@@ -104,7 +104,7 @@ void BusPrivate::frameReceived(const BusMessage& frame)
         answeredReply = frame;
         answeredClock.start();
         if (currentNode >= 0)
-            health->recordReply(currentNode, q->nodeName(currentNode), int(windowClock.elapsed()));
+            health->recordReply(currentNode, int(windowClock.elapsed()));
         finishCurrent(BusPendingCall::NoError);
     }
     else if (broadcastQuietTime > 0)
@@ -128,13 +128,13 @@ void BusPrivate::onTimer()
         ++current->retransmissions;
         ++retransmissions;
         if (currentNode >= 0)
-            health->recordRetransmission(currentNode, q->nodeName(currentNode));
+            health->recordRetransmission(currentNode);
         if (!writeCurrent())
             finishCurrent(BusPendingCall::WriteError);
         return;
     }
     if (currentNode >= 0)
-        health->recordTimeout(currentNode, q->nodeName(currentNode));
+        health->recordTimeout(currentNode);
     finishCurrent(BusPendingCall::TimeoutError);
 }
 
@@ -192,6 +192,7 @@ Bus::Bus(BusPrivate& dd, QObject* parent)
     d->unmatchedLog->setInterval(1000);
     connect(d->unmatchedLog, &QTimer::timeout, this, [d] { d->logUnmatched(); });
     d->health = new BusHealthModel(this);
+    d->health->setNodeNames([this](qint64 node) { return nodeName(node); });
 }
 
 Bus::~Bus()
