@@ -47,7 +47,7 @@ void TstVrnConfigLine::hostileNode_data()
 {
     QTest::addColumn<QString>("mode");
     QTest::addColumn<int>("port");
-    int port = 47731;
+    int port = 47831;
     for (const char* mode : {"broadcast", "acks", "slots", "random"})
         QTest::newRow(mode) << QString::fromLatin1(mode) << port++;
 }
@@ -61,14 +61,14 @@ void TstVrnConfigLine::hostileNode()
     const QStringList hostile{QStringLiteral("--hostile"), mode};
     // The registry knows node 0x106 from a network where it answered.
     QProcess before;
-    const QString beforeBus = CliFixture::startSim(before, QStringLiteral("239.255.77.31:%1").arg(port + 10),
+    const QString beforeBus = CliFixture::startSim(before, QStringLiteral("239.255.78.31:%1").arg(port + 10),
                                                    {QStringLiteral("--devices"), QStringLiteral("std:2,motor:5")});
     QCOMPARE(CliFixture::run(home, {QStringLiteral("--db"), db, QStringLiteral("--bus"), beforeBus, QStringLiteral("discover")}).code, 0);
     CliFixture::stopSim(before);
 
     QProcess sim;
     const QStringList devices{QStringLiteral("--devices"), QStringLiteral("std:2,motor:4")};
-    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.77.31:%1").arg(port), devices + hostile);
+    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.31:%1").arg(port), devices + hostile);
     QVERIFY(!bus.isEmpty());
     auto run = [&](const QString& line) {
         return CliFixture::run(home, QStringList{QStringLiteral("--db"), db, QStringLiteral("--bus"), bus} + line.split(' '));
@@ -121,7 +121,7 @@ void TstVrnConfigLine::hostileNode()
         for (int withHostile = 0; withHostile < 2; ++withHostile) {
             QTemporaryDir fresh;
             QProcess net;
-            const QString netBus = CliFixture::startSim(net, QStringLiteral("239.255.77.31:%1").arg(port + 20 + withHostile),
+            const QString netBus = CliFixture::startSim(net, QStringLiteral("239.255.78.31:%1").arg(port + 20 + withHostile),
                                                         devices + (withHostile ? hostile : QStringList()));
             QCOMPARE(CliFixture::run(fresh, {QStringLiteral("--bus"), netBus, QStringLiteral("discover")}).code, 0);
             CliFixture::stopSim(net);
@@ -138,7 +138,7 @@ void TstVrnConfigLine::lossyLine()
 {
     QTemporaryDir home;
     QProcess sim;
-    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.77.32:47740"),
+    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.32:47840"),
                                              {QStringLiteral("--devices"), QStringLiteral("motor:40"), QStringLiteral("--loss"),
                                               QStringLiteral("0.1"), QStringLiteral("--latency"), QStringLiteral("20")});
     QVERIFY(!bus.isEmpty());
@@ -153,7 +153,7 @@ void TstVrnConfigLine::lossyLine()
     CliFixture::stopSim(sim);
 
     QProcess lossier;
-    const QString lossyBus = CliFixture::startSim(lossier, QStringLiteral("239.255.77.32:47741"),
+    const QString lossyBus = CliFixture::startSim(lossier, QStringLiteral("239.255.78.32:47841"),
                                                   {QStringLiteral("--devices"), QStringLiteral("motor:1"), QStringLiteral("--loss"),
                                                    QStringLiteral("0.2"), QStringLiteral("--time-scale"), QStringLiteral("100")});
     QVERIFY(!lossyBus.isEmpty());
@@ -176,7 +176,7 @@ void TstVrnConfigLine::deviceTextIsEscaped()
 {
     QTemporaryDir home;
     QProcess sim;
-    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.77.33:47750"),
+    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.33:47850"),
                                              {QStringLiteral("--devices"), QStringLiteral("std:1")});
     QVERIFY(!bus.isEmpty());
     const QString red = QStringLiteral("\x1b[31mred\x07");
@@ -189,7 +189,7 @@ void TstVrnConfigLine::deviceTextIsEscaped()
     QVERIFY(socket.bind(QHostAddress(QHostAddress::LocalHost), 0));
     socket.setSocketOption(QAbstractSocket::MulticastTtlOption, 0);
     socket.setMulticastInterface(QNetworkInterface::interfaceFromName(QStringLiteral("lo")));
-    QCOMPARE(socket.writeDatagram(write.data(), QHostAddress(QStringLiteral("239.255.77.33")), 47750), qint64(write.data().size()));
+    QCOMPARE(socket.writeDatagram(write.data(), QHostAddress(QStringLiteral("239.255.78.33")), 47850), qint64(write.data().size()));
     QTest::qWait(200);
     QCOMPARE(CliFixture::run(home, base + QStringList{QStringLiteral("discover")}).code, 0);
     for (const char* command : {"get label node:0x100", "list"}) {
