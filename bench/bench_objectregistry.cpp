@@ -107,7 +107,7 @@ Figures measure(int size, const std::function<QAbstractItemModel*()>& open,
     return f;
 }
 
-// The other process: writes a label every few milliseconds ("write") or
+// The other process: writes a label every 20 ms ("write") or
 // reads a page ("read") until it is stopped or a minute has passed.
 int other(const QString& mode, const QString& file)
 {
@@ -123,7 +123,8 @@ int other(const QString& mode, const QString& file)
     while (clock.elapsed() < 60000) {
         if (mode == QLatin1String("write")) {
             q.exec(QStringLiteral("UPDATE Devices SET label = 'written %1' WHERE uuid = %2").arg(clock.elapsed()).arg(random.bounded(1, 100000)));
-            QThread::msleep(5);
+            // About the pace of a tool writing what the devices answer.
+            QThread::msleep(20);
         } else {
             q.exec(QStringLiteral("SELECT * FROM Devices ORDER BY nodeID LIMIT 100 OFFSET %1").arg(random.bounded(90000)));
             while (q.next()) {

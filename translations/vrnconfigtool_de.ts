@@ -107,6 +107,10 @@
         <source>done</source>
         <translation>erledigt</translation>
     </message>
+    <message>
+        <source>%1 on %2 devices?</source>
+        <translation>%1 auf %2 Geräten?</translation>
+    </message>
 </context>
 <context>
     <name>ConnectionView</name>
@@ -213,6 +217,46 @@
     <message>
         <source>%1 found: %2 new, %3 already known, %4 missing</source>
         <translation>%1 gefunden: %2 neu, %3 schon bekannt, %4 fehlen</translation>
+    </message>
+    <message>
+        <source>Add device</source>
+        <translation>Gerät hinzufügen</translation>
+    </message>
+    <message>
+        <source>Node number</source>
+        <translation>Knotennummer</translation>
+    </message>
+    <message>
+        <source>standard node</source>
+        <translation>Standardknoten</translation>
+    </message>
+    <message>
+        <source>motor</source>
+        <translation>Motor</translation>
+    </message>
+    <message>
+        <source>DC motor</source>
+        <translation>Gleichstrommotor</translation>
+    </message>
+    <message>
+        <source>setting tool</source>
+        <translation>Einstellwerkzeug</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Not a node number: %1</source>
+        <translation>Keine Knotennummer: %1</translation>
+    </message>
+    <message>
+        <source>Node %1 of that kind is listed already</source>
+        <translation>Knoten %1 dieser Art ist schon verzeichnet</translation>
+    </message>
+    <message>
+        <source>Added node %1</source>
+        <translation>Knoten %1 hinzugefügt</translation>
     </message>
 </context>
 <context>
@@ -818,6 +862,10 @@
         <source>Select devices in the device list, then read their counters.</source>
         <translation>Wählen Sie Geräte in der Geräteliste und lesen Sie dann ihre Zähler.</translation>
     </message>
+    <message>
+        <source>Reset the %1 of %2 devices?</source>
+        <translation>%1 von %2 Geräten zurücksetzen?</translation>
+    </message>
 </context>
 <context>
     <name>FieldRow</name>
@@ -1367,6 +1415,25 @@
     <message>
         <source>vrnconfigtool: unexpected argument %1</source>
         <translation>vrnconfigtool: unerwartetes Argument %1</translation>
+    </message>
+    <message>
+        <source>Registry: %1%2</source>
+        <translation>Geräteverzeichnis: %1%2</translation>
+    </message>
+    <message>
+        <source> (read-only)</source>
+        <translation> (nur lesbar)</translation>
+    </message>
+    <message>
+        <source>Registry: in memory</source>
+        <translation>Geräteverzeichnis: im Speicher</translation>
+    </message>
+</context>
+<context>
+    <name>AskFirst</name>
+    <message>
+        <source>Please confirm</source>
+        <translation>Bitte bestätigen</translation>
     </message>
 </context>
 </TS>

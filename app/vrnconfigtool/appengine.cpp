@@ -30,9 +30,13 @@ void AppEngine::followBus()
     // then, and none can reach the device of the same number on the new one.
     BusFactory* buses = BusFactory::instance();
     ObjectFactory* registry = ObjectFactory::instance();
+    // Once per registry, however often the window starts.
+    if (registry->property("vrnFollowsBus").toBool())
+        return;
+    registry->setProperty("vrnFollowsBus", true);
     QObject::connect(buses, &BusFactory::busChanged, registry, [buses, registry](VRNBus* bus) {
         registry->switchRegistry(bus ? ObjectFactory::registryFile(buses->busUUID()) : QStringLiteral(":memory:"));
-    }, Qt::UniqueConnection);
+    });
 }
 
 #include <cstdio>

@@ -1,5 +1,7 @@
 #include "changelog.h"
 
+#include "objectfactory.h"
+
 #include <QCoreApplication>
 #include <QDebug>
 #include <QJsonArray>
@@ -41,7 +43,7 @@ QJsonObject ChangeLog::Entry::toJson() const
 
 bool ChangeLog::append(const Entry& entry)
 {
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return false;
     QSqlQuery query(db);
@@ -64,7 +66,7 @@ bool ChangeLog::append(const Entry& entry)
 QList<ChangeLog::Entry> ChangeLog::entries(const QList<quint32>& uuids, const QDateTime& since)
 {
     QList<Entry> result;
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return result;
     QSqlQuery query(db);

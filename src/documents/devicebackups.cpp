@@ -1,5 +1,7 @@
 #include "devicebackups.h"
 
+#include "objectfactory.h"
+
 #include "networkdocument.h"
 
 #include <QDebug>
@@ -24,7 +26,7 @@ bool ensureTable(QSqlDatabase& db)
 
 bool DeviceBackups::store(const NetworkDocument& document)
 {
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return false;
     db.transaction();
@@ -45,7 +47,7 @@ bool DeviceBackups::store(const NetworkDocument& document)
 
 QJsonObject DeviceBackups::last(quint32 uuid)
 {
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return {};
     QSqlQuery query(db);
@@ -58,7 +60,7 @@ QJsonObject DeviceBackups::last(quint32 uuid)
 
 quint32 DeviceBackups::findSerial(const QString& serial)
 {
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     if (serial.isEmpty() || !db.isOpen() || !ensureTable(db))
         return 0;
     QSqlQuery query(db);

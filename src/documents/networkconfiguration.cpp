@@ -5,7 +5,7 @@
 #include "changerecorder.h"
 #include "devicebackups.h"
 #include "jsonschemavalidator.h"
-#include "readserialjob.h"
+#include "getserialnumberjob.h"
 
 #include "getdirectionjob.h"
 #include "getendlimitsjob.h"
@@ -67,7 +67,7 @@ Make maker()
 const QList<ReadSection>& readSections()
 {
     static const QList<ReadSection> sections{
-        {"serialNumber", StdLevel, maker<ReadSerialJob>()},
+        {"serialNumber", StdLevel, maker<GetSerialNumberJob>()},
         {"label", StdLevel, maker<GetLabelJob>()},
         {"groups", StdLevel, maker<GetGroupsJob>()},
         {"firmwareVersion", StdLevel, maker<GetFwVersionJob>()},
@@ -725,7 +725,7 @@ bool NetworkConfiguration::matchDevices(const NetworkDocument& document, QList<q
 {
     uuids.clear();
     QMultiHash<quint32, QPair<quint32, int>> byNode;
-    QSqlQuery query(QSqlDatabase::database());
+    QSqlQuery query(ObjectFactory::instance()->database());
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("SELECT uuid, nodeID, type FROM Devices"))) {
         error = tr("the registry cannot be read: %1").arg(query.lastError().text());
@@ -764,7 +764,7 @@ quint32 NetworkConfiguration::findDevice(const QString& nodeOrSerial)
     bool isNumber = false;
     const quint32 node = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? text.mid(2).toUInt(&isNumber, 16)
                                                                                    : text.toUInt(&isNumber, 10);
-    QSqlQuery query(QSqlDatabase::database());
+    QSqlQuery query(ObjectFactory::instance()->database());
     if (isNumber && node <= 0xFFFFFF) {
         query.prepare(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID = ?"));
         query.addBindValue(node);
@@ -784,7 +784,7 @@ quint32 NetworkConfiguration::findDevice(const QString& nodeOrSerial)
 
 bool NetworkConfiguration::takeOver(quint32 from, quint32 to, QString& error)
 {
-    QSqlDatabase db = QSqlDatabase::database();
+    QSqlDatabase db = ObjectFactory::instance()->database();
     QSqlQuery query(db);
     query.prepare(QStringLiteral("SELECT nodeID, type, serialNumber FROM Devices WHERE uuid = ?"));
     query.addBindValue(to);

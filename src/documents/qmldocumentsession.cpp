@@ -55,7 +55,7 @@ public:
     static QList<quint32> registryDevices()
     {
         QList<quint32> uuids;
-        QSqlQuery query(QSqlDatabase::database());
+        QSqlQuery query(ObjectFactory::instance()->database());
         if (query.exec(QStringLiteral("SELECT uuid FROM Devices ORDER BY uuid")))
             while (query.next())
                 uuids << query.value(0).toUInt();

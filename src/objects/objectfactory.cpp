@@ -782,9 +782,11 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
         query.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
         // Another tool's every write empties this connection's page cache;
         // pages read through a memory map come from the system's cache
-        // instead, so the list stays as quick as one held in memory.
+        // instead.
         query.exec(QStringLiteral("PRAGMA mmap_size=268435456"));
-        query.exec(QStringLiteral("PRAGMA cache_size=-16384"));
+        // The list views and selections are temporary tables of the
+        // connection: kept in memory, as with a registry held in memory.
+        query.exec(QStringLiteral("PRAGMA temp_store=MEMORY"));
         QStringList tables;
         if (why.isEmpty()) {
             if (query.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))

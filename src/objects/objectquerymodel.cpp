@@ -817,6 +817,9 @@ void ObjectQueryModel::onRegistryChanged()
     const ObjectFactory::DevicesTableColumn column = d_ptr->sortColumn;
     const Qt::SortOrder order = d_ptr->sortOrder;
     ObjectSelectionModel* selection = d_ptr->selection;
+    const QString search = d_ptr->search;
+    const quint32 kinds = d_ptr->kinds;
+    const int group = d_ptr->group;
     d_ptr.reset(new ObjectQueryModelPrivate(this, ObjectFactory::instance()->database()));
     d_ptr->sortColumn = column;
     d_ptr->sortOrder = order;
@@ -825,4 +828,10 @@ void ObjectQueryModel::onRegistryChanged()
     endResetModel();
     if (selection)
         selection->setDatabase(d_ptr->db, d_ptr->viewName);
+    // The filter stays what the user set; its tables live in the new connection.
+    d_ptr->search = search;
+    d_ptr->kinds = kinds;
+    d_ptr->group = group;
+    if (d_ptr->filtered())
+        d_ptr->applyFilter();
 }

@@ -14,7 +14,6 @@
 #include "simnetwork.h"
 #include "vrnloopbackbus.h"
 
-#include <QDir>
 #include <QFile>
 #include <QPointer>
 #include <QStandardPaths>
@@ -28,8 +27,6 @@ inline void redirectUserFolders(const QTemporaryDir& home)
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + QStringLiteral("/config")));
     qputenv("XDG_DATA_HOME", QFile::encodeName(home.path() + QStringLiteral("/data")));
     QStandardPaths::setTestModeEnabled(true);
-    // Registries of earlier runs: test mode keeps them in a folder of its own.
-    QDir(ObjectFactory::registryFolder()).removeRecursively();
 }
 
 /// Ends the process-wide singletons, once the engine that used them is gone.
@@ -56,6 +53,10 @@ public:
         net.addDevices(devices);
         net.attach(bus);
         bus->open();
+        // A registry of its own, not one an earlier run left (test mode keeps
+        // registries in a folder of its own, shared by the test programs).
+        for (const char* suffix : {"", "-wal", "-shm"})
+            QFile::remove(ObjectFactory::registryFile(uuid) + QLatin1String(suffix));
         TaskFixture::installBus(bus, uuid);
     }
 

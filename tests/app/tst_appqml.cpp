@@ -65,7 +65,7 @@ public:
     /// goes with its bus), as the user opening another bus does.
     Q_INVOKABLE void openOtherBus(const QString& devices)
     {
-        m_other.reset(new AppFixture::Network(devices, 20, QStringLiteral("loopback-other")));
+        m_other.reset(new AppFixture::Network(devices, 20, QStringLiteral("loopback-qml-other")));
     }
 
 public slots:

@@ -102,7 +102,7 @@ void tst_AppScreens::initTestCase()
     QVERIFY(!written.contains("a trace"));
 
     m_network.reset(new AppFixture::Network(
-        QStringLiteral("std:5,motor:5,dcmotor:5,lru50:4,tx50dc:4,tx30:4,settingtool:2"), 20));
+        QStringLiteral("std:5,motor:5,dcmotor:5,lru50:4,tx50dc:4,tx30:4,settingtool:2"), 20, QStringLiteral("loopback-screens")));
     // A standard node on a motor's number: two devices, one node number.
     m_network->net.addNode(SimNode::Std, m_network->net.nodes().at(5)->number());
     QCOMPARE(m_network->net.nodes().size(), 30);

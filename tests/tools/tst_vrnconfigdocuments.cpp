@@ -46,7 +46,7 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         // Nodes 0x100.. in this order: std, motor, motor, dcmotor, lru50, tx50dc, tx30, settingtool.
-        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.77.21:47721"),
+        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.78.21:47821"),
                                                  {QStringLiteral("--devices"),
                                                   QStringLiteral("std:1,motor:2,dcmotor:1,lru50:1,tx50dc:1,tx30:1,settingtool:1"),
                                                   QStringLiteral("--time-scale"), QStringLiteral("10")});

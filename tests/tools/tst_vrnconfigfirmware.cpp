@@ -120,7 +120,7 @@ private slots:
 
     void powerLossThenRecover()
     {
-        Result r = run(QStringLiteral("firmware update node:0x100 node:0x102"));
+        Result r = run(QStringLiteral("--yes firmware update node:0x100 node:0x102"));
         QCOMPARE(r.code, 1);
         for (const char* node : {"0x000100", "0x000102"}) {
             const QByteArray hint = QByteArray("device waits in its bootloader: run `vrnconfig firmware recover node:") + node + '`';
@@ -138,7 +138,7 @@ private slots:
         }
         QCOMPARE(waiting, (QStringList{QStringLiteral("0x000100"), QStringLiteral("0x000102")}));
 
-        r = run(QStringLiteral("firmware recover node:0x100 node:0x102 --json"));
+        r = run(QStringLiteral("--yes firmware recover node:0x100 node:0x102 --json"));
         QVERIFY2(r.code == 0, r.out.constData());
         for (const QJsonValue& v : QJsonDocument::fromJson(r.out).object().value(QStringLiteral("results")).toArray()) {
             QCOMPARE(v.toObject().value(QStringLiteral("version")).toString(), QStringLiteral("7.0.0"));
@@ -148,7 +148,7 @@ private slots:
         QCOMPARE(firstResult(r.out).value(QStringLiteral("status")).toString(), QStringLiteral("upToDate"));
 
         // Up to date: nothing is sent again, unless forced.
-        r = run(QStringLiteral("firmware update node:0x100 node:0x102"));
+        r = run(QStringLiteral("--yes firmware update node:0x100 node:0x102"));
         QCOMPARE(r.code, 0);
         QVERIFY2(r.out.contains("report: 0 updated, 2 skipped, 0 failed, 0 recovered"), r.out.constData());
         QVERIFY2(r.out.contains("skipped: already runs 7.0.0"), r.out.constData());

@@ -197,6 +197,30 @@ private slots:
         QCOMPARE(rows(r).size(), 20);
     }
 
+    // Answers later than a round waits arrive in the next round beside the
+    // answers to it: the same devices, not two on each number.
+    void lateAnswersAreNoDuplicates()
+    {
+        QProcess sim;
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.25:47725"),
+                                     {QStringLiteral("--devices"), QStringLiteral("std:4"), QStringLiteral("--latency"), QStringLiteral("400")});
+        QVERIFY(!bus.isEmpty());
+        QProcess tool;
+        // The default timeout (500 ms), not the fixture's.
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
+        tool.setProcessEnvironment(env);
+        tool.start(qEnvironmentVariable("VRNCONFIG"), {QStringLiteral("--json"), QStringLiteral("--db"), m_home.filePath(QStringLiteral("late.sqlite")),
+                                                       QStringLiteral("--bus"), bus, QStringLiteral("discover")});
+        const Result r = finished(tool);
+        stopSim(sim);
+        QCOMPARE(r.code, 0);
+        const QJsonObject summary = r.doc().value(QStringLiteral("summary")).toObject();
+        QCOMPARE(summary.value(QStringLiteral("found")).toInt(), 4);
+        QCOMPARE(summary.value(QStringLiteral("duplicates")).toArray().size(), 0);
+    }
+
     // A mistyped or unopenable bus leaves no registry file; a read-only one
     // lists but refuses changes; a damaged one is refused before use.
     void filesLeftAndRefused()

@@ -61,6 +61,9 @@ bool labelFits(const QString& label, QString& why)
 bool storeLabel(DeviceRun& run, QString& error, bool read = false)
 {
     ObjectFactory* registry = ObjectFactory::instance();
+    // A read-only registry serves reads: what the device said is shown, not kept.
+    if (read && registry->isReadOnly())
+        return true;
     if (read ? registry->storeLabelRead(run.object.data()) : registry->save(run.object.data()))
         return true;
     error = registry->lastError().isEmpty() ? Cli::tr("the registry did not store the label")

@@ -27,8 +27,8 @@ TestCase {
         verify(held !== null)
 
         simulator.openOtherBus("motor:2")
-        compare(BusFactory.busUUID, "loopback-other")
-        verify(ObjectFactory.registryPath.indexOf("devices-loopback-other.sqlite") > 0, ObjectFactory.registryPath)
+        compare(BusFactory.busUUID, "loopback-qml-other")
+        verify(ObjectFactory.registryPath.indexOf("devices-loopback-qml-other.sqlite") > 0, ObjectFactory.registryPath)
         compare(devices.rowCount(), 0)
         compare(devices.selection.rowCount, 0)
         // A job queued on a worker of the old bus reaches no device of the new one.
