@@ -76,7 +76,12 @@ void TstVrnConfigLine::hostileNode()
     QCOMPARE(run(QStringLiteral("discover")).code, 0);
     Result r = run(QStringLiteral("--json list"));
     const QJsonArray rows = QJsonDocument::fromJson(r.out).array();
-    QCOMPARE(rows.size(), 7);
+    // A random frame may answer discovery from an address a device could
+    // have: nothing tells it apart. Never one from a reserved address.
+    if (mode == QLatin1String("random"))
+        QVERIFY(rows.size() >= 7);
+    else
+        QCOMPARE(rows.size(), 7);
     for (const QJsonValue& row : rows)
         QVERIFY2(!reservedNumber(qint64(row.toObject().value(QStringLiteral("nodeID")).toDouble())), r.out.constData());
 
