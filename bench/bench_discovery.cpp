@@ -38,7 +38,7 @@ void spin(const bool& done)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-int runCase(int nodes, int baud, bool readLabels)
+int runCase(int nodes, int baud, bool readLabels, bool hostile)
 {
     QStandardPaths::setTestModeEnabled(true);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
@@ -53,6 +53,9 @@ int runCase(int nodes, int baud, bool readLabels)
                      QStringLiteral("--seed"), QStringLiteral("11")};
     if (baud)
         args << QStringLiteral("--baud") << QString::number(baud);
+    // A node that answers every round 40 times from reserved addresses.
+    if (hostile)
+        args << QStringLiteral("--hostile") << QStringLiteral("broadcast");
     QProcess sim;
     sim.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vrnsim"), args);
     if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(10000)) {
@@ -87,8 +90,9 @@ int runCase(int nodes, int baud, bool readLabels)
     const double seconds = wall.nsecsElapsed() / 1e9;
     const double cpu = cpuSeconds() - cpu0;
     const QList<unsigned int> found = discover.result().value<QList<unsigned int>>();
-    std::printf("discovery %5d nodes%s: %5d found, %8.2f s, %7llu frames, library CPU %7.3f s (%.0f us/frame)%s\n",
-                nodes, baud ? qPrintable(QStringLiteral(" @%1 Bd").arg(baud)) : "", int(found.size()), seconds,
+    std::printf("discovery %5d nodes%s%s: %5d found, %8.2f s, %7llu frames, library CPU %7.3f s (%.0f us/frame)%s\n",
+                nodes, baud ? qPrintable(QStringLiteral(" @%1 Bd").arg(baud)) : "",
+                hostile ? ", 40 forged answers a round" : ", 0 forged answers", int(found.size()), seconds,
                 (unsigned long long)frames, cpu, frames ? cpu * 1e6 / double(frames) : 0.0,
                 discover.error() ? qPrintable(QStringLiteral(" (") + discover.errorString() + QStringLiteral(")")) : "");
 
@@ -143,9 +147,11 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     if (argc > 1)
-        return runCase(atoi(argv[1]), argc > 2 ? atoi(argv[2]) : 0, argc > 3);
+        return runCase(atoi(argv[1]), argc > 2 ? atoi(argv[2]) : 0, argc > 3 && !qstrcmp(argv[3], "labels"),
+                       argc > 3 && !qstrcmp(argv[3], "hostile"));
     // Each case in a process of its own: a fresh registry, bus and factory.
     const QList<QStringList> cases{{QStringLiteral("100")},
+                                   {QStringLiteral("100"), QStringLiteral("0"), QStringLiteral("hostile")},
                                    {QStringLiteral("100"), QStringLiteral("4800")},
                                    {QStringLiteral("1000"), QStringLiteral("0"), QStringLiteral("labels")},
                                    {QStringLiteral("5000")}};

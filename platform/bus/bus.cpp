@@ -39,7 +39,7 @@ void BusPrivate::pump()
         q->stampRequest(call->request);
         currentNode = call->broadcast ? -1 : q->nodeOf(call->request, true);
         if (currentNode >= 0)
-            health->recordRequest(currentNode, q->nodeName(currentNode));
+            health->recordRequest(currentNode);
         if (!writeCurrent())
             finishCurrent(BusPendingCall::WriteError);
     }
@@ -61,7 +61,7 @@ void BusPrivate::countUnmatched(const BusMessage& frame)
     ++unmatched;
     const qint64 node = q->nodeOf(frame, false);
     if (node >= 0)
-        health->recordInvalid(node, q->nodeName(node));
+        health->recordInvalid(node);
     // A hostile or confused sender may flood the line: one line a second at most.
     if (!unmatchedLog->isActive()) {
         logUnmatched();
@@ -86,14 +86,25 @@ void BusPrivate::frameReceived(const BusMessage& frame)
     emit q->messageReceived(frame);
     // A slot of messageReceived may have closed the bus or cancelled the call.
     if (!current || !q->isReplyTo(current->request, frame)) {
-        if (open)
-            countUnmatched(frame);
+        if (!open)
+            return;
+        if (answeredClock.isValid() && answeredClock.elapsed() < timeout && frame != answeredReply
+            && q->isReplyTo(answeredRequest, frame)) {
+            // Two answers to one request: one of them is not the node's.
+            qWarning().noquote() << logPrefix() << "node" << q->nodeName(q->nodeOf(frame, false))
+                                 << "gave one request two different answers:" << answeredReply.data().toHex(' ')
+                                 << "and" << frame.data().toHex(' ');
+        }
+        countUnmatched(frame);
         return;
     }
     current->replies.append(frame);
     if (!current->broadcast) {
+        answeredRequest = current->request;
+        answeredReply = frame;
+        answeredClock.start();
         if (currentNode >= 0)
-            health->recordReply(currentNode, q->nodeName(currentNode), int(windowClock.elapsed()));
+            health->recordReply(currentNode, int(windowClock.elapsed()));
         finishCurrent(BusPendingCall::NoError);
     }
     else if (broadcastQuietTime > 0)
@@ -117,13 +128,13 @@ void BusPrivate::onTimer()
         ++current->retransmissions;
         ++retransmissions;
         if (currentNode >= 0)
-            health->recordRetransmission(currentNode, q->nodeName(currentNode));
+            health->recordRetransmission(currentNode);
         if (!writeCurrent())
             finishCurrent(BusPendingCall::WriteError);
         return;
     }
     if (currentNode >= 0)
-        health->recordTimeout(currentNode, q->nodeName(currentNode));
+        health->recordTimeout(currentNode);
     finishCurrent(BusPendingCall::TimeoutError);
 }
 
@@ -134,6 +145,8 @@ void BusPrivate::finishCurrent(BusPendingCall::Error code, const QString& text)
     timer->stop();
     const CallPtr call = current;
     current.reset();
+    if (!call->broadcast)
+        q_ptr->requestEnded(call->request, code == BusPendingCall::NoError);
     call->finish(code, text);
     if (!queue.isEmpty())
         schedulePump();
@@ -179,6 +192,7 @@ Bus::Bus(BusPrivate& dd, QObject* parent)
     d->unmatchedLog->setInterval(1000);
     connect(d->unmatchedLog, &QTimer::timeout, this, [d] { d->logUnmatched(); });
     d->health = new BusHealthModel(this);
+    d->health->setNodeNames([this](qint64 node) { return nodeName(node); });
 }
 
 Bus::~Bus()
@@ -227,6 +241,7 @@ BusHealthModel* Bus::health() const { return d_func()->health; }
 
 QString Bus::refusal(const BusMessage&) const { return QString(); }
 void Bus::stampRequest(BusMessage&) {}
+void Bus::requestEnded(const BusMessage&, bool) {}
 qint64 Bus::nodeOf(const BusMessage&, bool) const { return -1; }
 QString Bus::nodeName(qint64 node) const { return QString::number(node); }
 

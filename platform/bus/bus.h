@@ -98,6 +98,9 @@ protected:
     /// Gives a request its final bytes, once, before it first goes on the
     /// wire; repeats send the same bytes.
     virtual void stampRequest(BusMessage& request);
+    /// A request on the wire has ended, answered or not (timeout, write
+    /// failure, cancelled, bus gone).
+    virtual void requestEnded(const BusMessage& request, bool answered);
     /// The node a unicast request goes to or a frame comes from, for the
     /// health figures; -1 when none.
     virtual qint64 nodeOf(const BusMessage& frame, bool request) const;

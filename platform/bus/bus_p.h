@@ -58,6 +58,11 @@ public:
     quint64 retransmissions = 0;
     QTimer* unmatchedLog = nullptr;
     BusHealthModel* health = nullptr;
+    /// The last unicast call answered, for a while after: a second,
+    /// different answer to it is reported.
+    BusMessage answeredRequest;
+    BusMessage answeredReply;
+    QElapsedTimer answeredClock;
     QElapsedTimer windowClock;
     bool open = false;
     bool pumpScheduled = false;

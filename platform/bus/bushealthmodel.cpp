@@ -1,8 +1,8 @@
 #include "bushealthmodel.h"
-#include "busevents_p.h"
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QTimer>
 #include <QVector>
 
 #include <algorithm>
@@ -90,8 +90,7 @@ bool lessBy(int column, const Row& a, const Row& b)
 class BusHealthModelPrivate
 {
 public:
-    Row& row(qint64 node, const QString& name);
-    void schedule();
+    Row& row(qint64 node);
 
     BusHealthModel* q = nullptr;
     QVector<Row> rows;
@@ -100,13 +99,15 @@ public:
     QHash<qint64, int> freshByNode;
     int sortColumn = BusHealthModel::ScoreColumn;
     Qt::SortOrder sortOrder = Qt::DescendingOrder;
-    bool flushPending = false;
+    QTimer update;
+    std::function<QString(qint64)> name = [](qint64 node) { return QString::number(node); };
     bool dirty = false;
 };
 
-Row& BusHealthModelPrivate::row(qint64 node, const QString& name)
+Row& BusHealthModelPrivate::row(qint64 node)
 {
-    schedule();
+    if (!update.isActive())
+        update.start();
     dirty = true;
     auto it = rowByNode.constFind(node);
     if (it != rowByNode.constEnd()) {
@@ -119,19 +120,17 @@ Row& BusHealthModelPrivate::row(qint64 node, const QString& name)
     freshByNode.insert(node, fresh.size());
     fresh.append(Row());
     fresh.last().node = node;
-    fresh.last().name = name;
+    fresh.last().name = name(node);
     return fresh.last();
-}
-
-void BusHealthModelPrivate::schedule()
-{
-    BusEvents::postOnce(q, &flushPending, [this] { q->flush(); });
 }
 
 BusHealthModel::BusHealthModel(QObject* parent)
     : QAbstractTableModel(parent), d_ptr(new BusHealthModelPrivate)
 {
     d_ptr->q = this;
+    d_ptr->update.setSingleShot(true);
+    d_ptr->update.setInterval(UpdateMs);
+    connect(&d_ptr->update, &QTimer::timeout, this, &BusHealthModel::flush);
 }
 
 BusHealthModel::~BusHealthModel() = default;
@@ -238,31 +237,36 @@ QVariantMap BusHealthModel::get(int row) const
     return map;
 }
 
-void BusHealthModel::recordRequest(qint64 node, const QString& name)
+void BusHealthModel::recordRequest(qint64 node)
 {
-    d_func()->row(node, name).requests++;
+    d_func()->row(node).requests++;
 }
 
-void BusHealthModel::recordReply(qint64 node, const QString& name, int responseMs)
+void BusHealthModel::recordReply(qint64 node, int responseMs)
 {
-    Row& r = d_func()->row(node, name);
+    Row& r = d_func()->row(node);
     r.replies++;
     r.addTime(qMax(0, responseMs));
 }
 
-void BusHealthModel::recordRetransmission(qint64 node, const QString& name)
+void BusHealthModel::recordRetransmission(qint64 node)
 {
-    d_func()->row(node, name).retransmissions++;
+    d_func()->row(node).retransmissions++;
 }
 
-void BusHealthModel::recordTimeout(qint64 node, const QString& name)
+void BusHealthModel::recordTimeout(qint64 node)
 {
-    d_func()->row(node, name).timeouts++;
+    d_func()->row(node).timeouts++;
 }
 
-void BusHealthModel::recordInvalid(qint64 node, const QString& name)
+void BusHealthModel::recordInvalid(qint64 node)
 {
-    d_func()->row(node, name).invalid++;
+    d_func()->row(node).invalid++;
+}
+
+void BusHealthModel::setNodeNames(const std::function<QString(qint64)>& name)
+{
+    d_func()->name = name;
 }
 
 void BusHealthModel::clear()
@@ -275,6 +279,7 @@ void BusHealthModel::clear()
     d->fresh.clear();
     d->freshByNode.clear();
     d->dirty = false;
+    d->update.stop();
     endResetModel();
     if (had)
         emit countChanged();
@@ -283,6 +288,7 @@ void BusHealthModel::clear()
 void BusHealthModel::flush()
 {
     Q_D(BusHealthModel);
+    d->update.stop();
     if (!d->dirty)
         return;
     d->dirty = false;

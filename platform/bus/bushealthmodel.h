@@ -4,6 +4,8 @@
 #include <QAbstractTableModel>
 #include <QScopedPointer>
 
+#include <functional>
+
 class BusHealthModelPrivate;
 
 /// How each node of a bus fares: requests sent to it, replies received,
@@ -12,8 +14,8 @@ class BusHealthModelPrivate;
 ///
 /// One row per node, sorted by `sort()` (by default worst first: the share of
 /// tries that went wrong, then the slowest). Counts arrive as frames pass;
-/// the rows change from the event loop, a batch at a time, so a busy line
-/// costs one update per batch. `Bus::health()` gives the model of a bus,
+/// the rows change from the event loop at most every `UpdateMs`, a batch at a
+/// time, so a busy line costs the library next to nothing per frame. `Bus::health()` gives the model of a bus,
 /// counted while the bus is open; a monitor may keep one of its own and feed
 /// it through the `record...()` functions.
 ///
@@ -51,6 +53,8 @@ public:
     };
     Q_ENUM(Role)
 
+    enum : int { UpdateMs = 250 };
+
     explicit BusHealthModel(QObject* parent = nullptr);
     ~BusHealthModel() override;
 
@@ -66,11 +70,15 @@ public:
     /// One row's figures by role name, for scripts and the command line.
     Q_INVOKABLE QVariantMap get(int row) const;
 
-    void recordRequest(qint64 node, const QString& name);
-    void recordReply(qint64 node, const QString& name, int responseMs);
-    void recordRetransmission(qint64 node, const QString& name);
-    void recordTimeout(qint64 node, const QString& name);
-    void recordInvalid(qint64 node, const QString& name);
+    /// How a node is named in the "node" column; asked once per node. The
+    /// number in decimal by default.
+    void setNodeNames(const std::function<QString(qint64)>& name);
+
+    void recordRequest(qint64 node);
+    void recordReply(qint64 node, int responseMs);
+    void recordRetransmission(qint64 node);
+    void recordTimeout(qint64 node);
+    void recordInvalid(qint64 node);
     /// Forgets every row.
     Q_INVOKABLE void clear();
     /// Applies the counts recorded so far at once, without waiting for the

@@ -112,29 +112,32 @@ NackStatus getNackReply(const VRNMessage& message)
     return NackStatus(quint8(message.payload().at(0)));
 }
 
-bool answers(const VRNMessage& request, const VRNMessage& reply)
+bool answers(quint8 requestCmd, bool toOneNode, int firstByte, const VRNMessage& reply)
 {
-    const VRNCmdInfo info = cmdInfo(request.cmd());
+    const VRNCmdInfo info = cmdInfo(requestCmd);
     if (!info.isRequest() || !reply.isValid())
         return false;
     const QByteArray& payload = reply.payloadRef();
     switch (reply.cmd()) {
     case Nack:
-        return request.dstType() == VRN::AddrNode && payload.size() == 2
-            && quint8(payload.at(1)) == request.cmd();
+        return toOneNode && payload.size() == 2 && quint8(payload.at(1)) == requestCmd;
     case Ack:
-        return info.reply() == Ack && request.dstType() == VRN::AddrNode && payload.size() == 1
-            && quint8(payload.at(0)) == request.cmd();
+        return info.reply() == Ack && toOneNode && payload.size() == 1 && quint8(payload.at(0)) == requestCmd;
     default:
         break;
     }
     if (reply.cmd() != info.reply())
         return false;
-    if (request.cmd() == GetGroupAddr || request.cmd() == GetMotorIP) {
-        const QByteArray& asked = request.payloadRef();
-        return !asked.isEmpty() && !payload.isEmpty() && asked.at(0) == payload.at(0);
-    }
+    if (requestCmd == GetGroupAddr || requestCmd == GetMotorIP)
+        return firstByte >= 0 && !payload.isEmpty() && quint8(payload.at(0)) == firstByte;
     return true;
+}
+
+bool answers(const VRNMessage& request, const VRNMessage& reply)
+{
+    const QByteArray& asked = request.payloadRef();
+    return answers(request.cmd(), request.dstType() == VRN::AddrNode, asked.isEmpty() ? -1 : quint8(asked.at(0)),
+                   reply);
 }
 
 QString toString(NackStatus status)

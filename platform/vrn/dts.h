@@ -130,6 +130,9 @@ QString toString(NackStatus status);
 /// request to one node); for the indexed reads (group slots, intermediate
 /// positions) the index the request named. Addresses are not looked at.
 bool answers(const VRNMessage& request, const VRNMessage& reply);
+/// The same from the request's fields: its code, whether it goes to one
+/// node, and its first payload byte (-1 without payload).
+bool answers(quint8 requestCmd, bool toOneNode, int firstByte, const VRNMessage& reply);
 
 } // namespace DTS
 

@@ -9,6 +9,8 @@
 #include <QRandomGenerator>
 #include <QSerialPortInfo>
 
+#include <algorithm>
+
 namespace {
 
 #ifdef Q_OS_UNIX
@@ -56,6 +58,52 @@ QString resolvePortName(const QString& name)
         return resolved;
 #endif
     return name;
+}
+
+// Our own requests, built and checked by VRNMessage: their fields straight
+// from the bytes, without a second checksum pass (this runs several times a call).
+struct Request
+{
+    explicit Request(const QByteArray& bytes)
+    {
+        if (bytes.size() < VRNMessage::MinFrameSize)
+            return;
+        const char* p = bytes.constData();
+        cmd = quint8(p[0]);
+        ack = quint8(p[1]) & VRNMessage::AckFlag;
+        seq = quint8(p[2]) >> VRNMessage::SeqShift;
+        src = read24(p + 3);
+        dst = read24(p + 6);
+        type = (quint8(p[1]) & VRNMessage::GroupFlag) ? VRN::AddrGroup
+             : dst == VRN::BroadcastNumber              ? VRN::AddrBroadcast
+                                                        : VRN::AddrNode;
+        firstByte = bytes.size() > VRNMessage::MinFrameSize ? quint8(p[VRNMessage::HeaderSize]) : -1;
+        ok = true;
+    }
+    static quint32 read24(const char* p)
+    {
+        return (quint32(quint8(p[0])) << 16) | (quint32(quint8(p[1])) << 8) | quint32(quint8(p[2]));
+    }
+
+    bool ok = false;
+    bool ack = false;
+    quint8 cmd = 0;
+    quint8 seq = 0;
+    quint32 src = 0;
+    quint32 dst = 0;
+    int firstByte = -1;
+    VRN::AddrType type = VRN::AddrNode;
+};
+
+// The same request but for the sequence number (and so the checksum).
+bool sameButNumber(const QByteArray& a, const QByteArray& b)
+{
+    const int body = a.size() - VRNMessage::ChecksumSize;
+    if (a.size() != b.size() || body < VRNMessage::HeaderSize)
+        return false;
+    return std::equal(a.constBegin(), a.constBegin() + 2, b.constBegin())
+        && (quint8(a.at(2)) & VRNMessage::TypeMask) == (quint8(b.at(2)) & VRNMessage::TypeMask)
+        && std::equal(a.constBegin() + 3, a.constBegin() + body, b.constBegin() + 3);
 }
 
 } // namespace
@@ -210,7 +258,7 @@ bool VRNBus::writeFrame(const BusMessage& message)
 
 bool VRNBus::isBroadcast(const BusMessage& request) const
 {
-    return VRNMessage(request).dstType() != VRN::AddrNode;
+    return Request(request.data()).type != VRN::AddrNode;
 }
 
 bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
@@ -221,27 +269,27 @@ bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
     const VRNMessage reply(frame);
     if (!reply.isValid() || reply.dstType() != VRN::AddrNode || VRN::getType(reply.srcAddr()) == VRN::NodeTool)
         return false;
-    const VRNMessage call(request);
-    if (reply.dstAddr() != VRN::getNumber(call.srcAddr()))
+    const Request call(request.data());
+    if (!call.ok || reply.dstAddr() != call.src)
         return false;
-    if (call.dstType() == VRN::AddrNode
-        && (reply.srcAddr(false) != call.dstAddr() || (reply.seq() != 0 && reply.seq() != call.seq())))
+    const bool toOne = call.type == VRN::AddrNode;
+    if (toOne && (reply.srcAddr(false) != call.dst || (reply.seq() != 0 && reply.seq() != call.seq)))
         return false;
-    return DTS::answers(call, reply);
+    return DTS::answers(call.cmd, toOne, call.firstByte, reply);
 }
 
 QString VRNBus::refusal(const BusMessage& request) const
 {
     // A request that wants an acknowledgement is meant for one node, even
     // when its destination is the broadcast number.
-    const VRNMessage call(request);
-    const bool toOne = call.dstType() == VRN::AddrNode || (call.ack() && call.dstType() == VRN::AddrBroadcast);
-    if (!toOne || !VRN::isReservedNumber(call.dstAddr()))
+    const Request call(request.data());
+    const bool toOne = call.type == VRN::AddrNode || (call.ack && call.type == VRN::AddrBroadcast);
+    if (!call.ok || !toOne || !VRN::isReservedNumber(call.dst))
         return QString();
     return tr("request 0x%1 to node 0x%2 refused: the number is reserved (broadcast, tool or none), "
               "never a device's")
-        .arg(call.cmd(), 2, 16, QLatin1Char('0'))
-        .arg(call.dstAddr(), 6, 16, QLatin1Char('0'));
+        .arg(call.cmd, 2, 16, QLatin1Char('0'))
+        .arg(call.dst, 6, 16, QLatin1Char('0'));
 }
 
 quint8 VRNBusPrivate::nextSeq(quint32 node)
@@ -257,21 +305,41 @@ quint8 VRNBusPrivate::nextSeq(quint32 node)
 void VRNBus::stampRequest(BusMessage& request)
 {
     Q_D(VRNBus);
-    VRNMessage call(request);
-    if (!call.isValid() || call.dstType() != VRN::AddrNode || call.seq() != 0)
+    const Request call(request.data());
+    if (!call.ok || call.type != VRN::AddrNode || call.seq != 0)
         return;
-    call.setSeq(d->nextSeq(call.dstAddr()));
-    if (call.prepare())
-        request = BusMessage(call.data());
+    QByteArray bytes = request.data();
+    const QByteArray last = d->unanswered.take(call.dst);
+    const quint8 seq = !last.isEmpty() && sameButNumber(last, bytes) ? Request(last).seq : d->nextSeq(call.dst);
+    bytes[2] = char((quint8(bytes.at(2)) & VRNMessage::TypeMask) | (seq << VRNMessage::SeqShift));
+    const int body = bytes.size() - VRNMessage::ChecksumSize;
+    const quint16 crc = VRNMessage::checksum(bytes.constData(), body);
+    bytes[body] = char(crc >> 8);
+    bytes[body + 1] = char(crc & 0xFF);
+    request = BusMessage(bytes);
+}
+
+void VRNBus::requestEnded(const BusMessage& request, bool answered)
+{
+    Q_D(VRNBus);
+    const Request call(request.data());
+    if (!call.ok || call.type != VRN::AddrNode || call.seq == 0)
+        return;
+    if (answered)
+        d->unanswered.remove(call.dst);
+    else
+        d->unanswered.insert(call.dst, request.data());
 }
 
 qint64 VRNBus::nodeOf(const BusMessage& frame, bool request) const
 {
+    if (request) {
+        const Request call(frame.data());
+        return call.ok && call.type == VRN::AddrNode ? qint64(call.dst) : -1;
+    }
     const VRNMessage m(frame);
     if (!m.isValid())
         return -1;
-    if (request)
-        return m.dstType() == VRN::AddrNode ? qint64(m.dstAddr()) : -1;
     return VRN::getType(m.srcAddr()) == VRN::NodeTool ? -1 : qint64(m.srcAddr(false));
 }
 

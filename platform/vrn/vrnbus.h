@@ -67,6 +67,7 @@ protected:
     bool isReplyTo(const BusMessage& request, const BusMessage& frame) const override;
     QString refusal(const BusMessage& request) const override;
     void stampRequest(BusMessage& request) override;
+    void requestEnded(const BusMessage& request, bool answered) override;
     qint64 nodeOf(const BusMessage& frame, bool request) const override;
     QString nodeName(qint64 node) const override;
 

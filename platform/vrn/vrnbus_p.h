@@ -29,6 +29,10 @@ public:
     quint8 nextSeq(quint32 node);
 
     QHash<quint32, quint8> seqByNode;
+    /// The last request to each node that got no answer, numbered: the same
+    /// request again (a job tried once more) keeps its number, so a node that
+    /// carried it out and whose answers were all lost does not act twice.
+    QHash<quint32, QByteArray> unanswered;
     QString portName;
     QSerialPort* port = nullptr;
     VRNFrameCutter cutter;

@@ -121,7 +121,11 @@ QList<QByteArray> SimNetworkPrivate::forge(const VRNMessage& request)
         }
         break;
     case SimNetwork::HostileSlots:
-        if (unicast && request.cmd() == DTS::GetGroupAddr)
+        // Slot 3 for a read of any other slot. (Asked for slot 3, a forger
+        // that answers exactly the question from the right node cannot be
+        // told apart without authentication; the bus reports a node that
+        // gives one request two different answers.)
+        if (unicast && request.cmd() == DTS::GetGroupAddr && !request.payloadRef().startsWith('\x03'))
             out << frame(DTS::PostGroupAddr, called, QByteArray::fromHex("03ABCDEF"));
         break;
     case SimNetwork::HostileRandom: {

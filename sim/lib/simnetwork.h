@@ -91,7 +91,7 @@ public:
         NoHostile,
         HostileBroadcast,  ///< answers each discovery round 40 times from reserved addresses
         HostileAcks,       ///< acknowledges every request to a node with a wrong command code
-        HostileSlots,      ///< answers every group slot read with slot 3 holding 0xABCDEF
+        HostileSlots,      ///< answers every read of another group slot with slot 3 holding 0xABCDEF
         HostileRandom      ///< answers every request with random valid frames
     };
     Hostile hostile() const;

@@ -98,7 +98,8 @@ SimOptions::Result SimOptions::parse(const QStringList& arguments, QString* erro
                                                           "damaged and is refused."), QStringLiteral("P")},
         {QStringLiteral("hostile"), QStringLiteral("Add a node that forges frames: broadcast (answers each discovery "
                                                    "round 40 times from reserved addresses), acks (acknowledges every "
-                                                   "request with a wrong command), slots (answers every group read "
+                                                   "request with a wrong command), slots (answers every read of another "
+                                                   "group slot "
                                                    "with slot 3), random (random valid frames)."),
          QStringLiteral("MODE")},
     });

@@ -69,7 +69,7 @@ QVariant VRNListenerModelPrivate::display(const Frame& f, int column) const
     case VRNListenerModel::PayloadColumn:
         return QString::fromLatin1(f.bytes.toHex(' ')).toUpper();
     case VRNListenerModel::ValidColumn:
-        return f.valid ? QStringLiteral("valid") : QStringLiteral("invalid");
+        return !f.valid ? QStringLiteral("invalid") : f.unmatched ? QStringLiteral("unmatched") : QStringLiteral("valid");
     default:
         return QVariant();
     }
@@ -88,6 +88,8 @@ QVariant VRNListenerModelPrivate::roleData(const Frame& f, int role) const
         return display(f, VRNListenerModel::PayloadColumn);
     case VRNListenerModel::ValidRole:
         return f.valid;
+    case VRNListenerModel::UnmatchedRole:
+        return f.unmatched;
     default:
         break;
     }
@@ -160,6 +162,15 @@ void VRNListenerModel::setBus(VRNBus* bus)
                 [this](const BusMessage& m) { addFrame(Sent, m); });
         connect(bus, &Bus::messageReceived, this,
                 [this](const BusMessage& m) { addFrame(Received, m); });
+        // Reported right after the frame's messageReceived: it is the last row.
+        connect(bus, &Bus::messageUnmatched, this, [this] {
+            Q_D(VRNListenerModel);
+            if (d->frames.empty() || !d->frames.back().valid || d->frames.back().direction != Received)
+                return;
+            d->frames.back().unmatched = true;
+            const int row = count() - 1;
+            emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
+        });
     }
     emit busChanged(bus);
 }
@@ -264,5 +275,6 @@ QHash<int, QByteArray> VRNListenerModel::roleNames() const
     names.insert(CommandNameRole, "commandName");
     names.insert(PayloadRole, "payload");
     names.insert(ValidRole, "valid");
+    names.insert(UnmatchedRole, "unmatched");
     return names;
 }

@@ -48,7 +48,8 @@ public:
         CommandRole,                 ///< command code; invalid for a bad frame
         CommandNameRole,             ///< command name, or "0x.." when the table does not know it
         PayloadRole,                 ///< payload in hexadecimal, bytes separated by blanks
-        ValidRole                    ///< whether length and checksum agreed
+        ValidRole,                   ///< whether length, checksum and addressing agreed
+        UnmatchedRole                ///< a received frame that answered no request (dropped by the bus)
     };
     Q_ENUM(Role)
 

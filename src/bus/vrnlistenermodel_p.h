@@ -24,6 +24,7 @@ public:
         quint8 dstType = 0;
         quint8 direction = 0;
         bool valid = false;
+        bool unmatched = false; ///< a valid frame received that answered no request
     };
 
     virtual ~VRNListenerModelPrivate() = default;

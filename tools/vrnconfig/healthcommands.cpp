@@ -112,7 +112,10 @@ void health(Cli& cli, const QStringList& args)
 class TrafficHealth
 {
 public:
-    explicit TrafficHealth(BusHealthModel* model) : m_model(model) {}
+    explicit TrafficHealth(BusHealthModel* model) : m_model(model)
+    {
+        model->setNodeNames([](qint64 node) { return Cli::nodeText(quint32(node)); });
+    }
 
     void frame(const BusMessage& bytes)
     {
@@ -127,13 +130,13 @@ public:
             Pending& p = m_pending[node];
             if (p.answered == false && !p.request.isEmpty()) {
                 if (p.request == bytes.data()) {
-                    m_model->recordRetransmission(node, name(node));
+                    m_model->recordRetransmission(node);
                     p.clock.start();
                     return;
                 }
-                m_model->recordTimeout(node, name(node));
+                m_model->recordTimeout(node);
             }
-            m_model->recordRequest(node, name(node));
+            m_model->recordRequest(node);
             p = Pending{bytes.data(), false, {}};
             p.clock.start();
             return;
@@ -142,14 +145,13 @@ public:
         if (it != m_pending.end() && !it->answered && DTS::answers(VRNMessage(BusMessage(it->request)), m)
             && m.dstAddr() == VRNMessage(BusMessage(it->request)).srcAddr(false)) {
             it->answered = true;
-            m_model->recordReply(src, name(src), int(it->clock.elapsed()));
+            m_model->recordReply(src, int(it->clock.elapsed()));
             return;
         }
-        m_model->recordInvalid(src, name(src));
+        m_model->recordInvalid(src);
     }
 
 private:
-    static QString name(qint64 node) { return Cli::nodeText(quint32(node)); }
     struct Pending
     {
         QByteArray request;
