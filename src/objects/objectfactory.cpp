@@ -317,7 +317,7 @@ QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, cons
     QSqlQuery query(db);
     query.setForwardOnly(true);
     query.prepare(statement);
-    if (value.type() == QVariant::List) {
+    if (value.userType() == QMetaType::QVariantList) {
         for (const QVariant& v : value.toList())
             query.addBindValue(v);
     } else if (value.isValid()) {

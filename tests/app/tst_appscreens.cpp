@@ -219,10 +219,10 @@ QStringList tst_AppScreens::visibleTexts() const
         if (!item->isVisible() || item->opacity() == 0)
             continue;
         const QVariant text = item->property("text");
-        if (text.type() == QVariant::String && !text.toString().isEmpty())
+        if (text.userType() == QMetaType::QString && !text.toString().isEmpty())
             texts.append(text.toString());
         const QVariant placeholder = item->property("placeholderText");
-        if (placeholder.type() == QVariant::String && !placeholder.toString().isEmpty())
+        if (placeholder.userType() == QMetaType::QString && !placeholder.toString().isEmpty())
             texts.append(placeholder.toString());
         open.append(item->childItems());
     }
