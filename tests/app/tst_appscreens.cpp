@@ -79,7 +79,7 @@ void tst_AppScreens::initTestCase()
     m_firmware->add(QStringLiteral("motor-9.0.0.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.0.0"));
     const BpkKeys stranger = BpkKeys::generate();
     m_firmware->add(QStringLiteral("forged.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.1.0"), 200, &stranger);
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     // The bus of the last run is reopened at start; when it fails, the
     // library's text is what the user sees.
     Settings::instance()->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:/dev/vrn-unplugged"));
