@@ -105,7 +105,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     const int size = argc > 1 ? QByteArray(argv[1]).toInt() : 8192;
     if (run(size, QString()) != 0)
         return 1;

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test under CTest, headless.
+# VRN_QT=6 builds and tests against Qt 6, in build-qt6.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
-build=${VRN_BUILD_DIR:-$top/build}
+if [ "${VRN_QT:-5}" = 6 ]; then build=${VRN_BUILD_DIR:-$top/build-qt6}; else build=${VRN_BUILD_DIR:-$top/build}; fi
 "$top/scripts/setup.sh"
 # The capture test reads vrnconfig's pcap files back with tshark.
 if ! command -v tshark >/dev/null; then

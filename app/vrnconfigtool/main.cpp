@@ -96,7 +96,7 @@ int main(int argc, char* argv[])
     VRN::setToolNumber(0xFE0000u + quint32(getpid()) % 0x10000u);
     // Without a display there is no OpenGL either: draw in software.
     if (QApplication::platformName() == QLatin1String("offscreen"))
-        QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     QQmlApplicationEngine engine;
     if (!AppEngine::start(engine, parser.value(options.bus), &error)) {
         qCritical("[main]: %s", qPrintable(error));

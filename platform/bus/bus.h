@@ -1,6 +1,7 @@
 #ifndef BUS_H
 #define BUS_H
 
+#include "bushealthmodel.h"
 #include "busmessage.h"
 #include "buspendingcall.h"
 
@@ -8,7 +9,6 @@
 #include <QScopedPointer>
 
 class QIODevice;
-class BusHealthModel;
 class BusPrivate;
 
 /// A shared medium on which one call travels at a time.

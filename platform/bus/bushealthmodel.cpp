@@ -48,7 +48,7 @@ struct Row
         QVector<int> sorted = times;
         std::sort(sorted.begin(), sorted.end());
         median = sorted.at((sorted.size() - 1) / 2);
-        p95 = sorted.at(qMin(sorted.size() - 1, int(sorted.size() * 0.95)));
+        p95 = sorted.at(qMin(int(sorted.size()) - 1, int(sorted.size() * 0.95)));
     }
     QVariant value(int column) const
     {

@@ -3,6 +3,7 @@
 #include "simnetwork.h"
 
 #include <QNetworkDatagram>
+#include <QVariant>
 
 #include <arpa/inet.h>
 #include <cerrno>

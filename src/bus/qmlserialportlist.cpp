@@ -1,6 +1,8 @@
 #include "qmlserialportlist.h"
 #include "qmlserialportlist_p.h"
 
+#include <QFile>
+
 #include <algorithm>
 
 namespace {
@@ -19,10 +21,9 @@ SerialPortEntry SerialPortEntry::fromInfo(const QSerialPortInfo& info)
     e.portName = info.portName();
     e.description = info.description();
     e.systemLocation = info.systemLocation();
-QT_WARNING_PUSH
-QT_WARNING_DISABLE_DEPRECATED
-    e.valid = info.isValid();
-QT_WARNING_POP
+    // A port is valid while its device file exists: the test QSerialPortInfo's
+    // isValid() made on Unix, which Qt 6 no longer offers.
+    e.valid = QFile::exists(info.systemLocation());
     return e;
 }
 

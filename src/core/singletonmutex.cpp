@@ -1,3 +1,3 @@
 #include "singletonmutex.h"
 
-QMutex SingletonMutex::m_lock(QMutex::Recursive);
+QRecursiveMutex SingletonMutex::m_lock;

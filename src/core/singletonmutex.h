@@ -14,7 +14,7 @@ public:
     SingletonMutex& operator=(const SingletonMutex&) = delete;
 
 private:
-    static QMutex m_lock;
+    static QRecursiveMutex m_lock;
 };
 
 #endif // SINGLETONMUTEX_H

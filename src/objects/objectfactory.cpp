@@ -317,7 +317,7 @@ QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, cons
     QSqlQuery query(db);
     query.setForwardOnly(true);
     query.prepare(statement);
-    if (value.type() == QVariant::List) {
+    if (value.userType() == QMetaType::QVariantList) {
         for (const QVariant& v : value.toList())
             query.addBindValue(v);
     } else if (value.isValid()) {
@@ -357,7 +357,7 @@ void ObjectFactoryPrivate::onObjectWorkerDestroyed(VRNObjectWorker* worker)
     }
     auto it = workers.find(obj->uuid());
     // Only the entry of this worker goes: a newer live one stays.
-    if (it == workers.end() || (!it->isNull() && it->data() != worker)) {
+    if (it == workers.end() || (!it->isNull() && it->toStrongRef().data() != worker)) {
         qWarning() << "[ObjectFactory]: internal error failed to remove " << "deleted object worker";
         return;
     }

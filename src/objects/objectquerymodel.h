@@ -1,6 +1,7 @@
 #ifndef OBJECTQUERYMODEL_H
 #define OBJECTQUERYMODEL_H
 
+#include "objectselectionmodel.h"
 #include "vrnobject.h"
 
 #include <QAbstractTableModel>
@@ -11,7 +12,6 @@
 
 class ObjectFactory;
 class ObjectQueryModelPrivate;
-class ObjectSelectionModel;
 
 /// The sorted list of every known device, read from the database one page
 /// of 100 rows at a time.

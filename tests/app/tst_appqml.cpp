@@ -72,7 +72,7 @@ public slots:
     void applicationAvailable()
     {
         AppFixture::redirectUserFolders(m_home);
-        QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     }
     void qmlEngineAvailable(QQmlEngine* engine)
     {

@@ -79,7 +79,7 @@ void tst_AppScreens::initTestCase()
     m_firmware->add(QStringLiteral("motor-9.0.0.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.0.0"));
     const BpkKeys stranger = BpkKeys::generate();
     m_firmware->add(QStringLiteral("forged.bpk"), {int(VRN::NodeMotor)}, QStringLiteral("9.1.0"), 200, &stranger);
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     // The bus of the last run is reopened at start; when it fails, the
     // library's text is what the user sees.
     Settings::instance()->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:/dev/vrn-unplugged"));
@@ -219,10 +219,10 @@ QStringList tst_AppScreens::visibleTexts() const
         if (!item->isVisible() || item->opacity() == 0)
             continue;
         const QVariant text = item->property("text");
-        if (text.type() == QVariant::String && !text.toString().isEmpty())
+        if (text.userType() == QMetaType::QString && !text.toString().isEmpty())
             texts.append(text.toString());
         const QVariant placeholder = item->property("placeholderText");
-        if (placeholder.type() == QVariant::String && !placeholder.toString().isEmpty())
+        if (placeholder.userType() == QMetaType::QString && !placeholder.toString().isEmpty())
             texts.append(placeholder.toString());
         open.append(item->childItems());
     }

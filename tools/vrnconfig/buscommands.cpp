@@ -158,7 +158,7 @@ struct DuplicateWatch
     /// How many devices answer to `node`.
     int occurrences(quint32 node) const
     {
-        return duplicates.contains(node) ? qMax(2, serials.value(node).size()) : 1;
+        return duplicates.contains(node) ? qMax(2, int(serials.value(node).size())) : 1;
     }
 };
 
