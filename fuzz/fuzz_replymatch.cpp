@@ -90,8 +90,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             after += c.isFinished() && !c.replies().isEmpty();
         FUZZ_CHECK(after - before <= 1);
         // A frame is given to a call or counted; never both, never neither.
+        // The tool's own frames, echoed by the medium, are neither: they are
+        // dropped before matching.
+        const VRNMessage sent{BusMessage(bytes)};
+        const bool own = sent.isValid() && sent.srcAddr() == VRN::toolAddr();
         if (clean)
-            FUZZ_CHECK(after - before + int(bus.unmatchedCount() - unmatched) == 1);
+            FUZZ_CHECK(after - before + int(bus.unmatchedCount() - unmatched) == (own ? 0 : 1));
         QCoreApplication::processEvents();
     }
     for (const BusPendingCall& c : qAsConst(calls)) {

@@ -42,8 +42,8 @@ vrnconfig discover
 step "The device registry"
 vrnconfig list --sort nodeid
 
-step "Reading every label"
-vrnconfig get label all
+step "Reading the label of every network node (setting tools have none)"
+vrnconfig get label type:std
 
 first=$(vrnconfig list --sort nodeid | awk 'NR == 2 { print $1 }')
 step "Writing the label of device $first, then reading it back"
@@ -79,8 +79,8 @@ vrnconfig watch position "$motor"
 step "Life counters of motor $motor (its moves above are counted) and the network statistics of both motors"
 vrnconfig get diag "$motor"
 vrnconfig get stats "$motor" "$dc"
-step "Clearing the error counters of every device"
-vrnconfig reset stats all --errors | tail -n 3
+step "Clearing the error counters of every network node"
+vrnconfig --yes reset stats type:std --errors | tail -n 3
 
 step "Firmware: keys made for this run, a package built and signed, the catalogue, a check, an update of motor $motor"
 "$bin/vrnfwpack" keygen "$work/fw.secret" "$work/fw.keys"

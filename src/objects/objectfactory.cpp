@@ -80,9 +80,8 @@ QString tr(const char* text)
     return QCoreApplication::translate("ObjectFactory", text);
 }
 
-// Refuses a registry file; the connection goes, and a file this attempt
-// created goes with it.
-bool refuse(const QString& connection, const QString& file, bool created, const QString& why, QString* error)
+// Refuses a registry file: its connection goes, the file stays.
+bool refuse(const QString& connection, const QString& why, QString* error)
 {
     if (error)
         *error = why;
@@ -91,10 +90,41 @@ bool refuse(const QString& connection, const QString& file, bool created, const 
         db.close();
     }
     QSqlDatabase::removeDatabase(connection);
-    if (created)
-        for (const char* suffix : {"", "-wal", "-shm", "-journal"})
-            QFile::remove(file + QLatin1String(suffix));
     return false;
+}
+
+// A new registry is made whole under a name of its own, already in WAL mode,
+// and then put in place only if no other program put one there first. Two
+// tools that start on the same new file then never meet in the switch to the
+// log (which takes the file to itself, and which SQLite does not wait for),
+// and a tool that fails never removes a file another has opened. False
+// (with the cause) only when nothing could be made; a file another program
+// made meanwhile is a success.
+bool createRegistryFile(const QString& file, QString* why)
+{
+    const QString temp = QStringLiteral("%1.%2.new").arg(file).arg(QCoreApplication::applicationPid());
+    const QString connection = QStringLiteral("VRNRegistryNew_%1").arg(temp);
+    bool made = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(temp);
+        if (db.open()) {
+            QSqlQuery query(db);
+            made = query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) && query.next()
+                && query.value(0).toString() == QLatin1String("wal");
+            if (!made)
+                *why = query.lastError().databaseText().isEmpty() ? query.lastError().text() : query.lastError().databaseText();
+        } else {
+            *why = db.lastError().text();
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+    // Refuses to replace: the file of whoever came first stays.
+    made = made && (QFile::rename(temp, file) || QFileInfo::exists(file));
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(temp + QLatin1String(suffix));
+    return made;
 }
 
 // The columns of the registry's Devices table, the uuid its integer primary
@@ -735,28 +765,32 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
     if (file == QLatin1String(":memory:")) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(file);
-        return db.open() || refuse(connection, file, false, db.lastError().text(), error);
+        return db.open() || refuse(connection, db.lastError().text(), error);
     }
     const QFileInfo info(file);
     if (info.isDir())
-        return refuse(connection, file, false, tr("the device registry %1 is a folder").arg(file), error);
+        return refuse(connection, tr("the device registry %1 is a folder").arg(file), error);
     const bool existed = info.exists();
     if (existed && info.size() > 0) {
         // SQLite would take a short file of anything for an empty database
         // and write over it.
         QFile head(file);
         if (!head.open(QIODevice::ReadOnly) || head.read(16) != QByteArray("SQLite format 3", 16))
-            return refuse(connection, file, false, tr("%1 is not a device registry: not an SQLite file").arg(file), error);
+            return refuse(connection, tr("%1 is not a device registry: not an SQLite file").arg(file), error);
     }
     const QString folder = info.absolutePath();
     if (!existed && !QDir().mkpath(folder))
-        return refuse(connection, file, false, tr("cannot create the folder %1").arg(folder), error);
+        return refuse(connection, tr("cannot create the folder %1").arg(folder), error);
     if (!existed && !QFileInfo(folder).isWritable())
-        return refuse(connection, file, false, tr("the device registry %1 cannot be created: the folder cannot be written").arg(file), error);
+        return refuse(connection, tr("the device registry %1 cannot be created: the folder cannot be written").arg(file), error);
     // A file or folder that cannot be written: the registry is read only,
     // for listing and reading; the log of another writer is read, not made.
     const bool readOnly = existed && (!info.isWritable() || !QFileInfo(folder).isWritable());
     QString why;
+    if (!existed && !createRegistryFile(file, &why))
+        return refuse(connection, tr("cannot create the device registry %1: %2").arg(file, why), error);
+    // From here the file exists and may be open in another program: a
+    // failure leaves it be.
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(file);
@@ -765,7 +799,7 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
             options += QStringLiteral(";QSQLITE_OPEN_READONLY");
         db.setConnectOptions(options);
         if (!db.open())
-            return refuse(connection, file, !existed, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()), error);
+            return refuse(connection, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()), error);
         QSqlQuery query(db);
         auto failed = [&](const QString& what) {
             const QSqlError e = query.lastError();
@@ -808,7 +842,7 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
         }
         query.finish();
     }
-    return why.isEmpty() || refuse(connection, file, !existed, why, error);
+    return why.isEmpty() || refuse(connection, why, error);
 }
 
 bool ObjectFactory::switchRegistry(const QString& file, QString* error)

@@ -44,8 +44,8 @@ ChartView {
         id: axisY
         min: 0
         max: 10
-        tickCount: 6
-        labelFormat: "%d"
+        tickCount: 3
+        labelFormat: "%g"
         titleText: qsTr("per second")
         labelsColor: pal.text
         titleBrush: pal.text

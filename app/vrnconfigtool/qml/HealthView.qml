@@ -151,7 +151,7 @@ Pane {
             Loader {
                 id: chart
                 objectName: "healthChart"
-                SplitView.preferredHeight: 240
+                SplitView.preferredHeight: 300
                 source: "HealthChart.qml"
                 onLoaded: item.view = view
             }
