@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickItemGrabResult>
 #include <QQuickWindow>
@@ -556,7 +557,9 @@ void tst_AppScreens::everyViewInBothThemes()
             const QStringList bad = internalNames(visibleTexts());
             QVERIFY2(bad.isEmpty(), qPrintable(name + QStringLiteral(": ") + bad.join(QLatin1String(" | "))));
         }
-        const QColor window = m_window->property("palette").value<QPalette>().color(QPalette::Window);
+        // Through QML: the window's palette is a QPalette in Qt 5 and an object of QML's own in Qt 6.
+        const QColor window = QQmlProperty::read(m_window, QStringLiteral("palette.window"), qmlEngine(m_window)).value<QColor>();
+        QVERIFY(window.isValid());
         QCOMPARE(window.lightness() < 128, theme == QLatin1String("dark"));
     }
     // The health of every node the jobs above asked, worst first.

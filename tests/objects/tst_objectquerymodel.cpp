@@ -405,8 +405,11 @@ private slots:
     // The devices a filter lets through, counted by other means than the
     // model's: substring search with instr() instead of LIKE, so that a
     // wildcard typed by the user must match itself only.
-    static int matching(const QString& search, const QVariantList& kinds)
+    static int matching(QString search, const QVariantList& kinds)
     {
+        // No text yet is a null string, which Qt 6's driver binds as NULL.
+        if (search.isNull())
+            search = QLatin1String("");
         QString hex = search;
         if (hex.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
             hex = hex.mid(2);

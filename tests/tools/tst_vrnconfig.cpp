@@ -152,9 +152,11 @@ private slots:
             QFile f(file);
             QVERIFY(f.open(QIODevice::WriteOnly));
             QByteArray bytes("shopping list\nmilk\n");
-            if (kind != QLatin1String("text"))
+            if (kind != QLatin1String("text")) {
+                bytes.resize(4096);
                 for (int i = 0; i < 4096; ++i)
                     bytes[i] = char((i * 7919 + 13) % 251);
+            }
             f.write(bytes);
             f.close();
             if (kind == QLatin1String("readonly"))
