@@ -166,7 +166,12 @@ QString AppEngine::installTranslations(const QString& language)
     QCoreApplication::installTranslator(own);
     // Qt's own texts (the buttons of its dialogs) in the same language.
     auto* qt = new QTranslator(QCoreApplication::instance());
-    if (qt->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    const QString qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#else
+    const QString qtTranslations = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#endif
+    if (qt->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), qtTranslations))
         QCoreApplication::installTranslator(qt);
     else
         delete qt;

@@ -4,6 +4,7 @@
 
 #include "busfactory.h"
 #include "lru50object.h"
+#include "nullvariant.h"
 #include "objectquerymodel.h"
 #include "qmlsharedobject.h"
 #include "settingtoolobject.h"
@@ -459,7 +460,7 @@ QSharedPointer<VRNObject> ObjectFactory::createObject(VRNObject::Type type, unsi
         qDebug() << "[ObjectFactory]: object already exists";
         return {};
     }
-    d->insertRow.bindValue(0, nodeID == 0 ? QVariant(QVariant::Int) : QVariant(nodeID));
+    d->insertRow.bindValue(0, nodeID == 0 ? nullVariant<int>() : QVariant(nodeID));
     d->insertRow.bindValue(1, int(type));
     if (!d->write(d->insertRow)) {
         warnSql("failed to create object", d->insertRow);
@@ -551,7 +552,7 @@ bool ObjectFactory::save(VRNObject* object)
     // node type, which the row's type column already says. Number 0 stays
     // NULL, as at creation.
     const quint32 nodeNumber = VRN::getNumber(object->address());
-    query.addBindValue(nodeNumber ? QVariant(nodeNumber) : QVariant(QVariant::UInt));
+    query.addBindValue(nodeNumber ? QVariant(nodeNumber) : nullVariant<uint>());
     query.addBindValue(int(object->type()));
     // An unknown label is written as an empty text, never as NULL.
     query.addBindValue(label.isNull() ? QStringLiteral("") : label);

@@ -1,5 +1,6 @@
 #include "objectquerymodel.h"
 #include "objectquerymodel_p.h"
+#include "nullvariant.h"
 #include "objectselectionmodel.h"
 #include "registrysql_p.h"
 
@@ -436,10 +437,10 @@ void ObjectQueryModelPrivate::applyFilter()
         && std::all_of(hex.cbegin(), hex.cend(), [](QChar c) { return isxdigit(c.toLatin1()) != 0; });
     query.exec(QStringLiteral("DELETE FROM ") + filterTable);
     query.prepare(QStringLiteral("INSERT INTO ") + filterTable + QStringLiteral(" VALUES (?, ?, ?, ?)"));
-    query.addBindValue(text.isEmpty() ? QVariant(QVariant::String) : QVariant(QLatin1Char('%') + escaped + QLatin1Char('%')));
-    query.addBindValue(isHex ? QVariant(QLatin1Char('%') + hex.toUpper() + QLatin1Char('%')) : QVariant(QVariant::String));
+    query.addBindValue(text.isEmpty() ? nullVariant<QString>() : QVariant(QLatin1Char('%') + escaped + QLatin1Char('%')));
+    query.addBindValue(isHex ? QVariant(QLatin1Char('%') + hex.toUpper() + QLatin1Char('%')) : nullVariant<QString>());
     query.addBindValue(qint64(kinds));
-    query.addBindValue(group >= 0 ? QVariant(group) : QVariant(QVariant::Int));
+    query.addBindValue(group >= 0 ? QVariant(group) : nullVariant<int>());
     if (!query.exec())
         qWarning() << "[ObjectQueryModel]: failed to store the filter:" << query.lastError().text();
     relist();

@@ -2,6 +2,7 @@
 #include "objectselectionmodel_p.h"
 #include "registrysql_p.h"
 
+#include "nullvariant.h"
 #include "vrnmotorobject.h"
 
 #include <QAtomicInt>
@@ -35,7 +36,7 @@ bool ObjectSelectionModelPrivate::run(QSqlQuery& query, const QString& statement
         if (criteria.isValid())
             query.addBindValue(criteria);
         else if (statement.contains(QLatin1Char('?')))
-            query.addBindValue(QVariant(QVariant::Int));
+            query.addBindValue(nullVariant<int>());
         ok = query.exec();
     }
     if (!ok)

@@ -1,3 +1,4 @@
+#include "nullvariant.h"
 #include "objectfactory.h"
 #include "registryfixture.h"
 #include "vrnobjectworker.h"
@@ -101,8 +102,8 @@ private slots:
     {
         factory(); // the schema
         // NULL node ids, an explicit 0, duplicates, a NULL type.
-        const QList<QVariantList> rows{{QVariant(QVariant::Int), 1}, {0, 2},  {7, 2}, {7, 2},
-                                       {7, 3},                       {9, QVariant(QVariant::Int)}};
+        const QList<QVariantList> rows{{nullVariant<int>(), 1}, {0, 2},  {7, 2}, {7, 2},
+                                       {7, 3},                       {9, nullVariant<int>()}};
         for (const QVariantList& row : rows)
             sql(QStringLiteral("INSERT INTO Devices(nodeID, type) VALUES (?, ?)"), row);
         QList<QPair<unsigned, int>> stored;

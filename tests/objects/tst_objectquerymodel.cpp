@@ -1,3 +1,4 @@
+#include "nullvariant.h"
 #include "objectfactory.h"
 #include "objectquerymodel.h"
 #include "objectselectionmodel.h"
@@ -309,10 +310,10 @@ private slots:
                                  QStringLiteral("attic"), QString()};
         QSqlDatabase::database().transaction();
         for (int i = 0; i < 450; ++i) {
-            const QVariant node = i % 7 == 0 ? QVariant(QVariant::Int) : QVariant(i % 40);
-            const QVariant serial = i % 3 == 0 ? QVariant(QVariant::ByteArray) : QVariant(QByteArray(1, char(i % 5)));
+            const QVariant node = i % 7 == 0 ? nullVariant<int>() : QVariant(i % 40);
+            const QVariant serial = i % 3 == 0 ? nullVariant<QByteArray>() : QVariant(QByteArray(1, char(i % 5)));
             sql(QStringLiteral("INSERT INTO Devices(nodeID, type, label, serialNumber) VALUES (?, ?, ?, ?)"),
-                {node, i % 8, labels.at(i % labels.size()).isNull() ? QVariant(QVariant::String) : labels.at(i % 5), serial});
+                {node, i % 8, labels.at(i % labels.size()).isNull() ? nullVariant<QString>() : labels.at(i % 5), serial});
         }
         QSqlDatabase::database().commit();
         makeModel();
@@ -328,13 +329,13 @@ private slots:
         // NULL node ids, labels and serial numbers, labels equal but for case,
         // duplicated node ids and labels.
         const QList<QVariantList> rows{
-            {QVariant(QVariant::Int), 1, QStringLiteral("Kitchen"), QByteArray("\x01")},
-            {5, 2, QStringLiteral("kitchen"), QVariant(QVariant::ByteArray)},
-            {5, 3, QVariant(QVariant::String), QByteArray("\x01")},
-            {QVariant(QVariant::Int), 2, QStringLiteral("KITCHEN"), QByteArray("\x00\x02", 2)},
+            {nullVariant<int>(), 1, QStringLiteral("Kitchen"), QByteArray("\x01")},
+            {5, 2, QStringLiteral("kitchen"), nullVariant<QByteArray>()},
+            {5, 3, nullVariant<QString>(), QByteArray("\x01")},
+            {nullVariant<int>(), 2, QStringLiteral("KITCHEN"), QByteArray("\x00\x02", 2)},
             {3, 1, QStringLiteral("attic"), QByteArray()},
             {5, 1, QStringLiteral("kitchen"), QByteArray("\x01")},
-            {0, 7, QStringLiteral("Attic"), QVariant(QVariant::ByteArray)},
+            {0, 7, QStringLiteral("Attic"), nullVariant<QByteArray>()},
         };
         for (const QVariantList& row : rows)
             sql(QStringLiteral("INSERT INTO Devices(nodeID, type, label, serialNumber) VALUES (?, ?, ?, ?)"), row);

@@ -108,7 +108,7 @@ void tst_VRNObject::typeTables()
     QCOMPARE(VRNObject::typeToString(VRNObject::DtsDcMotor), QStringLiteral("DtsDcMotor"));
     QCOMPARE(VRNObject::typeToString(VRNObject::TypeMax), QStringLiteral("SettingTool"));
     QVariant stored = QVariant::fromValue(qlonglong(5));
-    QVERIFY(stored.convert(qMetaTypeId<VRNObject::Type>()));
+    QVERIFY(stored.canConvert<VRNObject::Type>());
     QCOMPARE(stored.value<VRNObject::Type>(), VRNObject::TX50DC);
     QTest::ignoreMessage(QtWarningMsg, "[VRNObject]: Type conversion failed for: 9");
     QCOMPARE(VRNObject::intToType(9), VRNObject::VRNObj);
