@@ -971,6 +971,29 @@ VRN::NodeType ObjectFactory::deviceNodeType(VRNObject::UUID uuid)
     return VRNObject::nodeType(VRNObject::intToType(kind.isEmpty() ? 1 : int(kind.first())));
 }
 
+ObjectFactory::AddressProblem ObjectFactory::addressProblem(VRN::Addr addr)
+{
+    const quint32 number = VRN::getNumber(addr);
+    if (number == 0)
+        return NumberNone;
+    if (number == VRN::BroadcastNumber)
+        return NumberBroadcast;
+    if (VRN::isReservedNumber(number))
+        return NumberTool;
+    if (VRN::getType(addr) == VRN::NodeTool)
+        return TypeTool;
+    return VRN::isDeviceType(VRN::getType(addr)) ? AddressValid : TypeReserved;
+}
+
+ObjectFactory::AddressProblem ObjectFactory::deviceProblem(VRNObject::UUID uuid)
+{
+    Q_D(ObjectFactory);
+    const QList<unsigned> number = d->numbers(QStringLiteral("SELECT ifnull(nodeID, 0) FROM Devices WHERE uuid=?"), uuid);
+    if (number.isEmpty())
+        return AddressValid;
+    return addressProblem(VRN::makeAddr(deviceNodeType(uuid), int(number.first())));
+}
+
 bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)
 {
     Q_D(ObjectFactory);
@@ -1011,6 +1034,15 @@ QList<VRNObject::UUID> ObjectFactory::setOccurrences(unsigned nodeID, VRNObject:
         if (destroyObject(uuids.at(i)))
             uuids.removeAt(i);
     return uuids;
+}
+
+bool ObjectFactory::storeSerialNumberRead(VRNObject* object)
+{
+    auto device = qobject_cast<VRNStdObject*>(object);
+    if (!device)
+        return false;
+    // Written by a statement of its own: save() never writes it.
+    return setSerialNumber(object->uuid(), device->proxyStdConfig().getConstData().serialNumber);
 }
 
 bool ObjectFactory::storeLabelRead(VRNObject* object)
