@@ -283,7 +283,14 @@ void ObjectFactoryPrivate::prepare()
     // row look-up scans the whole table.
     for (const char* index : {"devicesNodeIDIndex ON Devices(nodeID)", "devicesNodeTypeIndex ON Devices(nodeID, type)", "devicesTypeIndex ON Devices(type)",
                               "devicesLabelIndex ON Devices(label)", "devicesLowerLabelIndex ON Devices(lower(label))",
-                              "devicesSerialNumberIndex ON Devices(serialNumber)"}) {
+                              "devicesSerialNumberIndex ON Devices(serialNumber)",
+                              // The list in its usual order (node id, then uuid) read from one
+                              // index that holds every shown column: a page of rows then lies
+                              // on one or two index pages instead of one table page per row,
+                              // and a jump steps over rows without reading them. On a shared
+                              // file this matters most: another tool's every write empties the
+                              // page cache, and each page read again costs a fault or a read.
+                              "devicesListIndex ON Devices(nodeID, uuid, type, label, serialNumber)"}) {
         if (!query.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ") + QLatin1String(index)))
             warnSql("failed to create Devices index", query);
     }
