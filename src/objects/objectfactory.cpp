@@ -260,6 +260,35 @@ void ObjectFactoryPrivate::init()
     prepare();
 }
 
+void ObjectFactoryPrivate::keepDeviceCount(QSqlQuery& query)
+{
+    // The number of rows of Devices, kept by the database on every insert
+    // and delete whichever tool makes it, so that a list learns its length
+    // from one page instead of counting every leaf of an index (on a shared
+    // file another tool's write has often just emptied the page cache). The
+    // table, its triggers and its first count are made in one transaction:
+    // a row another tool adds meanwhile is counted exactly once. Not on a
+    // registry that cannot be written; the lists count rows themselves then.
+    // (A row that REPLACE removes fires no delete trigger: nothing here
+    // writes Devices that way.)
+    if (readOnly || !query.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        return;
+    const bool kept = query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesCount(n INTEGER NOT NULL)"))
+        && query.exec(QStringLiteral("CREATE TRIGGER IF NOT EXISTS devicesCountInsert AFTER INSERT ON Devices "
+                                     "BEGIN UPDATE DevicesCount SET n = n + 1; END"))
+        && query.exec(QStringLiteral("CREATE TRIGGER IF NOT EXISTS devicesCountDelete AFTER DELETE ON Devices "
+                                     "BEGIN UPDATE DevicesCount SET n = n - 1; END"))
+        && query.exec(QStringLiteral("INSERT INTO DevicesCount(n) SELECT (SELECT COUNT(*) FROM Devices) "
+                                     "WHERE NOT EXISTS (SELECT 1 FROM DevicesCount)"));
+    if (!kept) {
+        warnSql("failed to keep the device count", query);
+        query.exec(QStringLiteral("ROLLBACK"));
+    } else if (!query.exec(QStringLiteral("COMMIT"))) {
+        warnSql("failed to keep the device count", query);
+        query.exec(QStringLiteral("ROLLBACK"));
+    }
+}
+
 void ObjectFactoryPrivate::prepare()
 {
     path = db.databaseName() == QLatin1String(":memory:") ? QString() : db.databaseName();
@@ -299,6 +328,8 @@ void ObjectFactoryPrivate::prepare()
     if (!query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesNodeTypes(deviceUUID INTEGER PRIMARY KEY "
                                    "REFERENCES Devices(uuid) ON DELETE CASCADE, nodeType INTEGER)")))
         warnSql("failed to create DevicesNodeTypes table", query);
+
+    keepDeviceCount(query);
 
     selectRow = QSqlQuery(db);
     selectRow.prepare(QStringLiteral("SELECT uuid, nodeID, type, label, serialNumber FROM Devices WHERE uuid=?"));

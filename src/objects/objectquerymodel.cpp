@@ -122,6 +122,16 @@ void ObjectQueryModelPrivate::updateRowCount()
     const QString table = narrowFilter ? matchTable
                         : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
                                        : QStringLiteral("Devices");
+    query.setForwardOnly(true);
+    // Counting reads every leaf page of an index, and on a shared file
+    // another tool's last write has emptied the page cache: the count the
+    // database keeps (ObjectFactory's DevicesCount) is one page instead. A
+    // registry that lacks it (opened read only, made elsewhere) is counted.
+    if (!filtered() && query.exec(QStringLiteral("SELECT n FROM DevicesCount")) && query.next()) {
+        rowCount = query.value(0).toInt();
+        query.finish();
+        return;
+    }
     if (query.exec(QStringLiteral("SELECT COUNT(*) FROM ") + table) && query.next()) {
         rowCount = query.value(0).toInt();
         return;

@@ -9,6 +9,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace RegistryFixture;
@@ -345,6 +346,52 @@ private slots:
             QCOMPARE(model->indexOf(uuid), referenceIndexOf(ObjectFactory::columnName(c), uuid));
         // The row count is read from the table, not from the view.
         QCOMPARE(model->rowCount(), sqlValue(QStringLiteral("SELECT COUNT(*) FROM ") + model->viewName()).toInt());
+    }
+
+    // A registry file that another tool writes too: the length of the list
+    // follows the rows that tool adds and removes. A file made before the
+    // database kept the count is counted at open; one that keeps none (read
+    // only, made elsewhere) is counted by the list itself.
+    void rowCountFollowsAnotherTool()
+    {
+        closeAll();
+        QTemporaryDir dir;
+        const QString file = dir.filePath(QStringLiteral("devices.sqlite"));
+        {
+            QSqlDatabase old = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("old"));
+            old.setDatabaseName(file);
+            QVERIFY(old.open());
+            QSqlQuery q(old);
+            QVERIFY(q.exec(QStringLiteral("CREATE TABLE Devices(uuid INTEGER PRIMARY KEY NOT NULL,nodeID INTEGER DEFAULT 0,"
+                                          "type INTEGER DEFAULT 1,label TEXT DEFAULT NULL,serialNumber BLOB DEFAULT NULL)")));
+            QVERIFY(q.exec(QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < 25) "
+                                          "INSERT INTO Devices(nodeID) SELECT x FROM n")));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("old"));
+        QString error;
+        QVERIFY2(ObjectFactory::openRegistry(file, &error), qPrintable(error));
+        factory = ObjectFactory::instance();
+        makeModel();
+        QCOMPARE(model->rowCount(), 25);
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+            other.setDatabaseName(file);
+            QVERIFY(other.open());
+            QSqlQuery q(other);
+            QVERIFY(q.exec(QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < 130) "
+                                          "INSERT INTO Devices(nodeID) SELECT 100 + x FROM n")));
+            QVERIFY(q.exec(QStringLiteral("DELETE FROM Devices WHERE uuid % 3 = 0")));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        const int rows = sqlValue(QStringLiteral("SELECT COUNT(*) FROM Devices")).toInt();
+        QCOMPARE(rows, 155 - 51);
+        model->setSortBy(ObjectQueryModel::LabelRole);
+        QCOMPARE(model->rowCount(), rows);
+        QCOMPARE(model->toList().size(), rows);
+        sql(QStringLiteral("DROP TABLE DevicesCount"));
+        model->setSortBy(ObjectQueryModel::NodeIDRole);
+        QCOMPARE(model->rowCount(), rows);
+        QCOMPARE(at(rows - 1, ObjectQueryModel::NodeIDRole).toInt(), 230);
     }
 
     // Positions of rows created and destroyed through the factory, at
