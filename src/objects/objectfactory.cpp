@@ -271,7 +271,13 @@ void ObjectFactoryPrivate::keepDeviceCount(QSqlQuery& query)
     // registry that cannot be written; the lists count rows themselves then.
     // (A row that REPLACE removes fires no delete trigger: nothing here
     // writes Devices that way.)
-    if (readOnly || !query.exec(QStringLiteral("BEGIN IMMEDIATE")))
+    // Once made, nothing is written here: opening a registry another tool
+    // holds locked does not wait for it.
+    if (readOnly
+        || (query.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE name IN "
+                                      "('DevicesCount', 'devicesCountInsert', 'devicesCountDelete')"))
+            && query.next() && query.value(0).toInt() == 3)
+        || !query.exec(QStringLiteral("BEGIN IMMEDIATE")))
         return;
     const bool kept = query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesCount(n INTEGER NOT NULL)"))
         && query.exec(QStringLiteral("CREATE TRIGGER IF NOT EXISTS devicesCountInsert AFTER INSERT ON Devices "
