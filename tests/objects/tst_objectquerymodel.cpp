@@ -357,32 +357,29 @@ private slots:
         closeAll();
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("devices.sqlite"));
-        {
-            QSqlDatabase old = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("old"));
-            old.setDatabaseName(file);
-            QVERIFY(old.open());
-            QSqlQuery q(old);
-            QVERIFY(q.exec(QStringLiteral("CREATE TABLE Devices(uuid INTEGER PRIMARY KEY NOT NULL,nodeID INTEGER DEFAULT 0,"
-                                          "type INTEGER DEFAULT 1,label TEXT DEFAULT NULL,serialNumber BLOB DEFAULT NULL)")));
-            QVERIFY(q.exec(QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < 25) "
-                                          "INSERT INTO Devices(nodeID) SELECT x FROM n")));
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("old"));
+        // Statements of another tool on the file, on a connection of its own.
+        auto otherTool = [&](const QStringList& statements) {
+            {
+                QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+                other.setDatabaseName(file);
+                QVERIFY(other.open());
+                QSqlQuery q(other);
+                for (const QString& statement : statements)
+                    QVERIFY2(q.exec(statement), qPrintable(q.lastError().text()));
+            }
+            QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        };
+        const QString insertRows = QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < %1) "
+                                                  "INSERT INTO Devices(nodeID) SELECT %2 + x FROM n");
+        otherTool({QStringLiteral("CREATE TABLE Devices(uuid INTEGER PRIMARY KEY NOT NULL,nodeID INTEGER DEFAULT 0,"
+                                  "type INTEGER DEFAULT 1,label TEXT DEFAULT NULL,serialNumber BLOB DEFAULT NULL)"),
+                   insertRows.arg(25).arg(0)});
         QString error;
         QVERIFY2(ObjectFactory::openRegistry(file, &error), qPrintable(error));
         factory = ObjectFactory::instance();
         makeModel();
         QCOMPARE(model->rowCount(), 25);
-        {
-            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-            other.setDatabaseName(file);
-            QVERIFY(other.open());
-            QSqlQuery q(other);
-            QVERIFY(q.exec(QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < 130) "
-                                          "INSERT INTO Devices(nodeID) SELECT 100 + x FROM n")));
-            QVERIFY(q.exec(QStringLiteral("DELETE FROM Devices WHERE uuid % 3 = 0")));
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        otherTool({insertRows.arg(130).arg(100), QStringLiteral("DELETE FROM Devices WHERE uuid % 3 = 0")});
         const int rows = sqlValue(QStringLiteral("SELECT COUNT(*) FROM Devices")).toInt();
         QCOMPARE(rows, 155 - 51);
         model->setSortBy(ObjectQueryModel::LabelRole);
