@@ -26,7 +26,7 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db), changesQuery(db), versionQuery(db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), changesQuery(db), versionQuery(db), keyQuery(db), betweenQuery(db)
 {
     changesQuery.prepare(QStringLiteral("SELECT total_changes()"));
     versionQuery.prepare(QStringLiteral("PRAGMA data_version"));

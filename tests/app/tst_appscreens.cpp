@@ -595,7 +595,7 @@ void tst_AppScreens::everyViewInBothThemes()
     show("actions");
     QTRY_VERIFY2(shown("actionResults", "actionOutcome").contains(QStringLiteral("Move up: not a motor")),
                  qPrintable(shown("actionResults", "actionOutcome").join(QLatin1String(" | "))));
-    for (const QString theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
+    for (const QString& theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
         m_window->setProperty("themeChoice", theme);
         for (const QString& name : views) {
             show(qPrintable(name));
