@@ -14,7 +14,7 @@ flags="-O1 -g -fno-omit-frame-pointer -fsanitize=address,undefined,fuzzer-no-lin
 VRN_EXTRA_PACKAGES="clang libclang-rt-14-dev" VRN_BUILD_DIR=$build "$top/scripts/setup.sh" \
   -DVRN_FUZZ=ON -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ "-DCMAKE_CXX_FLAGS=$flags" \
   "-DCMAKE_EXE_LINKER_FLAGS=-fsanitize=address,undefined" \
-  "-DCMAKE_SHARED_LINKER_FLAGS=-fsanitize=address,undefined"
+  "-DCMAKE_SHARED_LINKER_FLAGS=-fsanitize=address,undefined" -DVRN_TEST_TIMEOUT_SCALE=4
 [ "${1:-}" = --build-only ] && exit 0
 
 # Every report lands in a file of its own under $reports, whoever wrote it;

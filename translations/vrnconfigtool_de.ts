@@ -719,6 +719,14 @@
         <translation>%1 Geräte antworten auf die Knotennummer %2. Der Bus kann sie nicht unterscheiden: ihre Antworten können sich mischen, und ein Schreibvorgang kann das falsche erreichen. Geben Sie einem von ihnen eine andere Knotennummer.</translation>
     </message>
     <message>
+        <source>invalid</source>
+        <translation>ungültig</translation>
+    </message>
+    <message>
+        <source>Invalid row, %1. No job is sent to it: forget it and discover the devices again.</source>
+        <translation>Ungültige Zeile, %1. Kein Auftrag wird an sie gesendet: entfernen Sie sie und suchen Sie die Geräte erneut.</translation>
+    </message>
+    <message>
         <source>No device matches the search or filter.</source>
         <translation>Kein Gerät passt zur Suche oder zum Filter.</translation>
     </message>
@@ -1146,6 +1154,10 @@
         <translation>Name schreiben</translation>
     </message>
     <message>
+        <source>Read serial number</source>
+        <translation>Seriennummer lesen</translation>
+    </message>
+    <message>
         <source>Read groups</source>
         <translation>Gruppen lesen</translation>
     </message>
@@ -1468,6 +1480,30 @@
     <message>
         <source>the device is no longer listed</source>
         <translation>das Gerät ist nicht mehr gelistet</translation>
+    </message>
+    <message>
+        <source>not sent, the row is invalid: %1</source>
+        <translation>nicht gesendet, die Zeile ist ungültig: %1</translation>
+    </message>
+    <message>
+        <source>its node number is 0, which no device has</source>
+        <translation>ihre Knotennummer ist 0, die kein Gerät hat</translation>
+    </message>
+    <message>
+        <source>its node number FFFFFF is the broadcast address, a job on it would reach every device</source>
+        <translation>ihre Knotennummer FFFFFF ist die Rundrufadresse, ein Auftrag an sie würde jedes Gerät erreichen</translation>
+    </message>
+    <message>
+        <source>its node number belongs to configuration tools, never to a device</source>
+        <translation>ihre Knotennummer gehört Konfigurationswerkzeugen, nie einem Gerät</translation>
+    </message>
+    <message>
+        <source>its node type 0 belongs to configuration tools, never to a device</source>
+        <translation>ihr Knotentyp 0 gehört Konfigurationswerkzeugen, nie einem Gerät</translation>
+    </message>
+    <message>
+        <source>its node type is reserved, no device has it</source>
+        <translation>ihr Knotentyp ist reserviert, kein Gerät hat ihn</translation>
     </message>
 </context>
 <context>

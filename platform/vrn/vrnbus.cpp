@@ -265,8 +265,12 @@ bool VRNBus::isReplyTo(const BusMessage& request, const BusMessage& frame) const
 {
     // A node answers the address that asked: a frame to another tool's
     // number answers that tool's request, never ours. Frames from reserved
-    // addresses are invalid and never get here.
-    const VRNMessage reply(frame);
+    // addresses are invalid and never get here. A frame the bus decoded on
+    // receipt is not decoded (and summed) a second time.
+    const auto* decoded = dynamic_cast<const VRNMessage*>(&frame);
+    const bool reuse = decoded && decoded->isValid();
+    const VRNMessage parsed = reuse ? VRNMessage() : VRNMessage(frame);
+    const VRNMessage& reply = reuse ? *decoded : parsed;
     if (!reply.isValid() || reply.dstType() != VRN::AddrNode || VRN::getType(reply.srcAddr()) == VRN::NodeTool)
         return false;
     const Request call(request.data());

@@ -135,7 +135,7 @@ int main(int argc, char* argv[])
 
     std::printf("%s\n", qPrintable(identifier));
     std::fflush(stdout);
-    std::fprintf(stderr, "vrnsim: %d nodes%s\n", network.nodes().size(), qPrintable(where));
+    std::fprintf(stderr, "vrnsim: %d nodes%s\n", int(network.nodes().size()), qPrintable(where));
 
     app.exec();
 

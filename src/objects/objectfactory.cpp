@@ -261,6 +261,41 @@ void ObjectFactoryPrivate::init()
     prepare();
 }
 
+void ObjectFactoryPrivate::keepDeviceCount(QSqlQuery& query)
+{
+    // The number of rows of Devices, kept by the database on every insert
+    // and delete whichever tool makes it, so that a list learns its length
+    // from one page instead of counting every leaf of an index (on a shared
+    // file another tool's write has often just emptied the page cache). The
+    // table, its triggers and its first count are made in one transaction:
+    // a row another tool adds meanwhile is counted exactly once. Not on a
+    // registry that cannot be written; the lists count rows themselves then.
+    // (A row that REPLACE removes fires no delete trigger: nothing here
+    // writes Devices that way.)
+    // Once made, nothing is written here: opening a registry another tool
+    // holds locked does not wait for it.
+    if (readOnly
+        || (query.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE name IN "
+                                      "('DevicesCount', 'devicesCountInsert', 'devicesCountDelete')"))
+            && query.next() && query.value(0).toInt() == 3)
+        || !query.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        return;
+    const bool kept = query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesCount(n INTEGER NOT NULL)"))
+        && query.exec(QStringLiteral("CREATE TRIGGER IF NOT EXISTS devicesCountInsert AFTER INSERT ON Devices "
+                                     "BEGIN UPDATE DevicesCount SET n = n + 1; END"))
+        && query.exec(QStringLiteral("CREATE TRIGGER IF NOT EXISTS devicesCountDelete AFTER DELETE ON Devices "
+                                     "BEGIN UPDATE DevicesCount SET n = n - 1; END"))
+        && query.exec(QStringLiteral("INSERT INTO DevicesCount(n) SELECT (SELECT COUNT(*) FROM Devices) "
+                                     "WHERE NOT EXISTS (SELECT 1 FROM DevicesCount)"));
+    if (!kept) {
+        warnSql("failed to keep the device count", query);
+        query.exec(QStringLiteral("ROLLBACK"));
+    } else if (!query.exec(QStringLiteral("COMMIT"))) {
+        warnSql("failed to keep the device count", query);
+        query.exec(QStringLiteral("ROLLBACK"));
+    }
+}
+
 void ObjectFactoryPrivate::prepare()
 {
     path = db.databaseName() == QLatin1String(":memory:") ? QString() : db.databaseName();
@@ -284,7 +319,14 @@ void ObjectFactoryPrivate::prepare()
     // row look-up scans the whole table.
     for (const char* index : {"devicesNodeIDIndex ON Devices(nodeID)", "devicesNodeTypeIndex ON Devices(nodeID, type)", "devicesTypeIndex ON Devices(type)",
                               "devicesLabelIndex ON Devices(label)", "devicesLowerLabelIndex ON Devices(lower(label))",
-                              "devicesSerialNumberIndex ON Devices(serialNumber)"}) {
+                              "devicesSerialNumberIndex ON Devices(serialNumber)",
+                              // The list in its usual order (node id, then uuid) read from one
+                              // index that holds every shown column: a page of rows then lies
+                              // on one or two index pages instead of one table page per row,
+                              // and a jump steps over rows without reading them. On a shared
+                              // file this matters most: another tool's every write empties the
+                              // page cache, and each page read again costs a fault or a read.
+                              "devicesListIndex ON Devices(nodeID, uuid, type, label, serialNumber)"}) {
         if (!query.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ") + QLatin1String(index)))
             warnSql("failed to create Devices index", query);
     }
@@ -293,6 +335,8 @@ void ObjectFactoryPrivate::prepare()
     if (!query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DevicesNodeTypes(deviceUUID INTEGER PRIMARY KEY "
                                    "REFERENCES Devices(uuid) ON DELETE CASCADE, nodeType INTEGER)")))
         warnSql("failed to create DevicesNodeTypes table", query);
+
+    keepDeviceCount(query);
 
     selectRow = QSqlQuery(db);
     selectRow.prepare(QStringLiteral("SELECT uuid, nodeID, type, label, serialNumber FROM Devices WHERE uuid=?"));
@@ -972,6 +1016,29 @@ VRN::NodeType ObjectFactory::deviceNodeType(VRNObject::UUID uuid)
     return VRNObject::nodeType(VRNObject::intToType(kind.isEmpty() ? 1 : int(kind.first())));
 }
 
+ObjectFactory::AddressProblem ObjectFactory::addressProblem(VRN::Addr addr)
+{
+    const quint32 number = VRN::getNumber(addr);
+    if (number == 0)
+        return NumberNone;
+    if (number == VRN::BroadcastNumber)
+        return NumberBroadcast;
+    if (VRN::isReservedNumber(number))
+        return NumberTool;
+    if (VRN::getType(addr) == VRN::NodeTool)
+        return TypeTool;
+    return VRN::isDeviceType(VRN::getType(addr)) ? AddressValid : TypeReserved;
+}
+
+ObjectFactory::AddressProblem ObjectFactory::deviceProblem(VRNObject::UUID uuid)
+{
+    Q_D(ObjectFactory);
+    const QList<unsigned> number = d->numbers(QStringLiteral("SELECT ifnull(nodeID, 0) FROM Devices WHERE uuid=?"), uuid);
+    if (number.isEmpty())
+        return AddressValid;
+    return addressProblem(VRN::makeAddr(deviceNodeType(uuid), int(number.first())));
+}
+
 bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)
 {
     Q_D(ObjectFactory);
@@ -1012,6 +1079,15 @@ QList<VRNObject::UUID> ObjectFactory::setOccurrences(unsigned nodeID, VRNObject:
         if (destroyObject(uuids.at(i)))
             uuids.removeAt(i);
     return uuids;
+}
+
+bool ObjectFactory::storeSerialNumberRead(VRNObject* object)
+{
+    auto device = qobject_cast<VRNStdObject*>(object);
+    if (!device)
+        return false;
+    // Written by a statement of its own: save() never writes it.
+    return setSerialNumber(object->uuid(), device->proxyStdConfig().getConstData().serialNumber);
 }
 
 bool ObjectFactory::storeLabelRead(VRNObject* object)

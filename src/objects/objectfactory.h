@@ -48,6 +48,18 @@ public:
     };
     Q_ENUM(DevicesTableColumn)
 
+    /// Why no device can have a node address (the numbers and node types
+    /// PROTOCOL.md reserves); `AddressValid` when a device can.
+    enum AddressProblem {
+        AddressValid = 0,
+        NumberNone,       ///< node number 0
+        NumberBroadcast,  ///< 0xFFFFFF, every node
+        NumberTool,       ///< 1 or 0xFE0000..0xFEFFFF, a configuration tool's
+        TypeTool,         ///< node type 0, a configuration tool's
+        TypeReserved      ///< node types 15..255
+    };
+    Q_ENUM(AddressProblem)
+
     static ObjectFactory* instance();
     /// Deletes the instance (cache and worker table included); the next
     /// `instance()` starts afresh on the default connection.
@@ -139,8 +151,19 @@ public:
     /// The node type discovery saw for the device; without one, the node type
     /// of its kind (`VRNObject::nodeType`).
     VRN::NodeType deviceNodeType(VRNObject::UUID uuid);
+    /// Why no device can have `addr` (a number with its node type).
+    static AddressProblem addressProblem(VRN::Addr addr);
+    /// The same for the device's row: its node number with the node type
+    /// discovery saw (`deviceNodeType`). A row with a problem (an older
+    /// registry, a forged answer) is listed as invalid and no job runs on it.
+    /// `AddressValid` for a uuid that is not listed.
+    Q_INVOKABLE ObjectFactory::AddressProblem deviceProblem(VRNObject::UUID uuid);
     /// Stores the serial number the device reported (`save` never writes it).
     bool setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber);
+    /// After a serial number read: stores the one the device reported in
+    /// the object's proxy record (`setSerialNumber`). False for an object
+    /// that is no node or when the write fails.
+    Q_INVOKABLE bool storeSerialNumberRead(VRNObject* object);
     /// Makes `count` rows list node number `nodeID` (of kind `type`) when
     /// `count` devices answer to it: rows are added (created, not selected)
     /// or the surplus rows without a label or serial number of their own,

@@ -34,6 +34,7 @@ public:
     void init();
     /// Creates the schema on `db` and prepares the statements run per device.
     void prepare();
+    void keepDeviceCount(QSqlQuery& query);
     /// Runs `query` (its prepared statement, or `statement`), trying again
     /// while another process holds the registry, up to the busy timeout. A
     /// failure is recorded (`lastError`, `writeFailed`) with its reason.

@@ -27,7 +27,7 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), keyQuery(db), betweenQuery(db), changesQuery(db), versionQuery(db)
+    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), changesQuery(db), versionQuery(db), keyQuery(db), betweenQuery(db)
 {
     changesQuery.prepare(QStringLiteral("SELECT total_changes()"));
     versionQuery.prepare(QStringLiteral("PRAGMA data_version"));
@@ -123,6 +123,22 @@ void ObjectQueryModelPrivate::updateRowCount()
     const QString table = narrowFilter ? matchTable
                         : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
                                        : QStringLiteral("Devices");
+    query.setForwardOnly(true);
+    // Counting reads every leaf page of an index, and on a shared file
+    // another tool's last write has emptied the page cache: the count the
+    // database keeps (ObjectFactory's DevicesCount) is one page instead. A
+    // registry that lacks it (opened read only, made elsewhere) is counted.
+    // The count is taken only while both its triggers are there; they also
+    // make each insert and delete one row change more (see rowChanges).
+    countKept = !filtered()
+        && query.exec(QStringLiteral("SELECT n FROM DevicesCount WHERE (SELECT COUNT(*) FROM sqlite_master WHERE type = "
+                                     "'trigger' AND name IN ('devicesCountInsert', 'devicesCountDelete')) = 2"))
+        && query.next();
+    if (countKept) {
+        rowCount = query.value(0).toInt();
+        query.finish();
+        return;
+    }
     if (query.exec(QStringLiteral("SELECT COUNT(*) FROM ") + table) && query.next()) {
         rowCount = query.value(0).toInt();
         return;
@@ -688,7 +704,7 @@ void ObjectQueryModel::onObjectCreated(QSharedPointer<VRNObject> object, bool se
         return;
     }
     // The insert being announced is the one change the anchors may have missed.
-    d->checkAnchors(1);
+    d->checkAnchors(d->rowChanges());
     const int generation = d->anchorGeneration;
     const int v = d->indexOf(object->uuid());
     if (v >= 0)
@@ -795,7 +811,7 @@ void ObjectQueryModel::onEndObjectDestroyed(VRNObject::UUID uuid, VRN::Addr addr
     }
     const int v = d->pendingRemoval;
     d->pendingRemoval = -1;
-    d->checkAnchors(1);
+    d->checkAnchors(d->rowChanges());
     if (d->removedKeyKnown && d->anchorsBuilt)
         d->shiftAnchors(d->removedKey, uuid, -1);
     d->removedKeyKnown = false;

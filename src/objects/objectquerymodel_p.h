@@ -72,6 +72,9 @@ public:
     /// Anchors read before a change the model did not hear of go; `expected`
     /// row changes on this connection (the one being announced) are allowed.
     void checkAnchors(int expected = 0);
+    /// Row changes SQLite counts for the insert or delete of one device:
+    /// the kept device count's trigger changes a row too.
+    int rowChanges() const { return countKept ? 2 : 1; }
     void dropAnchors();
     void buildAnchors();
     /// The integer sort key of the row `uuid`; false for a missing row or a
@@ -126,6 +129,8 @@ public:
     QString nextRowsStatement;
     QVector<Anchor> anchors;
     bool anchorsBuilt = false;
+    /// The database keeps the device count (ObjectFactory's DevicesCount).
+    bool countKept = false;
     Stamp anchorStamp;
     QSqlQuery changesQuery;
     QSqlQuery versionQuery;

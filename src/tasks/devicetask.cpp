@@ -125,16 +125,49 @@ bool DeviceTask::takesNack(const VRNMessage& reply) const
 
 void DeviceTask::failCall(const BusPendingCall::Error& error, const QString& text)
 {
+    Q_D(DeviceTask);
     switch (error) {
     case BusPendingCall::TimeoutError:
     case BusPendingCall::WriteError:
     case BusPendingCall::BusNotAvailableError:
+        // The slots read so far stay in the object's record: a retry of the
+        // job asks only for the one that failed and those after it.
+        if (d->slot > 0 && job() && vrnObject()) {
+            const_cast<Job*>(job())->setProperty(ResumeProperty, QVariantMap{
+                {QStringLiteral("node"), quint64(vrnObject()->address())}, {QStringLiteral("slot"), d->slot}});
+        }
         failTransient(text);
         break;
     default:
         fail(text);
         break;
     }
+}
+
+int DeviceTask::slot() const
+{
+    return d_func()->slot;
+}
+
+void DeviceTask::setSlot(int slot)
+{
+    d_func()->slot = slot;
+}
+
+int DeviceTask::resumeSlot(int entriesRead)
+{
+    if (!job())
+        return 0;
+    Job* mine = const_cast<Job*>(job());
+    const QVariantMap mark = mine->property(ResumeProperty).toMap();
+    mine->setProperty(ResumeProperty, QVariant());
+    // Another node's place (a job copied from device to device) or a record
+    // changed since (another read in between) starts the read anew.
+    const int slot = mark.value(QStringLiteral("slot")).toInt();
+    if (!vrnObject() || mark.value(QStringLiteral("node")).toULongLong() != vrnObject()->address()
+        || slot <= 0 || slot != entriesRead)
+        return 0;
+    return slot;
 }
 
 void DeviceTask::onReply(const VRNMessage& reply)

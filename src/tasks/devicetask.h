@@ -52,6 +52,10 @@ class DeviceTask : public Task
     Q_OBJECT
 
 public:
+    /// Dynamic property of a job that a list read cut short left behind:
+    /// where the next run of the same job on the same node continues.
+    static constexpr const char* ResumeProperty = "resumeRead";
+
     ~DeviceTask() override;
 
     void run() override;
@@ -102,8 +106,18 @@ protected:
     virtual bool takesNack(const VRNMessage& reply) const;
     /// Fails with `text` for a call that ended with `error`: transiently
     /// (`Task::failTransient`) for a timeout, a write failure or a missing
-    /// bus, which another run may not meet.
+    /// bus, which another run may not meet. A list read cut short this way
+    /// leaves its place on the job (`ResumeProperty`).
     void failCall(const BusPendingCall::Error& error, const QString& text);
+
+    /// The slot a list read (`ReadTask`) asked for last; 0 before the first.
+    int slot() const;
+    void setSlot(int slot);
+    /// For a list read: the slot at which an earlier run of this job on this
+    /// node stopped for a transient failure, when `entriesRead` (the entries
+    /// the object's record holds now) are exactly the slots before it; else
+    /// 0, a read from the start. Either way the job's mark is taken off.
+    int resumeSlot(int entriesRead);
 
     /// A failure text in the context of the task's own class, or, when that
     /// has no translation, in the context of `DeviceTask`, where the shared

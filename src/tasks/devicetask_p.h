@@ -24,6 +24,8 @@ public:
     DeviceTask::StepParser stepParser;
     quint8 stepExpected = 0x7F;
     bool stepTestsNack = true;
+    /// The slot of a list read asked for last (`ReadTask`).
+    int slot = 0;
 
 private:
     Q_DISABLE_COPY(DeviceTaskPrivate)

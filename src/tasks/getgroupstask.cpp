@@ -1,31 +1,37 @@
 #include "getgroupstask.h"
-#include "getgroupstask_p.h"
 
 #include "dts.h"
 #include "objectregistry.h"
 
 GetGroupsTask::GetGroupsTask(Worker&, QObject* object, const Job& job, QObject* parent)
-    : ReadTask(object, job, parent, new GetGroupsTaskPrivate)
+    : ReadTask(object, job, parent)
 {
 }
 
 GetGroupsTask::GetGroupsTask(QObject* object, QObject* parent)
-    : ReadTask(QStringLiteral("GetGroupsJob"), object, parent, new GetGroupsTaskPrivate)
+    : ReadTask(QStringLiteral("GetGroupsJob"), object, parent)
 {
 }
 
 GetGroupsTask::~GetGroupsTask() = default;
 
-BusPendingCall GetGroupsTask::request(DTSStdProxy& node)
+int GetGroupsTask::slotCount() const
 {
-    Q_D(GetGroupsTask);
-    d->index = 0;
-    return node.getGroupAddr(d->index);
+    return DTSStdProxy::GroupSlotCount;
+}
+
+BusPendingCall GetGroupsTask::requestSlot(DTSStdProxy& node, int slot)
+{
+    return node.getGroupAddr(quint8(slot));
+}
+
+int GetGroupsTask::entries(const StdConfigData& proxy) const
+{
+    return proxy.getConstData().groups.size();
 }
 
 bool GetGroupsTask::parse(const DTSStdProxy& node, const BusMessage& reply, StdConfigData& proxy)
 {
-    Q_D(GetGroupsTask);
     unsigned char slot = 0;
     unsigned int addr = 0;
     if (!node.getGroupAddrReply(reply, slot, addr))
@@ -33,7 +39,7 @@ bool GetGroupsTask::parse(const DTSStdProxy& node, const BusMessage& reply, StdC
     // The slot the reply names is not compared with the one asked for: every
     // reply that parses is appended, in the order the replies come. The list
     // starts anew with the first request of a read (slot 0 asked for).
-    if (d->index == 0)
+    if (this->slot() == 0)
         proxy.data().groups.clear();
     proxy.data().groups.append(addr);
     return true;
@@ -51,21 +57,18 @@ void GetGroupsTask::seed(const StdConfigData& from, StdConfigData& to) const
 
 bool GetGroupsTask::requestNext()
 {
-    Q_D(GetGroupsTask);
-    if (++d->index >= DTSStdProxy::GroupSlotCount) {
-        // Every slot read: the registry's membership of the device follows.
-        QString error;
-        ObjectRegistry* registry = ObjectRegistry::instance();
-        if (registry && !registry->groupSlotsKnown(object(), object()->proxyStdConfig().getConstData().groups, &error)) {
-            // The device answered, but the registry keeps the old groups:
-            // reported, never taken for a success.
-            fail(tr("registry not updated: %1").arg(error));
-            return true;
-        }
-        return false;
+    if (ReadTask::requestNext())
+        return true;
+    // Every slot read: the registry's membership of the device follows.
+    QString error;
+    ObjectRegistry* registry = ObjectRegistry::instance();
+    if (registry && !registry->groupSlotsKnown(object(), object()->proxyStdConfig().getConstData().groups, &error)) {
+        // The device answered, but the registry keeps the old groups:
+        // reported, never taken for a success.
+        fail(tr("registry not updated: %1").arg(error));
+        return true;
     }
-    watch(node()->getGroupAddr(d->index));
-    return true;
+    return false;
 }
 
 quint8 GetGroupsTask::expectedReply() const

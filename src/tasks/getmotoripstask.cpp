@@ -9,8 +9,6 @@ public:
     explicit GetMotorIpsTaskPrivate(unsigned char count)
         : count(count == 0 || count > DTSMotorProxy::IPCount ? (unsigned char)DTSMotorProxy::IPCount : count) {}
     const unsigned char count;
-    /// The index asked for last.
-    unsigned char index = 0;
 };
 
 GetMotorIpsTask::GetMotorIpsTask(Worker&, QObject* object, const Job& job, QObject* parent)
@@ -25,19 +23,26 @@ GetMotorIpsTask::GetMotorIpsTask(QObject* object, unsigned char count, QObject* 
 
 GetMotorIpsTask::~GetMotorIpsTask() = default;
 
-BusPendingCall GetMotorIpsTask::request(DTSMotorProxy& node)
+int GetMotorIpsTask::slotCount() const
 {
-    Q_D(GetMotorIpsTask);
-    d->index = 0;
-    return node.getMotorIP(d->index);
+    return d_func()->count;
+}
+
+BusPendingCall GetMotorIpsTask::requestSlot(DTSMotorProxy& node, int slot)
+{
+    return node.getMotorIP(quint8(slot));
+}
+
+int GetMotorIpsTask::entries(const MotorConfigData& proxy) const
+{
+    return proxy.getConstData().ips.size();
 }
 
 bool GetMotorIpsTask::parse(const DTSMotorProxy& node, const BusMessage& reply, MotorConfigData& proxy)
 {
-    Q_D(GetMotorIpsTask);
     MotorConfigDataData::MotorIp ip;
     unsigned char index = 0;
-    if (!node.getMotorIPReply(reply, index, ip.pulse, ip.pct) || index != d->index)
+    if (!node.getMotorIPReply(reply, index, ip.pulse, ip.pct) || index != slot())
         return false;
     if (index == 0)
         proxy.data().ips.clear();
@@ -53,15 +58,6 @@ bool GetMotorIpsTask::isKnown(const MotorConfigData& record) const
 void GetMotorIpsTask::seed(const MotorConfigData& from, MotorConfigData& to) const
 {
     to.data().ips = from.getConstData().ips;
-}
-
-bool GetMotorIpsTask::requestNext()
-{
-    Q_D(GetMotorIpsTask);
-    if (++d->index >= d->count)
-        return false;
-    watch(node()->getMotorIP(d->index));
-    return true;
 }
 
 quint8 GetMotorIpsTask::expectedReply() const

@@ -8,7 +8,8 @@ class GetMotorIpsTaskPrivate;
 /// Reads the motor's 16 intermediate positions, index 0 first, one request
 /// each. Every reply is stored in the proxy record at once (index 0 starts a
 /// new list), so a failure part-way keeps the positions read before it;
-/// after the last the local list is seeded. Other call errors read
+/// after the last the local list is seeded; a retry of the job after an
+/// index got no answer continues there. Other call errors read
 /// "GetMotorIpsTask failed".
 class GetMotorIpsTask : public ReadTask<MotorConfigData>
 {
@@ -21,12 +22,13 @@ public:
     ~GetMotorIpsTask() override;
 
 protected:
-    BusPendingCall request(DTSMotorProxy& node) override;
+    int slotCount() const override;
+    BusPendingCall requestSlot(DTSMotorProxy& node, int slot) override;
+    int entries(const MotorConfigData& proxy) const override;
     /// A reply for another index than the one asked for does not parse.
     bool parse(const DTSMotorProxy& node, const BusMessage& reply, MotorConfigData& proxy) override;
     bool isKnown(const MotorConfigData& record) const override;
     void seed(const MotorConfigData& from, MotorConfigData& to) const override;
-    bool requestNext() override;
     quint8 expectedReply() const override;
 
 private:

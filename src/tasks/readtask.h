@@ -16,6 +16,14 @@
 /// Records without a local copy (`Traits::HasLocal` false: runtime values)
 /// are never seeded.
 ///
+/// A list read slot by slot states `slotCount()`, `requestSlot()` and
+/// `entries()`: the task asks for slot 0, then each next slot after a reply
+/// that parsed. When a slot gets no answer in time the run fails as any read
+/// does, with the slots before it kept in the proxy record, and the job
+/// remembers the place: its next run on the same node asks for that slot
+/// first and appends from there, so a retry costs the slots still missing,
+/// not the whole list.
+///
 ///     BusPendingCall request(DTSStdProxy& n) override { return n.getNodeLabel(); }
 ///     bool parse(const DTSStdProxy& n, const BusMessage& m, StdConfigData& c) override
 ///     { return n.getNodeLabelReply(m, c.data().label); }
@@ -42,8 +50,34 @@ protected:
     /// Copies the task's field from `from` into `to` (records with a local copy).
     virtual void seed(const Record& from, Record& to) const { Q_UNUSED(from) Q_UNUSED(to) }
     /// Sends the next request of a multi-step read and returns true; false
-    /// (the default) when the read is complete.
-    virtual bool requestNext() { return false; }
+    /// when the read is complete. By default the next slot of a list read.
+    virtual bool requestNext()
+    {
+        if (this->slot() + 1 >= slotCount())
+            return false;
+        this->setSlot(this->slot() + 1);
+        this->watch(requestSlot(*this->node(), this->slot()));
+        return true;
+    }
+
+    /// The slots of a list read; 0 (the default) for a read of one request.
+    virtual int slotCount() const { return 0; }
+    /// The request for `slot` of a list read.
+    virtual BusPendingCall requestSlot(Proxy& node, int slot)
+    {
+        Q_UNUSED(node) Q_UNUSED(slot)
+        return BusPendingCall::fromError(BusPendingCall::OtherError);
+    }
+    /// The entries of the list that `proxy` holds (list reads).
+    virtual int entries(const Record& proxy) const { Q_UNUSED(proxy) return 0; }
+
+    void start() override
+    {
+        if (slotCount() == 0)
+            return Base::start();
+        this->setSlot(this->resumeSlot(entries(Traits::proxy(*this->object()))));
+        this->watch(requestSlot(*this->node(), this->slot()));
+    }
 
     void onReply(const VRNMessage& reply) override
     {

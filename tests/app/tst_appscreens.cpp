@@ -266,6 +266,22 @@ void tst_AppScreens::connection()
     QCOMPARE(view("devicesView")->property("deviceCount").toInt(), 30);
     QCOMPARE(m_window->findChild<QObject*>(QStringLiteral("discoverySummary"))->property("text").toString(),
              QStringLiteral("30 found: 30 new, 0 already known, 0 missing"));
+    // Serial numbers are read into the registry with the labels; on the
+    // shared number either device's may answer. A setting tool is no
+    // network node: nothing is read from it.
+    QObject* jobs = m_window->property("jobs").value<QObject*>();
+    QTRY_COMPARE_WITH_TIMEOUT(jobs->property("running").toInt(), 0, 10000);
+    QMultiHash<quint32, QByteArray> serials;
+    for (const SimNode* node : m_network->net.nodes())
+        serials.insert(node->number(), node->serialNumber());
+    for (int row = 0; row < 30; ++row) {
+        const QVariantMap shown = values(row);
+        if (shown.value(QStringLiteral("type")).toInt() == VRNObject::SettingTool)
+            continue;
+        const QByteArray serial = shown.value(QStringLiteral("serialNumber")).toByteArray();
+        QVERIFY2(!serial.isEmpty() && serials.values(shown.value(QStringLiteral("nodeID")).toUInt()).contains(serial),
+                 qPrintable(QStringLiteral("row %1: %2").arg(row).arg(QString::fromLatin1(serial))));
+    }
     save(QStringLiteral("connection"));
 }
 
@@ -310,6 +326,37 @@ void tst_AppScreens::devices()
     QTRY_COMPARE_WITH_TIMEOUT(proxy("label").toString(), QStringLiteral("Living room"), 5000);
     QTRY_COMPARE(labelEdit->property("text").toString(), QStringLiteral("Living room"));
     save(QStringLiteral("devices"));
+
+    // A row no device can have (the broadcast number, from an older
+    // registry): marked, explained when pointed at, and no job goes to it.
+    const QSharedPointer<VRNObject> forged = ObjectFactory::instance()->createObject(VRNObject::DtsStd, VRN::BroadcastNumber);
+    QVERIFY(forged);
+    const QVariant uuid = forged->uuid();
+    int invalid = -1;
+    for (int r = 0; r < 31 && invalid < 0; ++r)
+        invalid = values(r).value(QStringLiteral("uuid")) == uuid ? r : -1;
+    for (int r = 0; r < 31; ++r) {
+        QQuickItem* item = rowItem(r);
+        QVERIFY(item);
+        QCOMPARE(item->property("problem").toString().isEmpty(), r != invalid);
+    }
+    QQuickItem* item = rowItem(invalid);
+    QVERIFY(shown("deviceList", "cell4").contains(QStringLiteral("\u26A0 invalid")));
+    QTest::mouseMove(m_window, item->mapToScene(QPointF(20, 10)).toPoint());
+    QTRY_VERIFY(visibleTexts().contains(QStringLiteral(
+        "Invalid row, its node number FFFFFF is the broadcast address, a job on it would reach every device. "
+        "No job is sent to it: forget it and discover the devices again.")));
+    save(QStringLiteral("devices-invalid"));
+    QVariant queued;
+    QVERIFY(QMetaObject::invokeMethod(jobs, "run", Q_RETURN_ARG(QVariant, queued), Q_ARG(QVariant, uuid),
+                                      Q_ARG(QVariant, QStringLiteral("SetLabelJob")), Q_ARG(QVariant, QVariant()),
+                                      Q_ARG(QVariant, QVariant()), Q_ARG(QVariant, QVariant()), Q_ARG(QVariant, QVariant())));
+    QCOMPARE(queued.toBool(), false);
+    const QStringList log = m_engine->rootContext()->contextProperty("appLog").value<QObject*>()->property("entries").toStringList();
+    QVERIFY2(log.first().contains(QStringLiteral("Write label: not sent, the row is invalid: its node number FFFFFF")),
+             qPrintable(log.first()));
+    QVERIFY(ObjectFactory::instance()->destroyObject(uuid.toUInt()));
+    QTRY_COMPARE(devicesView->property("deviceCount").toInt(), 30);
 }
 
 // The same motor moves: the position shown changes while it runs.
@@ -549,7 +596,7 @@ void tst_AppScreens::everyViewInBothThemes()
     show("actions");
     QTRY_VERIFY2(shown("actionResults", "actionOutcome").contains(QStringLiteral("Move up: not a motor")),
                  qPrintable(shown("actionResults", "actionOutcome").join(QLatin1String(" | "))));
-    for (const QString theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
+    for (const QString& theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
         m_window->setProperty("themeChoice", theme);
         for (const QString& name : views) {
             show(qPrintable(name));

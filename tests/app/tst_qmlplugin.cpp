@@ -50,7 +50,7 @@ void tst_QmlPlugin::types_data()
     for (const char* name : {"Settings", "BusFactory", "ObjectFactory", "GroupFactory"})
         QTest::newRow(name) << name << int(Singleton);
     for (const char* name : {"QMLSerialPortList", "DeviceRecords", "GroupControl", "BusDiscoverJob", "SetNodeDiscoveryJob",
-                             "GetFwVersionJob", "GetGroupsJob", "SetGroupsJob", "GetLabelJob", "SetLabelJob",
+                             "GetFwVersionJob", "GetGroupsJob", "SetGroupsJob", "GetLabelJob", "SetLabelJob", "GetSerialNumberJob",
                              "VisualFeedbackJob", "MotorControlJob", "MotorCtrlMoveJob", "GetDirectionJob",
                              "SetDirectionJob", "GetEndLimitsJob", "SetEndLimitsJob", "GetPositionJob",
                              "SetFactoryDefaultJob", "GetMotorIpsJob", "SetMotorIpJob", "GetSpeedJob",

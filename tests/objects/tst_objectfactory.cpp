@@ -133,6 +133,39 @@ private slots:
         QVERIFY(!factory()->objectQml(this, 5));
     }
 
+    // Rows no device can have (an older registry, a forged answer): by the
+    // number, or by the node type discovery saw.
+    void reservedRowsAreInvalid_data()
+    {
+        QTest::addColumn<quint32>("number");
+        QTest::addColumn<int>("seenType");  // -1: none seen
+        QTest::addColumn<int>("problem");
+        const int valid = ObjectFactory::AddressValid;
+        QTest::newRow("device") << 0x000002u << -1 << valid;
+        QTest::newRow("below the tool range") << 0xFDFFFFu << -1 << valid;
+        QTest::newRow("setting tool seen") << 0x123456u << int(VRN::NodeSettingTool) << valid;
+        QTest::newRow("zero") << 0u << -1 << int(ObjectFactory::NumberNone);
+        QTest::newRow("broadcast") << 0xFFFFFFu << -1 << int(ObjectFactory::NumberBroadcast);
+        for (quint32 tool : {0x000001u, 0xFE0000u, 0xFEFFFFu})
+            QTest::addRow("tool %06x", tool) << tool << -1 << int(ObjectFactory::NumberTool);
+        QTest::newRow("tool type seen") << 0x123456u << 0 << int(ObjectFactory::TypeTool);
+        for (int type : {15, 255})
+            QTest::addRow("type %d seen", type) << 0x123456u << type << int(ObjectFactory::TypeReserved);
+    }
+    void reservedRowsAreInvalid()
+    {
+        QFETCH(quint32, number);
+        QFETCH(int, seenType);
+        QFETCH(int, problem);
+        const QSharedPointer<VRNObject> object = factory()->createObject(VRNObject::DtsStd, number);
+        QVERIFY(object);
+        if (seenType >= 0)
+            QCOMPARE(factory()->settleKind(VRN::makeAddr(VRN::NodeType(seenType), int(number)), object->uuid()),
+                     object->uuid());
+        QCOMPARE(int(factory()->deviceProblem(object->uuid())), problem);
+        QCOMPARE(factory()->deviceProblem(object->uuid() + 1), ObjectFactory::AddressValid);
+    }
+
     void cacheKeepsTheMostRecent200()
     {
         QList<VRNObject::UUID> uuids;

@@ -10,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace RegistryFixture;
@@ -346,6 +347,49 @@ private slots:
             QCOMPARE(model->indexOf(uuid), referenceIndexOf(ObjectFactory::columnName(c), uuid));
         // The row count is read from the table, not from the view.
         QCOMPARE(model->rowCount(), sqlValue(QStringLiteral("SELECT COUNT(*) FROM ") + model->viewName()).toInt());
+    }
+
+    // A registry file that another tool writes too: the length of the list
+    // follows the rows that tool adds and removes. A file made before the
+    // database kept the count is counted at open; one that keeps none (read
+    // only, made elsewhere) is counted by the list itself.
+    void rowCountFollowsAnotherTool()
+    {
+        closeAll();
+        QTemporaryDir dir;
+        const QString file = dir.filePath(QStringLiteral("devices.sqlite"));
+        // Statements of another tool on the file, on a connection of its own.
+        auto otherTool = [&](const QStringList& statements) {
+            {
+                QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+                other.setDatabaseName(file);
+                QVERIFY(other.open());
+                QSqlQuery q(other);
+                for (const QString& statement : statements)
+                    QVERIFY2(q.exec(statement), qPrintable(q.lastError().text()));
+            }
+            QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        };
+        const QString insertRows = QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n WHERE x < %1) "
+                                                  "INSERT INTO Devices(nodeID) SELECT %2 + x FROM n");
+        otherTool({QStringLiteral("CREATE TABLE Devices(uuid INTEGER PRIMARY KEY NOT NULL,nodeID INTEGER DEFAULT 0,"
+                                  "type INTEGER DEFAULT 1,label TEXT DEFAULT NULL,serialNumber BLOB DEFAULT NULL)"),
+                   insertRows.arg(25).arg(0)});
+        QString error;
+        QVERIFY2(ObjectFactory::openRegistry(file, &error), qPrintable(error));
+        factory = ObjectFactory::instance();
+        makeModel();
+        QCOMPARE(model->rowCount(), 25);
+        otherTool({insertRows.arg(130).arg(100), QStringLiteral("DELETE FROM Devices WHERE uuid % 3 = 0")});
+        const int rows = sqlValue(QStringLiteral("SELECT COUNT(*) FROM Devices")).toInt();
+        QCOMPARE(rows, 155 - 51);
+        model->setSortBy(ObjectQueryModel::LabelRole);
+        QCOMPARE(model->rowCount(), rows);
+        QCOMPARE(model->toList().size(), rows);
+        sql(QStringLiteral("DROP TABLE DevicesCount"));
+        model->setSortBy(ObjectQueryModel::NodeIDRole);
+        QCOMPARE(model->rowCount(), rows);
+        QCOMPARE(at(rows - 1, ObjectQueryModel::NodeIDRole).toInt(), 230);
     }
 
     // Positions of rows created and destroyed through the factory, at

@@ -334,7 +334,7 @@ void tst_DeviceTasks::groupReadTimeout()
     for (int i = 0; i < SimNode::GroupSlots; ++i)
         m_simStd->setGroup(i, 0x020000u + unsigned(i));
     // The node falls silent when slot 5 is asked for.
-    connect(m_wire->bus, &Bus::messageSent, this, [this](const BusMessage& m) {
+    const auto silence = connect(m_wire->bus, &Bus::messageSent, this, [this](const BusMessage& m) {
         const VRNMessage request(m);
         if (request.cmd() == DTS::GetGroupAddr && request.payload().at(0) == 5)
             m_simStd->setSilent(true);
@@ -345,6 +345,34 @@ void tst_DeviceTasks::groupReadTimeout()
     const QList<VRN::Addr> read = stdObj()->proxyStdConfig().getConstData().groups;
     QCOMPARE(read, (QList<VRN::Addr>{0x020000, 0x020001, 0x020002, 0x020003, 0x020004}));
     QVERIFY(!stdObj()->localStdConfig().isGroupValid());
+
+    disconnect(silence);
+    m_simStd->setSilent(false);
+    const auto slotsAsked = [this] {
+        QList<int> asked;
+        for (const VRNMessage& m : m_wire->sentOf(DTS::GetGroupAddr))
+            asked << quint8(m.payload().at(0));
+        m_wire->sent.clear();
+        return asked;
+    };
+    slotsAsked();
+    // The place the job kept belongs to its node: on another device the
+    // same job reads from slot 0.
+    GetGroupsJob copied;
+    copied.setProperty(DeviceTask::ResumeProperty, job.property(DeviceTask::ResumeProperty));
+    VRNObjectWorker motorWorker(m_motor);
+    QCOMPARE(runJob(motorWorker, copied), Job::NoError);
+    QCOMPARE(slotsAsked().first(), 0);
+    // Run again on its node, the job asks for the slot that failed and those
+    // after it, and the list comes out whole and in order.
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
+    QCOMPARE(slotsAsked(), (QList<int>{5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
+    QCOMPARE(stdObj()->proxyStdConfig().getConstData().groups.size(), 16);
+    QCOMPARE(stdObj()->proxyStdConfig().getConstData().groups, stdObj()->localStdConfig().getConstData().groups);
+    QCOMPARE(stdObj()->proxyStdConfig().getConstData().groups.last(), 0x02000Fu);
+    // Once whole, a further run reads the list anew.
+    QCOMPARE(runJob(*m_worker, job), Job::NoError);
+    QCOMPARE(slotsAsked().size(), 16);
 }
 
 void tst_DeviceTasks::setGroups_data()

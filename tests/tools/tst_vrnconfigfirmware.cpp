@@ -2,12 +2,14 @@
 // packages built and signed with keys made for the test, the catalogue, the
 // check, updates of a motor and a standard node cut off by a power loss, the
 // recovery of both through their bootloader, and a second update that finds
-// nothing to do. Settings and registry in a temporary folder.
+// nothing to do; updates and recoveries over a noisy line. Settings and
+// registry in a temporary folder.
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -155,6 +157,38 @@ private slots:
         r = run(QStringLiteral("firmware update node:0x100 --force --json"));
         QCOMPARE(r.code, 0);
         QCOMPARE(firstResult(r.out).value(QStringLiteral("blocks")).toInt(), 50);
+    }
+
+    // A noisy line (30 % of the blocks arrive damaged, 20 % of the frames
+    // lost each way): every update and every recovery gets through, the
+    // damaged and lost blocks sent again. Runs last: the tool moves to the
+    // noisy simulator's bus.
+    void noisyLine()
+    {
+        QProcess noisy;
+        noisy.start(qEnvironmentVariable("VRNSIM"),
+                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.15:47715"), QStringLiteral("--devices"),
+                     QStringLiteral("motor:2,std:1"), QStringLiteral("--corrupt-blocks"), QStringLiteral("0.3"),
+                     QStringLiteral("--loss"), QStringLiteral("0.2"), QStringLiteral("--seed"), QStringLiteral("5")});
+        QVERIFY(noisy.waitForStarted(5000));
+        QVERIFY(noisy.waitForReadyRead(5000));
+        const auto stop = qScopeGuard([&noisy] {
+            noisy.terminate();
+            noisy.waitForFinished(5000);
+        });
+        QCOMPARE(run(QStringLiteral("open ") + QString::fromLatin1(noisy.readLine()).trimmed()).code, 0);
+        QCOMPARE(run(QStringLiteral("discover --json")).code, 0);
+        for (const QString& command : {QStringLiteral("update"), QStringLiteral("recover")}) {
+            const Result r = run(QStringLiteral("--yes firmware %1 --force node:0x100 node:0x102 --json").arg(command));
+            QVERIFY2(r.code == 0, r.out + r.err);
+            int retries = 0;
+            for (const QJsonValue& v : QJsonDocument::fromJson(r.out).object().value(QStringLiteral("results")).toArray()) {
+                QCOMPARE(v.toObject().value(QStringLiteral("version")).toString(), QStringLiteral("7.0.0"));
+                QCOMPARE(v.toObject().value(QStringLiteral("outcome")).toString(), command == QLatin1String("update") ? QStringLiteral("updated") : QStringLiteral("recovered"));
+                retries += v.toObject().value(QStringLiteral("retries")).toInt();
+            }
+            QVERIFY2(retries > 0, r.out.constData());
+        }
     }
 };
 

@@ -313,8 +313,7 @@ void readSerials(Cli& cli, QList<Found> devices, std::shared_ptr<DuplicateWatch>
     auto read = [](DeviceRun& run, QString& error) {
         const QByteArray serial = run.device->proxyStdConfig().getConstData().serialNumber;
         run.result.insert(QStringLiteral("serialNumber"), QString::fromLatin1(serial));
-        // Written by a statement of its own: save() never writes it.
-        if (ObjectFactory::instance()->setSerialNumber(run.uuid, serial))
+        if (ObjectFactory::instance()->storeSerialNumberRead(run.device))
             return true;
         error = ObjectFactory::instance()->lastError();
         return false;

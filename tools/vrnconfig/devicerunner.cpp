@@ -3,6 +3,7 @@
 #include "bus.h"
 #include "busfactory.h"
 #include "bushealthmodel.h"
+#include "devicetask.h"
 #include "groupfactory.h"
 #include "grouptask.h"
 #include "groupworker.h"
@@ -208,7 +209,7 @@ void DeviceRunner::deviceDone(unsigned int uuid)
         const QmlJob* inner = m_groupTask->innerJob();
         if (inner && inner->worker() == run->worker.data() && inner->isTransientError() && m_cli.retries() > 0
             && !inner->property(RunOnce).toBool() && m_interrupts == 0 && !m_abortNow)
-            return retryAlone(*run);
+            return retryAlone(*run, *inner);
         return run->fail(results->errorString(uuid));
     }
     run->jobResult = results->result(uuid);
@@ -231,12 +232,14 @@ void DeviceRunner::groupEnded()
     summarise();
 }
 
-void DeviceRunner::retryAlone(DeviceRun& run)
+void DeviceRunner::retryAlone(DeviceRun& run, const QmlJob& failed)
 {
     QmlJob* job = m_make(*run.device);
     if (!job)
         return run.fail(m_groupTask->result()->errorString(run.uuid));
     job->setParent(this);
+    // A list read cut short goes on where it stopped.
+    job->setProperty(DeviceTask::ResumeProperty, failed.property(DeviceTask::ResumeProperty));
     run.m_triesBefore = 1;
     QTimer::singleShot(RetryDelayMs, this, [this, &run, job] {
         run.start(job, [this, &run](Job::Error error) {

@@ -163,7 +163,7 @@ private:
     void groupEnded();
     /// Runs a device's job again on its own worker, after its turn in the
     /// group failed for a reason that may pass (--retries).
-    void retryAlone(DeviceRun& run);
+    void retryAlone(DeviceRun& run, const QmlJob& failed);
     void ended(DeviceRun& run);
     void interrupt();
     void report(const DeviceRun& run);

@@ -1,6 +1,5 @@
 // The registry family: listing and forgetting the devices the registry holds.
 #include "command.h"
-#include "vrn.h"
 #include "vrnconfigcli.h"
 
 #include "objectfactory.h"
@@ -50,7 +49,7 @@ void list(Cli& cli, const QStringList& args)
         const QString serial = QString::fromUtf8(value(ObjectQueryModel::SerialNumberRole).toByteArray());
         const int nbOccur = value(ObjectQueryModel::NbOccurRole).toInt();
         // A number no device can have (an older registry, a forged answer): no job runs on it.
-        const bool valid = !VRN::isReservedNumber(VRN::getNumber(node));
+        const bool valid = ObjectFactory::instance()->deviceProblem(uuid) == ObjectFactory::AddressValid;
         if (cli.json())
             array.append(QJsonObject{{QStringLiteral("uuid"), qint64(uuid)}, {QStringLiteral("nodeID"), qint64(node)},
                                      {QStringLiteral("type"), type}, {QStringLiteral("typeName"), typeName},

@@ -84,8 +84,8 @@ Pane {
     Component.onCompleted: showOpenBus()
 
     // Discovery runs on the bus worker; the summary compares the devices
-    // found with the rows known before. The labels of the devices found are
-    // read afterwards, as the command-line tool does.
+    // found with the rows known before. The serial numbers and labels of
+    // the devices found are read afterwards, as the command-line tool does.
     function discover() {
         if (discovering || !BusFactory.busWorker)
             return false
@@ -127,6 +127,8 @@ Pane {
             if (!(uuid > 0 && uuid < 0xFFFFFFFF))
                 continue
             labelsAsked += 1
+            // Same priority, same worker: the serial number comes first.
+            jobs.run(uuid, "GetSerialNumberJob", {}, null, 1)
             jobs.run(uuid, "GetLabelJob", {}, function(ok) {
                 if (ok) labelsRead += 1; else labelsFailed += 1
             }, 1)

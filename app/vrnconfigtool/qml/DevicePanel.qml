@@ -100,7 +100,7 @@ ScrollView {
         logModel.insert(0, { entry: ++nextEntry, text: Format.outcome(name, ok, text, proxy, runtime), ok: ok, running: false })
     }
     function run(name, props, then, title) {
-        if (uuid === undefined)
+        if (uuid === undefined || !jobs)
             return false
         var end = begin(title || Format.jobTitle(name))
         return jobs.run(uuid, name, props, function(ok, text, result) {

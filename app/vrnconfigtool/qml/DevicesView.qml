@@ -33,7 +33,7 @@ Pane {
         { title: qsTr("Kind"), role: ObjectQueryModel.TypeRole, chars: 17 },
         { title: qsTr("Label"), role: ObjectQueryModel.LabelRole, chars: 20 },
         { title: qsTr("Serial number"), role: ObjectQueryModel.SerialNumberRole, chars: 15 },
-        { title: qsTr("Clash"), role: ObjectQueryModel.NbOccurRole, chars: 10 }
+        { title: qsTr("Clash"), role: ObjectQueryModel.NbOccurRole, chars: 13 }
     ]
 
     function sortBy(role) {
@@ -314,6 +314,9 @@ Pane {
                 height: view.rowHeight
                 readonly property bool selected: view.selectionRevision >= 0 && view.selection.contains(model.uuid)
                 readonly property bool duplicate: model.nbOccur > 1
+                // A number or node type no device can have (an older
+                // registry, a forged answer): marked, and no job runs on it.
+                readonly property string problem: view.jobs ? view.jobs.problemText(ObjectFactory.deviceProblem(model.uuid)) : ""
                 readonly property bool current: ListView.isCurrentItem
                 color: selected ? palette.highlight : (index % 2 ? palette.alternateBase : palette.base)
                 border.width: current && list.activeFocus ? 1 : 0
@@ -323,7 +326,7 @@ Pane {
                     Repeater {
                         model: [Format.hex(nodeID, 6), Format.kindName(type),
                                 String(label || ""), Format.serialText(serialNumber),
-                                row.duplicate ? "\u26A0 " + nbOccur : ""]
+                                row.problem !== "" ? "\u26A0 " + qsTr("invalid") : row.duplicate ? "\u26A0 " + nbOccur : ""]
                         Label {
                             objectName: "cell" + index
                             width: fm.averageCharacterWidth * view.columns[index].chars
@@ -331,15 +334,16 @@ Pane {
                             elide: Text.ElideRight
                             text: modelData
                             color: row.selected ? palette.highlightedText
+                                                : (index === 0 || index === 4) && row.problem !== "" ? "firebrick"
                                                 : (index === 4 && row.duplicate ? "darkorange" : palette.text)
-                            font.bold: index === 4 && row.duplicate
+                            font.bold: index === 4 && (row.duplicate || row.problem !== "")
                         }
                     }
                 }
                 MouseArea {
                     id: rowMouse
                     anchors.fill: parent
-                    hoverEnabled: row.duplicate
+                    hoverEnabled: row.duplicate || row.problem !== ""
                     acceptedButtons: Qt.LeftButton | Qt.RightButton
                     onClicked: {
                         list.forceActiveFocus()
@@ -352,11 +356,14 @@ Pane {
                         }
                     }
                 }
-                ToolTip.visible: row.duplicate && rowMouse.containsMouse
+                ToolTip.visible: (row.duplicate || row.problem !== "") && rowMouse.containsMouse
                 ToolTip.delay: 500
-                ToolTip.text: qsTr("%1 devices answer on node number %2. The bus cannot tell them apart: "
-                                   + "their answers may mix and a write may reach the wrong one. "
-                                   + "Give one of them another node number.").arg(model.nbOccur).arg(Format.hex(nodeID, 6))
+                ToolTip.text: row.problem !== ""
+                              ? qsTr("Invalid row, %1. No job is sent to it: forget it and discover the devices again.")
+                                .arg(row.problem)
+                              : qsTr("%1 devices answer on node number %2. The bus cannot tell them apart: "
+                                     + "their answers may mix and a write may reach the wrong one. "
+                                     + "Give one of them another node number.").arg(model.nbOccur).arg(Format.hex(nodeID, 6))
             }
 
             Label {

@@ -100,6 +100,7 @@ function jobTitle(name) {
     switch (name) {
     case "GetLabelJob": return qsTr("Read label");
     case "SetLabelJob": return qsTr("Write label");
+    case "GetSerialNumberJob": return qsTr("Read serial number");
     case "GetGroupsJob": return qsTr("Read groups");
     case "SetGroupsJob": return qsTr("Write groups");
     case "GetFwVersionJob": return qsTr("Read firmware version");

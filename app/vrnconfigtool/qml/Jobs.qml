@@ -8,7 +8,7 @@ QtObject {
     id: jobs
 
     readonly property var kinds: ({
-        "GetLabelJob": getLabel, "SetLabelJob": setLabel,
+        "GetLabelJob": getLabel, "SetLabelJob": setLabel, "GetSerialNumberJob": getSerialNumber,
         "GetGroupsJob": getGroups, "SetGroupsJob": setGroups,
         "GetFwVersionJob": getFwVersion, "VisualFeedbackJob": wink,
         "MotorControlJob": motorControl, "MotorCtrlMoveJob": motorMove,
@@ -24,6 +24,7 @@ QtObject {
     })
     property Component getLabel: Component { GetLabelJob {} }
     property Component setLabel: Component { SetLabelJob {} }
+    property Component getSerialNumber: Component { GetSerialNumberJob {} }
     property Component getGroups: Component { GetGroupsJob {} }
     property Component setGroups: Component { SetGroupsJob {} }
     property Component getFwVersion: Component { GetFwVersionJob {} }
@@ -51,7 +52,7 @@ QtObject {
 
     // Jobs after which the device's row in the registry is stored, so that
     // the device list shows what was read or written.
-    readonly property var stored: ["GetLabelJob", "SetLabelJob"]
+    readonly property var stored: ["GetLabelJob", "SetLabelJob", "GetSerialNumberJob"]
 
     // Jobs still running, so that their end is counted.
     property int running: 0
@@ -68,14 +69,38 @@ QtObject {
     // The end of a job in the user's words.
     function outcomeText(name, ok, errorText) { return Format.outcome(name, ok, errorText) }
 
+    // Why a registry row can be no device's (ObjectFactory.deviceProblem),
+    // in the user's words; "" for a valid row.
+    function problemText(problem) {
+        switch (problem) {
+        case ObjectFactory.NumberNone: return qsTr("its node number is 0, which no device has");
+        case ObjectFactory.NumberBroadcast:
+            return qsTr("its node number FFFFFF is the broadcast address, a job on it would reach every device");
+        case ObjectFactory.NumberTool: return qsTr("its node number belongs to configuration tools, never to a device");
+        case ObjectFactory.TypeTool: return qsTr("its node type 0 belongs to configuration tools, never to a device");
+        case ObjectFactory.TypeReserved: return qsTr("its node type is reserved, no device has it");
+        default: return "";
+        }
+    }
+
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
     // (optional) is called with (ok, errorText, result) after `done`;
     // `created` (optional) with the job before it is queued.
     function run(uuid, name, props, then, priority, created) {
-        var worker = ObjectFactory.objectWorkerQml(jobs, uuid);
-        if (!worker || !worker.data) {
-            done(name, uuid, false, qsTr("the device is no longer listed"), undefined);
-            if (then) then(false, qsTr("the device is no longer listed"), undefined);
+        var worker = null;
+        var problem = ObjectFactory.deviceProblem(uuid);
+        var refused = problem !== ObjectFactory.AddressValid
+                ? qsTr("not sent, the row is invalid: %1").arg(problemText(problem)) : "";
+        if (refused === "") {
+            worker = ObjectFactory.objectWorkerQml(jobs, uuid);
+            if (!worker || !worker.data)
+                refused = qsTr("the device is no longer listed");
+        }
+        if (refused !== "") {
+            if (worker)
+                worker.destroy();
+            done(name, uuid, false, refused, undefined);
+            if (then) then(false, refused, undefined);
             return false;
         }
         var job = kinds[name].createObject(jobs, props || {});
@@ -92,6 +117,8 @@ QtObject {
                 if (shared && shared.data) {
                     if (name === "GetLabelJob")
                         ObjectFactory.storeLabelRead(shared.data);
+                    else if (name === "GetSerialNumberJob")
+                        ObjectFactory.storeSerialNumberRead(shared.data);
                     else
                         ObjectFactory.save(shared.data);
                 }

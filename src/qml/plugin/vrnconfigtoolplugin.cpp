@@ -42,6 +42,7 @@
 #include "getmotoripsjob.h"
 #include "getnetworkstatsjob.h"
 #include "getpositionjob.h"
+#include "getserialnumberjob.h"
 #include "getrampjob.h"
 #include "getspeedjob.h"
 #include "motorcontroljob.h"
@@ -122,6 +123,7 @@ const Registration registrations[] = {
     {"SetGroupsJob", creatable<SetGroupsJob>},
     {"GetLabelJob", creatable<GetLabelJob>},
     {"SetLabelJob", creatable<SetLabelJob>},
+    {"GetSerialNumberJob", creatable<GetSerialNumberJob>},
     {"VisualFeedbackJob", creatable<VisualFeedbackJob>},
     {"MotorControlJob", creatable<MotorControlJob>},
     {"MotorCtrlMoveJob", creatable<MotorCtrlMoveJob>},
