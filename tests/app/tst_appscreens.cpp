@@ -179,7 +179,7 @@ QStringList tst_AppScreens::shown(const char* list, const char* name) const
 QQuickItem* tst_AppScreens::rowItem(int row)
 {
     auto* list = view("devicesView")->property("list").value<QQuickItem*>();
-    QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 3 /* ListView.Contain */));
+    QMetaObject::invokeMethod(view("devicesView"), "showRow", Q_ARG(QVariant, row));
     QQuickItem* item = nullptr;
     const bool shown = QTest::qWaitFor([&] {
         QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, row));

@@ -67,6 +67,18 @@ Pane {
     // Keyboard: arrows and page keys move the current row and select it;
     // with shift the selection grows from the anchor; with control only the
     // current row moves (space then adds or removes it).
+    // Scrolls the list just enough to show row `i` whole. Qt 6.4's
+    // positionViewAtIndex leaves a row just below the view where it is.
+    function showRow(i) {
+        list.positionViewAtIndex(i, ListView.Contain)
+        var item = list.itemAtIndex(i)
+        if (!item)
+            return
+        if (item.y + item.height > list.contentY + list.height)
+            list.contentY = item.y + item.height - list.height
+        else if (item.y < list.contentY)
+            list.contentY = item.y
+    }
     function moveCurrent(to, modifiers) {
         if (list.count === 0)
             return
@@ -74,7 +86,7 @@ Pane {
         if (anchorRow < 0)
             anchorRow = Math.max(0, list.currentIndex)
         list.currentIndex = to
-        list.positionViewAtIndex(to, ListView.Contain)
+        showRow(to)
         if (modifiers & Qt.ShiftModifier) {
             if (!(modifiers & Qt.ControlModifier))
                 selection.clear()
