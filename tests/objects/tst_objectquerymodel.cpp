@@ -379,6 +379,7 @@ private slots:
         QVERIFY2(ObjectFactory::openRegistry(file, &error), qPrintable(error));
         factory = ObjectFactory::instance();
         makeModel();
+        QAbstractItemModelTester tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         QCOMPARE(model->rowCount(), 25);
         otherTool({insertRows.arg(130).arg(100), QStringLiteral("DELETE FROM Devices WHERE uuid % 3 = 0")});
         const int rows = sqlValue(QStringLiteral("SELECT COUNT(*) FROM Devices")).toInt();
