@@ -1,6 +1,8 @@
 // Cutting frames from a byte stream read in chunks of any size: every frame
-// handed out is valid, no byte is lost or made up, and without look-ahead
-// the chunk boundaries change nothing.
+// handed out is whole (its length byte and checksum agree), no byte is lost
+// or made up, and without look-ahead the chunk boundaries change nothing.
+// A whole frame from a reserved source is still cut as one frame, so that the
+// bus can count it as invalid rather than resynchronise inside it.
 #include "fuzzinput.h"
 #include "vrnframecutter.h"
 
@@ -19,7 +21,9 @@ void drain(VRNFrameCutter& cutter, Cut& cut)
     for (VRNFrameCutter::Piece p; (p = cutter.next(&piece)) != VRNFrameCutter::NeedMore;) {
         FUZZ_CHECK(!piece.isEmpty());
         if (p == VRNFrameCutter::Frame) {
-            FUZZ_CHECK(VRNMessage(BusMessage(piece)).isValid());
+            FUZZ_CHECK(VRNMessage::frameLength(piece.constData(), piece.size()) == piece.size());
+            const VRNMessage message{BusMessage(piece)};
+            FUZZ_CHECK(message.isValid() == VRN::isValidSource(message.srcAddr(true)));
             cut.frames.append(piece);
             cut.frameBytes += piece.size();
         } else {
