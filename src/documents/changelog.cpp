@@ -1,6 +1,7 @@
 #include "changelog.h"
 
 #include "objectfactory.h"
+#include "registrysql_p.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -14,7 +15,7 @@ namespace {
 
 bool ensureTable(QSqlDatabase& db)
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS ChangeLog(id INTEGER PRIMARY KEY, time TEXT NOT NULL, "
                                   "tool TEXT, deviceUUID INTEGER, nodeID INTEGER, field TEXT, oldValue TEXT, "
                                   "newValue TEXT, outcome TEXT)"))
@@ -46,7 +47,7 @@ bool ChangeLog::append(const Entry& entry)
     QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return false;
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(QStringLiteral("INSERT INTO ChangeLog(time, tool, deviceUUID, nodeID, field, oldValue, newValue, outcome) "
                                  "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
     query.addBindValue(entry.time.toUTC().toString(Qt::ISODateWithMs));
@@ -69,8 +70,7 @@ QList<ChangeLog::Entry> ChangeLog::entries(const QList<quint32>& uuids, const QD
     QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return result;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     // Times are stored as ISO text in UTC with milliseconds: text order is time order.
     query.prepare(QStringLiteral("SELECT time, tool, deviceUUID, nodeID, field, oldValue, newValue, outcome FROM ChangeLog "
                                  "WHERE time >= ? ORDER BY time, id"));

@@ -3,6 +3,7 @@
 #include "objectfactory.h"
 
 #include "networkdocument.h"
+#include "registrysql_p.h"
 
 #include <QDebug>
 #include <QJsonDocument>
@@ -14,7 +15,7 @@ namespace {
 
 bool ensureTable(QSqlDatabase& db)
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS DeviceBackups(deviceUUID INTEGER PRIMARY KEY, "
                                   "time TEXT, entry TEXT)")))
         return true;
@@ -30,7 +31,7 @@ bool DeviceBackups::store(const NetworkDocument& document)
     if (!db.isOpen() || !ensureTable(db))
         return false;
     db.transaction();
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(QStringLiteral("INSERT OR REPLACE INTO DeviceBackups(deviceUUID, time, entry) VALUES (?, ?, ?)"));
     for (const QJsonObject& entry : document.devices) {
         query.addBindValue(entry.value(QStringLiteral("uuid")).toVariant().toLongLong());
@@ -50,7 +51,7 @@ QJsonObject DeviceBackups::last(quint32 uuid)
     QSqlDatabase db = ObjectFactory::instance()->database();
     if (!db.isOpen() || !ensureTable(db))
         return {};
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(QStringLiteral("SELECT entry FROM DeviceBackups WHERE deviceUUID = ?"));
     query.addBindValue(qint64(uuid));
     if (!query.exec() || !query.next())
@@ -63,8 +64,7 @@ quint32 DeviceBackups::findSerial(const QString& serial)
     QSqlDatabase db = ObjectFactory::instance()->database();
     if (serial.isEmpty() || !db.isOpen() || !ensureTable(db))
         return 0;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     if (!query.exec(QStringLiteral("SELECT b.deviceUUID, b.entry FROM DeviceBackups b JOIN Devices d ON d.uuid = b.deviceUUID")))
         return 0;
     while (query.next()) {

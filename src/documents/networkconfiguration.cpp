@@ -32,6 +32,7 @@
 #include "vrndcmotorobject.h"
 #include "vrnobjectworker.h"
 #include "workqueue.h"
+#include "registrysql_p.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -728,8 +729,7 @@ bool NetworkConfiguration::matchDevices(const NetworkDocument& document, QList<q
 {
     uuids.clear();
     QMultiHash<quint32, QPair<quint32, int>> byNode;
-    QSqlQuery query(ObjectFactory::instance()->database());
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(ObjectFactory::instance()->database());
     if (!query.exec(QStringLiteral("SELECT uuid, nodeID, type FROM Devices"))) {
         error = tr("the registry cannot be read: %1").arg(query.lastError().text());
         return false;
@@ -767,7 +767,7 @@ quint32 NetworkConfiguration::findDevice(const QString& nodeOrSerial)
     bool isNumber = false;
     const quint32 node = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? text.mid(2).toUInt(&isNumber, 16)
                                                                                    : text.toUInt(&isNumber, 10);
-    QSqlQuery query(ObjectFactory::instance()->database());
+    QSqlQuery query = RegistrySql::query(ObjectFactory::instance()->database());
     if (isNumber && node <= 0xFFFFFF) {
         query.prepare(QStringLiteral("SELECT uuid FROM Devices WHERE nodeID = ?"));
         query.addBindValue(node);
@@ -788,7 +788,7 @@ quint32 NetworkConfiguration::findDevice(const QString& nodeOrSerial)
 bool NetworkConfiguration::takeOver(quint32 from, quint32 to, QString& error)
 {
     QSqlDatabase db = ObjectFactory::instance()->database();
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(QStringLiteral("SELECT nodeID, type, serialNumber FROM Devices WHERE uuid = ?"));
     query.addBindValue(to);
     if (!query.exec() || !query.next()) {

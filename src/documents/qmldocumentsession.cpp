@@ -6,6 +6,7 @@
 #include "devicebackups.h"
 #include "networkconfiguration.h"
 #include "objectfactory.h"
+#include "registrysql_p.h"
 
 #include <QCoreApplication>
 #include <QSqlQuery>
@@ -55,7 +56,7 @@ public:
     static QList<quint32> registryDevices()
     {
         QList<quint32> uuids;
-        QSqlQuery query(ObjectFactory::instance()->database());
+        QSqlQuery query = RegistrySql::query(ObjectFactory::instance()->database());
         if (query.exec(QStringLiteral("SELECT uuid FROM Devices ORDER BY uuid")))
             while (query.next())
                 uuids << query.value(0).toUInt();

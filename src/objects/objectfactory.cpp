@@ -14,6 +14,7 @@
 #include "vrnobject_p.h"
 #include "vrnobjectworker.h"
 #include "vrnstdobject.h"
+#include "registrysql_p.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -110,7 +111,7 @@ bool createRegistryFile(const QString& file, QString* why)
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(temp);
         if (db.open()) {
-            QSqlQuery query(db);
+            QSqlQuery query = RegistrySql::query(db);
             made = query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) && query.next()
                 && query.value(0).toString() == QLatin1String("wal");
             if (!made)
@@ -215,7 +216,7 @@ bool ObjectFactoryPrivate::write(QSqlQuery& query, const QString& statement)
 bool ObjectFactoryPrivate::beginWrite(bool* own)
 {
     *own = false;
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     QElapsedTimer clock;
     clock.start();
     for (int attempt = 0;; ++attempt) {
@@ -238,7 +239,7 @@ bool ObjectFactoryPrivate::beginWrite(bool* own)
 
 bool ObjectFactoryPrivate::endWrite(bool commit)
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (!commit) {
         query.exec(QStringLiteral("ROLLBACK"));
         return false;
@@ -301,7 +302,7 @@ void ObjectFactoryPrivate::prepare()
     path = db.databaseName() == QLatin1String(":memory:") ? QString() : db.databaseName();
     readOnly = db.connectOptions().contains(QLatin1String("QSQLITE_OPEN_READONLY"));
     nodeQueries.clear();
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.exec(QStringLiteral("PRAGMA foreign_keys = ON;"));
     if (!query.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS Devices(uuid INTEGER PRIMARY KEY NOT NULL,"
                                    "nodeID INTEGER DEFAULT %1,type INTEGER DEFAULT %2,label TEXT DEFAULT NULL,"
@@ -338,9 +339,9 @@ void ObjectFactoryPrivate::prepare()
 
     keepDeviceCount(query);
 
-    selectRow = QSqlQuery(db);
+    selectRow = RegistrySql::query(db);
     selectRow.prepare(QStringLiteral("SELECT uuid, nodeID, type, label, serialNumber FROM Devices WHERE uuid=?"));
-    insertRow = QSqlQuery(db);
+    insertRow = RegistrySql::query(db);
     insertRow.prepare(QStringLiteral("INSERT INTO Devices(nodeID, type) values (?, ?)"));
 }
 
@@ -389,8 +390,7 @@ bool ObjectFactoryPrivate::groupSlotsKnown(VRNObject* object, const QList<unsign
 QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, const QVariant& value)
 {
     QList<unsigned int> out;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(statement);
     if (value.userType() == QMetaType::QVariantList) {
         for (const QVariant& v : value.toList())
@@ -410,8 +410,7 @@ QList<unsigned int> ObjectFactoryPrivate::numbers(const QString& statement, cons
 QList<unsigned> ObjectFactoryPrivate::loadDeviceGroups(VRNObject::UUID uuid)
 {
     QList<unsigned> groups;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     query.prepare(QStringLiteral("SELECT groupID FROM DevicesGroups WHERE deviceUUID=?"));
     query.bindValue(0, uuid);
     if (!query.exec()) {
@@ -447,8 +446,7 @@ bool ObjectFactoryPrivate::nodeListed(unsigned nodeID, int type, VRNObject::UUID
     statement += QStringLiteral(" LIMIT 1");
     auto prepared = nodeQueries.find(statement);
     if (prepared == nodeQueries.end()) {
-        QSqlQuery fresh(db);
-        fresh.setForwardOnly(true);
+        QSqlQuery fresh = RegistrySql::query(db);
         fresh.prepare(statement);
         prepared = nodeQueries.insert(statement, fresh);
     }
@@ -573,7 +571,7 @@ bool ObjectFactory::save(VRNObject* object)
     if (!object)
         return false;
     const QString label = QString::fromUtf8(object->label());
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     // A quote ends the label in the row's historical text form: such labels
     // have always been refused, and still are, before any SQL runs. The
     // values themselves are bound, never written into the statement's text:
@@ -615,7 +613,7 @@ bool ObjectFactory::destroyObject(VRNObject::UUID uuid)
     const QSharedPointer<VRNObject> obj = object(uuid);
     const VRN::Addr addr = obj ? obj->address() : 0;
     emit beginObjectDestroy(uuid);
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     query.prepare(QStringLiteral("DELETE FROM Devices WHERE uuid = ?"));
     query.addBindValue(uuid);
     if (!d->write(query))
@@ -635,8 +633,7 @@ bool ObjectFactory::destroyObjectQml(VRNObject::UUID uuid)
 QList<VRN::Addr> ObjectFactory::nodeAddrs()
 {
     QList<VRN::Addr> addrs;
-    QSqlQuery query(d_func()->db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(d_func()->db);
     if (!query.exec(QStringLiteral("SELECT nodeID FROM Devices "))) {
         warnSql("failed to run SQLQuery:", query);
         return addrs;
@@ -683,7 +680,7 @@ QList<unsigned int> ObjectFactory::deviceGroups(VRNObject::UUID uuid)
 bool ObjectFactory::setDeviceGroups(VRNObject::UUID uuid, const QList<unsigned int>& groups)
 {
     Q_D(ObjectFactory);
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     query.prepare(QStringLiteral("SELECT COUNT(*) FROM Devices WHERE uuid=?"));
     query.addBindValue(uuid);
     if (!query.exec() || !query.next() || query.value(0).toInt() == 0)
@@ -845,7 +842,7 @@ bool ObjectFactory::openRegistry(const QString& file, QString* error, const QStr
         db.setConnectOptions(options);
         if (!db.open())
             return refuse(connection, tr("cannot open the device registry %1: %2").arg(file, db.lastError().text()), error);
-        QSqlQuery query(db);
+        QSqlQuery query = RegistrySql::query(db);
         auto failed = [&](const QString& what) {
             const QSqlError e = query.lastError();
             why = registryBusy(e) ? tr("the device registry %1 is locked by another program").arg(file)
@@ -974,7 +971,7 @@ VRNObject::UUID ObjectFactory::settleKind(VRN::Addr addr, VRNObject::UUID create
     const VRNObject::UUID listed = findObject(number, kind);
     const QSharedPointer<VRNObject> made = created != 0 && created != listed ? object(created) : nullptr;
     VRNObject::UUID uuid = listed;
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     if (made && VRN::getNumber(made->address()) == number) {
         if (listed != 0) {
             // The device is listed under its own kind already: the row
@@ -1042,7 +1039,7 @@ ObjectFactory::AddressProblem ObjectFactory::deviceProblem(VRNObject::UUID uuid)
 bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)
 {
     Q_D(ObjectFactory);
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     query.prepare(QStringLiteral("UPDATE Devices SET serialNumber = ? WHERE uuid = ?"));
     query.addBindValue(serialNumber);
     query.addBindValue(uuid);
@@ -1063,7 +1060,7 @@ QList<VRNObject::UUID> ObjectFactory::setOccurrences(unsigned nodeID, VRNObject:
     // Another device answering to the number: a row of its own, made beside
     // createObject, which lists each number and kind once.
     while (uuids.size() < count) {
-        QSqlQuery insert(d->db);
+        QSqlQuery insert = RegistrySql::query(d->db);
         insert.prepare(QStringLiteral("INSERT INTO Devices(nodeID, type) values (?, ?)"));
         insert.addBindValue(nodeID);
         insert.addBindValue(int(type));

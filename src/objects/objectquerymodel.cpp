@@ -27,7 +27,8 @@ const QHash<int, QByteArray>& roles()
 } // namespace
 
 ObjectQueryModelPrivate::ObjectQueryModelPrivate(ObjectQueryModel* q, const QSqlDatabase& db)
-    : q_ptr(q), db(db), indexQuery(db), firstOfNode(db), changesQuery(db), versionQuery(db), keyQuery(db), betweenQuery(db)
+    : q_ptr(q), db(db), indexQuery(RegistrySql::query(db)), firstOfNode(RegistrySql::query(db)), changesQuery(RegistrySql::query(db)),
+      versionQuery(RegistrySql::query(db)), keyQuery(RegistrySql::query(db)), betweenQuery(RegistrySql::query(db))
 {
     changesQuery.prepare(QStringLiteral("SELECT total_changes()"));
     versionQuery.prepare(QStringLiteral("PRAGMA data_version"));
@@ -70,7 +71,7 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
     if (rebuild) {
         if (viewName.isEmpty())
             viewName = QStringLiteral("ObjectQueryModel_%1").arg(quintptr(this), 0, 16);
-        QSqlQuery query(db);
+        QSqlQuery query = RegistrySql::query(db);
         // Dropped even on the first build: a model that lived at this address
         // before may have left its view behind.
         query.exec(QStringLiteral("DROP VIEW IF EXISTS %1").arg(viewName));
@@ -95,8 +96,7 @@ void ObjectQueryModelPrivate::select(int newOffset, bool rebuild)
         updateRowCount();
         dropAnchors();
     }
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     page.clear();
     offset = newOffset;
     pageExact = query.prepare(QStringLiteral("SELECT * FROM %1  LIMIT 100 OFFSET %2").arg(viewName).arg(newOffset))
@@ -117,13 +117,12 @@ bool ObjectQueryModelPrivate::readRows(QSqlQuery& query)
 
 void ObjectQueryModelPrivate::updateRowCount()
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     // The view lists every row of Devices (or the filter's): counting the
     // table spares computing each row's duplicate count.
     const QString table = narrowFilter ? matchTable
                         : filtered()   ? QStringLiteral("Devices c WHERE ") + filterCondition()
                                        : QStringLiteral("Devices");
-    query.setForwardOnly(true);
     // Counting reads every leaf page of an index, and on a shared file
     // another tool's last write has emptied the page cache: the count the
     // database keeps (ObjectFactory's DevicesCount) is one page instead. A
@@ -179,8 +178,7 @@ bool ObjectQueryModelPrivate::seekPage(int target)
     const QString statement =
         QStringLiteral("SELECT * FROM %1 WHERE %2 >= %3 AND (%2 > %3 OR uuid > ?) LIMIT ?").arg(viewName, s, k);
     if (statement != nextRowsStatement) {
-        nextRows = QSqlQuery(db);
-        nextRows.setForwardOnly(true);
+        nextRows = RegistrySql::query(db);
         if (!nextRows.prepare(statement)) {
             nextRowsStatement.clear();
             return false;
@@ -224,8 +222,7 @@ void ObjectQueryModelPrivate::buildAnchors()
     // Positions among the rows with a key, in (raw value, uuid) order as
     // the counting statement has it; rows of other storage classes keep
     // their place in the count but make no anchor.
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     const QString c = sortColumnName();
     if (!query.exec(QStringLiteral("SELECT k, uuid, r FROM (SELECT %1 AS k, typeof(%1) AS t, uuid,"
                                    " row_number() OVER (ORDER BY %1, uuid) - 1 AS r FROM Devices WHERE %1 NOTNULL)"
@@ -408,7 +405,7 @@ void ObjectQueryModelPrivate::tempTable(QString& name, const char* prefix, const
     if (!name.isEmpty())
         return;
     name = QLatin1String(prefix) + QString::number(quintptr(this), 16);
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (!query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + name + QLatin1String(columns)))
         qWarning() << "[ObjectQueryModel]: failed to create" << name << query.lastError().text();
 }
@@ -423,7 +420,7 @@ void ObjectQueryModelPrivate::relist()
 
 bool ObjectQueryModelPrivate::collectMatches()
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     tempTable(matchTable, "ObjectQueryModelMatch_", "(uuid INTEGER PRIMARY KEY NOT NULL)");
     // One row more than a narrow filter may have: the scan stops there.
     if (!query.exec(QStringLiteral("DELETE FROM ") + matchTable)
@@ -438,7 +435,7 @@ bool ObjectQueryModelPrivate::collectMatches()
 void ObjectQueryModelPrivate::applyFilter()
 {
     Q_Q(ObjectQueryModel);
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     tempTable(filterTable, "ObjectQueryModelFilter_", "(pattern TEXT, hexPattern TEXT, kinds INTEGER, grp INTEGER)");
     // The typed text is bound, never written into a statement; LIKE's own
     // wildcards in it are taken literally.
@@ -476,7 +473,7 @@ ObjectQueryModel::~ObjectQueryModel()
     Q_D(ObjectQueryModel);
     if (!d->filterTable.isEmpty()) {
         // The view reads the filter table: it goes first.
-        QSqlQuery query(d->db);
+        QSqlQuery query = RegistrySql::query(d->db);
         query.exec(QStringLiteral("DROP VIEW IF EXISTS ") + d->viewName);
         query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->filterTable);
         query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->matchTable);
@@ -544,7 +541,7 @@ bool ObjectQueryModel::isFiltered() const
 QVariantList ObjectQueryModel::knownGroups() const
 {
     QVariantList out;
-    QSqlQuery query(d_func()->db);
+    QSqlQuery query = RegistrySql::query(d_func()->db);
     if (!query.exec(QStringLiteral("SELECT DISTINCT groupID FROM DevicesGroups ORDER BY groupID")))
         qWarning() << "[ObjectQueryModel]: failed to read the groups:" << query.lastError().text();
     while (query.next())

@@ -17,9 +17,9 @@ ObjectSelectionModelPrivate::ObjectSelectionModelPrivate(ObjectSelectionModel* q
     : q_ptr(q),
       db(db),
       table(QStringLiteral("ObjectSelectionModel_%1").arg(tableCounter.fetchAndAddRelaxed(1))),
-      membership(db)
+      membership(RegistrySql::query(db))
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     query.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + table
                + QStringLiteral("(uuid INTEGER PRIMARY KEY NOT NULL)"));
     membership.prepare(QStringLiteral("SELECT COUNT(*) FROM ") + table + QStringLiteral(" WHERE uuid=?"));
@@ -46,13 +46,13 @@ bool ObjectSelectionModelPrivate::run(QSqlQuery& query, const QString& statement
 
 bool ObjectSelectionModelPrivate::clearTable()
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     return run(query, QStringLiteral("DELETE FROM ") + table, QVariant(), "failed to execute clear query");
 }
 
 void ObjectSelectionModelPrivate::insertMatching(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     run(query,
         QStringLiteral("INSERT OR IGNORE INTO ") + table + QStringLiteral(" (uuid) SELECT uuid FROM ") + deviceTable
             + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?"),
@@ -61,7 +61,7 @@ void ObjectSelectionModelPrivate::insertMatching(ObjectFactory::DevicesTableColu
 
 bool ObjectSelectionModelPrivate::updateRowCount()
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (!run(query, QStringLiteral("SELECT COUNT(*) FROM ") + table, QVariant(), "failed to update row count:")
         || !query.next())
         return false;
@@ -74,7 +74,7 @@ bool ObjectSelectionModelPrivate::updateRowCount()
 
 void ObjectSelectionModelPrivate::updateSelectedType()
 {
-    QSqlQuery query(db);
+    QSqlQuery query = RegistrySql::query(db);
     if (!run(query,
              QStringLiteral("SELECT DISTINCT (type) FROM ") + deviceTable + QStringLiteral(" WHERE (uuid) IN (SELECT (uuid) FROM ")
                  + table + QLatin1Char(')'),
@@ -113,8 +113,7 @@ void ObjectSelectionModelPrivate::updateSelectedType()
 void ObjectSelectionModelPrivate::updateSelectedNodeId()
 {
     selectedNodeId = 0;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     if (!run(query,
              QStringLiteral("SELECT uuid, nodeID FROM ") + deviceTable + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ")
                  + table + QLatin1Char(')'),
@@ -141,7 +140,7 @@ ObjectSelectionModel::~ObjectSelectionModel()
 {
     Q_D(ObjectSelectionModel);
     d->membership.clear();
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     if (!query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->table))
         qWarning() << "[ObjectSelectionModel]: failed to drop table";
 }
@@ -163,7 +162,7 @@ QVariant ObjectSelectionModel::data(const QModelIndex& index, int role) const
 QVariant ObjectSelectionModel::data(int index) const
 {
     Q_D(const ObjectSelectionModel);
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     if (!query.exec(QStringLiteral("SELECT uuid FROM ") + d->table + QStringLiteral(" LIMIT 1 OFFSET %1").arg(index))) {
         qWarning() << "[ObjectSelectionModel]: failed to get data:" << query.lastError().text();
         return QVariant();
@@ -208,7 +207,7 @@ void ObjectSelectionModel::removeItems(ObjectFactory::DevicesTableColumn column,
 {
     change([&] {
         Q_D(ObjectSelectionModel);
-        QSqlQuery query(d->db);
+        QSqlQuery query = RegistrySql::query(d->db);
         d->run(query,
                QStringLiteral("DELETE FROM ") + d->table + QStringLiteral(" WHERE uuid IN (SELECT uuid FROM ")
                    + d->deviceTable + QStringLiteral(" WHERE ") + ObjectFactory::columnName(column) + QStringLiteral(" = ?)"),
@@ -227,7 +226,7 @@ void ObjectSelectionModel::setItems(ObjectFactory::DevicesTableColumn column, co
 void ObjectSelectionModel::toggleItems(ObjectFactory::DevicesTableColumn column, const QVariant& criteria)
 {
     Q_D(ObjectSelectionModel);
-    QSqlQuery query(d->db);
+    QSqlQuery query = RegistrySql::query(d->db);
     if (!d->run(query,
                 QStringLiteral("SELECT COUNT(CASE WHEN uuid NOT IN (SELECT uuid FROM ") + d->table
                     + QStringLiteral(") THEN 1 ELSE NULL END),COUNT(*) FROM ") + d->deviceTable + QStringLiteral(" WHERE ")
@@ -248,7 +247,7 @@ void ObjectSelectionModel::addRows(int offset, int count)
 {
     change([&] {
         Q_D(ObjectSelectionModel);
-        QSqlQuery query(d->db);
+        QSqlQuery query = RegistrySql::query(d->db);
         d->run(query,
                QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
                    + QStringLiteral(" LIMIT %1 OFFSET %2").arg(count < 0 ? -1 : count).arg(qMax(0, offset)),
@@ -260,7 +259,7 @@ void ObjectSelectionModel::addGroup(int group)
 {
     change([&] {
         Q_D(ObjectSelectionModel);
-        QSqlQuery query(d->db);
+        QSqlQuery query = RegistrySql::query(d->db);
         d->run(query,
                QStringLiteral("INSERT OR IGNORE INTO ") + d->table + QStringLiteral(" (uuid) SELECT uuid FROM ") + d->deviceTable
                    + QStringLiteral(" WHERE uuid IN (SELECT deviceUUID FROM DevicesGroups WHERE groupID = ?)"),
@@ -286,7 +285,7 @@ void ObjectSelectionModel::setDatabase(const QSqlDatabase& db, const QString& de
     {
         Q_D(ObjectSelectionModel);
         d->membership.clear();
-        QSqlQuery query(d->db);
+        QSqlQuery query = RegistrySql::query(d->db);
         query.exec(QStringLiteral("DROP TABLE IF EXISTS ") + d->table);
     }
     d_ptr.reset(new ObjectSelectionModelPrivate(this, db));

@@ -11,13 +11,24 @@
 
 namespace RegistrySql {
 
+/// A query on `db` that reads its rows once, in order. Qt's default query
+/// keeps every row it has read and makes room for 128 rows of values at each
+/// exec; the registry's statements never step back, and that room was one of
+/// the largest costs of a read of one row (twice as large on Qt 6, whose
+/// values are bigger).
+inline QSqlQuery query(const QSqlDatabase& db)
+{
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    return query;
+}
+
 /// Every uuid of `table` in its order; on failure the warning
 /// "[<className>]: failed to execute select query:" and an empty list.
 inline QList<VRNObject::UUID> uuids(const QSqlDatabase& db, const QString& table, const char* className)
 {
     QList<VRNObject::UUID> result;
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(db);
     if (!query.exec(QStringLiteral("SELECT uuid FROM ") + table)) {
         const QByteArray prefix = QByteArray("[") + className + "]:";
         qWarning() << prefix.constData() << "failed to execute select query:" << query.lastError().text();
