@@ -364,11 +364,8 @@ void DeviceRunner::report(const DeviceRun& run)
     if (m_stream)
         return m_stream->append(run.result);
     const bool ok = run.result.value(QStringLiteral("ok")).toBool();
-    m_cli.output().line(QStringLiteral("%1 %2 %3 %4")
-                            .arg(run.uuid, 8)
-                            .arg(run.result.value(QStringLiteral("node")).toString(), -8)
-                            .arg(ok ? QStringLiteral("ok    ") : QStringLiteral("FAILED"),
-                                 printable(ok ? run.line : run.result.value(QStringLiteral("error")).toString())));
+    m_cli.output().line(VrnConfigCli::resultLine(run.uuid, run.result.value(QStringLiteral("node")).toString(), ok,
+                                                 ok ? run.line : run.result.value(QStringLiteral("error")).toString()));
 }
 
 void DeviceRunner::showProgress()

@@ -69,13 +69,22 @@ QJsonArray resultsJson(const QList<Config::DeviceResult>& results)
 
 QString resultLine(const Config::DeviceResult& r)
 {
-    return QStringLiteral("%1 %2 %3").arg(r.uuid).arg(Cli::nodeText(r.node))
-        .arg(r.ok ? QStringLiteral("ok") : QStringLiteral("FAILED %1").arg(r.error));
+    return Cli::resultLine(r.uuid, Cli::nodeText(r.node), r.ok, r.ok ? QString() : r.error);
 }
 
 int failures(const QList<Config::DeviceResult>& results)
 {
     return int(std::count_if(results.begin(), results.end(), [](const auto& r) { return !r.ok; }));
+}
+
+// One line a device, then on a terminal the count, as other commands on
+// devices end.
+void printResults(Cli& cli, const QList<Config::DeviceResult>& results)
+{
+    for (const auto& r : results)
+        cli.output().line(resultLine(r));
+    if (results.size() > 1 && cli.output().onTerminal())
+        cli.output().note(Cli::tr("%1 device(s): %2 ok").arg(results.size()).arg(results.size() - failures(results)));
 }
 
 // Progress on a terminal while devices are read or written.
@@ -154,8 +163,7 @@ void backup(Cli& cli, const QStringList& args)
             QString error;
             if (!document.save(file, error))
                 return cli.fail(Cli::Failed, error);
-            for (const auto& r : results)
-                cli.output().line(resultLine(r));
+            printResults(cli, results);
         }
         const int failed = failures(results);
         if (failed)
@@ -227,8 +235,7 @@ void printApplied(Cli& cli, Config* config, int unread = 0)
     if (cli.json()) {
         cli.output().document(QJsonObject{{QStringLiteral("results"), resultsJson(results)}});
     } else {
-        for (const auto& r : results)
-            cli.output().line(resultLine(r));
+        printResults(cli, results);
     }
     const int failed = failures(results) + unread;
     if (failed)

@@ -592,6 +592,17 @@ QString VrnConfigCli::nodeText(quint32 node)
     return hex(node, 6);
 }
 
+QString VrnConfigCli::resultLine(quint32 uuid, const QString& node, bool ok, const QString& text)
+{
+    QString line = QStringLiteral("%1 %2 %3 %4")
+                       .arg(uuid, 8)
+                       .arg(node, -8)
+                       .arg(ok ? QStringLiteral("ok    ") : QStringLiteral("FAILED"), printable(text));
+    while (line.endsWith(QLatin1Char(' ')))
+        line.chop(1);
+    return line;
+}
+
 QString VrnConfigCli::kindName(int type)
 {
     switch (type) {

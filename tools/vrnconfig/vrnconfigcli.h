@@ -79,6 +79,10 @@ public:
     static bool parseGroupAddress(const QString& text, quint32& group);
     /// A node's number, written one way everywhere: 0x000102.
     static QString nodeText(quint32 node);
+    /// One device's result, in the columns every command on devices prints:
+    /// uuid, node, "ok" or "FAILED", then what was read or why it failed
+    /// (made printable).
+    static QString resultLine(quint32 uuid, const QString& node, bool ok, const QString& text);
     /// A device kind as a person names it ("DC motor"); JSON carries the
     /// enum key (`VRNObject::typeToString`) and the number beside it.
     static QString kindName(int type);
