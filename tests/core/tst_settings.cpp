@@ -18,7 +18,6 @@ private slots:
     void setValueIfNotSetKeepsAnyStoredValue();
     void boolValue_data();
     void boolValue();
-    void valuesOutliveTheInstance();
 
 private:
     QTemporaryDir m_config;
@@ -103,24 +102,6 @@ void tst_Settings::boolValue()
     if (stored.isValid())
         s->setValue(QStringLiteral("flag"), stored);
     QCOMPARE(s->boolValue(QStringLiteral("flag"), defaultValue), expected);
-}
-
-void tst_Settings::valuesOutliveTheInstance()
-{
-    Settings* s = Settings::instance();
-    s->setValue(QStringLiteral("lastBusUUID"), QStringLiteral("serial:COM3"));
-    QPointer<Settings> old(s);
-    Settings::destroy();
-    QVERIFY(old.isNull());
-    Settings* fresh = Settings::instance();
-    QCOMPARE(fresh->value(QStringLiteral("lastBusUUID"), QString()).toString(),
-             QStringLiteral("serial:COM3"));
-    QCOMPARE(Settings::instance(), fresh);
-
-    // And on disk, where the next run of the program reads it.
-    fresh->sync();
-    QSettings file(fresh->fileName(), QSettings::IniFormat);
-    QCOMPARE(file.value(QStringLiteral("lastBusUUID")).toString(), QStringLiteral("serial:COM3"));
 }
 
 QTEST_GUILESS_MAIN(tst_Settings)

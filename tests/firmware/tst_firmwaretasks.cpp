@@ -120,11 +120,7 @@ void tst_FirmwareTasks::bindings()
     QScopedPointer<Job> j(JobRegistration::create(job));
     QVERIFY(j);
     j->setProperty("package", m_folder->home.filePath(QStringLiteral("missing.bpk")));
-    const Job::Error error = run(Device(device), *j);
-    if (task.isEmpty()) {
-        QCOMPARE(error, Job::NoTaskError);
-        return;
-    }
+    run(Device(device), *j);
     QVERIFY(j->task());
     QCOMPARE(QString::fromLatin1(j->task()->metaObject()->className()), task);
 }

@@ -1,5 +1,7 @@
 // The virtual network: device lists, seeding, duplicates, answer timing and
 // faults, line time, the frame cutter of the pty link, and what it attaches to.
+// A node's own answers (discovery marks, deaf mode, broadcast writes) are
+// tst_simnode's; a whole discovery round on the network is tst_busdiscovertask's.
 #include "dts.h"
 #include "vrnframecutter.h"
 #include "simnetwork.h"
@@ -32,7 +34,6 @@ private slots:
     void sameSeedSameNetwork();
     void duplicates();
     void broadcastAnswersSpread();
-    void discoveryRound();
     void faultStatistics();
     void lineTime();
     void silentNodes();
@@ -156,44 +157,8 @@ void tst_SimNetwork::broadcastAnswersSpread()
     }
     QCOMPARE(sources.size(), 20);
     QVERIFY(!net.isBusy());
-
-    // Broadcast writes are carried out by all and acknowledged by none.
-    out.clear();
-    net.frameIn(frame(DTS::SetNodeLabel, VRN::BroadcastNumber, VRN::AddrBroadcast, "same"));
-    net.frameIn(frame(DTS::GetNodeLabel, net.nodes().last()->number()));
-    QTRY_COMPARE_WITH_TIMEOUT(out.count(), 1, 500);
-    QCOMPARE(VRNMessage(BusMessage(out.first().first().toByteArray())).payload(), QByteArray("same"));
 }
 
-// The steps of a discovery: deaf mode and clear (unanswered), collect, mark
-// each node found, and the next collection finds nobody.
-void tst_SimNetwork::discoveryRound()
-{
-    SimNetwork net(2);
-    net.setReplyWindow(5);
-    net.addDevices(QStringLiteral("std:2,motor:3"));
-    net.nodes().at(1)->setDiscoveryMark(true);
-    QSignalSpy out(&net, &SimNetwork::frameOut);
-    net.frameIn(frame(DTS::SetDeafMode, VRN::BroadcastNumber, VRN::AddrBroadcast,
-                      QByteArray::fromHex("FFFFFFFFFFFF")));
-    net.frameIn(broadcast(DTS::ClearDiscovery));
-    net.frameIn(broadcast(DTS::GetNodeAddr));
-    QTRY_COMPARE_WITH_TIMEOUT(out.count(), 5, 500);
-    for (const QList<QVariant>& args : qAsConst(out)) {
-        const VRNMessage found{BusMessage(args.first().toByteArray())};
-        net.frameIn(frame(DTS::SetNodeDiscovery, found.srcAddr(false), VRN::AddrNode, "\x01"));
-    }
-    out.clear();
-    QTRY_COMPARE_WITH_TIMEOUT(out.count(), 5, 500);
-    for (const QList<QVariant>& args : qAsConst(out))
-        QCOMPARE(VRNMessage(BusMessage(args.first().toByteArray())).cmd(), quint8(DTS::Ack));
-    out.clear();
-    net.frameIn(broadcast(DTS::GetNodeAddr));
-    QTest::qWait(30);
-    QCOMPARE(out.count(), 0);
-    for (const SimNode* n : net.nodes())
-        QVERIFY(n->isDeaf());
-}
 
 // Loss and damage follow the seed: the same run gives the same counts, the
 // counts add up, and every damaged frame fails its checksum.
@@ -305,7 +270,7 @@ void tst_SimNetwork::stopAllOneFrame()
         QCOMPARE(motors.at(i)->position(), stoodAt.at(i));
 }
 
-// Calls through the loopback bus are covered by the proxy exchange tests.
+// Calls through the loopback bus are made by every task test.
 void tst_SimNetwork::attachRefusesOtherObjects()
 {
     SimNetwork net(8);

@@ -1,6 +1,8 @@
 // A simulated node driven with raw request frames: every command of every
-// kind, refusals, addressing, discovery and deaf mode, motor behaviour.
+// kind, refusals, addressing, discovery and deaf mode, motor behaviour, and
+// the replies no task reads parsed by a node proxy.
 #include "dts.h"
+#include "dtsstdproxy.h"
 #include "simclock.h"
 #include "simnode.h"
 #include "vrndatawriter.h"
@@ -80,6 +82,7 @@ private slots:
     void statistics();
     void lifeCounters_data();
     void lifeCounters();
+    void proxyReadsWhatTheNodeHolds();
 
 private:
     // The one frame `node` answers, decoded; invalid when it stays quiet.
@@ -624,6 +627,45 @@ void tst_SimNode::lifeCounters()
     QCOMPARE(int(c.resetCount), restarts);
     QCOMPARE(ask(request(DTS::DiagGetThermalCount)).payload(),
              bytes({0, thermal, 0, postThermal}));
+}
+
+// What the node holds reaches a proxy's parser whole, for the replies no
+// task reads (the others meet the simulated nodes in tests/tasks).
+void tst_SimNode::proxyReadsWhatTheNodeHolds()
+{
+    const DTSStdProxy proxy(m_motor->address());
+    const auto read = [this](quint8 cmd) { return BusMessage(ask(request(cmd)).data()); };
+
+    QCOMPARE(ask(request(DTS::SetNodeLabel, QByteArray())).cmd(), quint8(DTS::Ack));
+    QByteArray label;
+    QVERIFY(proxy.getNodeLabelReply(read(DTS::GetNodeLabel), label));
+    QVERIFY(label.isEmpty() && !label.isNull()); // a nameless node is not an unknown label
+
+    m_motor->setNetworkConfig({1, 2, 3, 4});
+    DTSStdProxy::NetworkConfig config;
+    QVERIFY(proxy.getNetworkConfigReply(read(DTS::GetNetworkConfig), config));
+    QCOMPARE(QVector<int>({config.brPriority, config.lpPriority, config.maxRetry, config.slotCount}),
+             QVector<int>({1, 2, 3, 4}));
+
+    m_motor->setSerialNumber("SN-000123456");
+    QByteArray serial;
+    QVERIFY(proxy.getNodeSerialNumberReply(read(DTS::GetNodeSerialNumber), serial));
+    QCOMPARE(serial, QByteArray("SN-000123456"));
+
+    m_motor->setNetworkStat({2, 100000, 0xFFFFFFF0, 70000, 513, 9, 1});
+    DTSStdProxy::NetworkStat s;
+    QVERIFY(proxy.getNetworkStatReply(read(DTS::GetNetworkStat), s));
+    // The node counts the request before it answers.
+    QCOMPARE(QVector<quint32>({s.maxRetryCount, s.frameSent, s.frameSeen, s.frameReceived, s.busyCount, s.maxSlot,
+                               s.supervisionFailure}),
+             QVector<quint32>({2, 100000, 0xFFFFFFF1, 70001, 513, 9, 1}));
+
+    m_motor->setNetworkErrorStat({1, 2, 3, 4, 5, 6, 7, 8, 65535});
+    DTSStdProxy::NetworkErrorStat e;
+    QVERIFY(proxy.getNetworkErrorStatReply(read(DTS::GetNetworkErrorStat), e));
+    QCOMPARE(QVector<int>({e.txFailures, e.collisions, e.rxDataError, e.unknownMessage, e.msgLengthError, e.rxFifoFull,
+                           e.txFifoFull, e.crcError, e.bundleSizeError}),
+             QVector<int>({1, 2, 3, 4, 5, 6, 7, 8, 65535}));
 }
 
 QTEST_MAIN(tst_SimNode)

@@ -42,7 +42,6 @@ private slots:
     void replyChecks();
     void objectMissing_data();
     void objectMissing();
-    void objectGoneWhileRequestOut();
     void labelSeeding_data();
     void labelSeeding();
     void firstReadsSeedLocal();
@@ -190,16 +189,6 @@ void tst_DeviceTasks::objectMissing()
     QCOMPARE(text, error);
 }
 
-void tst_DeviceTasks::objectGoneWhileRequestOut()
-{
-    m_worker.reset();
-    // The device goes the moment its request is on the wire.
-    connect(m_wire->bus, &Bus::messageSent, this, [this] { m_std.reset(); });
-    QString text;
-    QCOMPARE(runTask(new GetLabelTask(m_std.data()), &text), Job::TaskFailedError);
-    QCOMPARE(text, QStringLiteral("Internal error(no VRNObject)"));
-    QCOMPARE(m_wire->sentOf(DTS::GetNodeLabel).size(), 1);
-}
 
 void tst_DeviceTasks::labelSeeding_data()
 {

@@ -29,15 +29,28 @@ struct Result
     QJsonObject result(int i = 0) const { return CliFixture::result(out, i); }
 };
 
-/// Starts vrnconfig (with `--timeout timeoutMs` first) on the settings and
-/// registry under `home`.
-inline void start(QProcess& p, const QTemporaryDir& home, const QStringList& args, int timeoutMs = 200)
+/// The environment that puts the settings and registry under `home`.
+inline QProcessEnvironment environment(const QTemporaryDir& home)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
-    p.setProcessEnvironment(env);
-    p.start(qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QString::number(timeoutMs)} + args);
+    return env;
+}
+
+/// Starts `program` in the folder `home`, with the settings and registry under it.
+inline void startIn(QProcess& p, const QTemporaryDir& home, const QString& program, const QStringList& args)
+{
+    p.setProcessEnvironment(environment(home));
+    p.setWorkingDirectory(home.path());
+    p.start(program, args);
+}
+
+/// Starts vrnconfig (with `--timeout timeoutMs` first) on the settings and
+/// registry under `home`.
+inline void start(QProcess& p, const QTemporaryDir& home, const QStringList& args, int timeoutMs = 200)
+{
+    startIn(p, home, qEnvironmentVariable("VRNCONFIG"), QStringList{QStringLiteral("--timeout"), QString::number(timeoutMs)} + args);
 }
 
 /// Waits for the end of a run started with start(); a run that does not end is killed.
@@ -65,6 +78,19 @@ inline QString startSim(QProcess& sim, const QString& groupPort, const QStringLi
     if (!sim.waitForStarted(5000) || !sim.waitForReadyRead(5000))
         return QString();
     return QString::fromLatin1(sim.readLine()).trimmed();
+}
+
+/// startSim(), then vrnconfig opens its bus and discovers it (with
+/// `--timeout timeoutMs`) on the settings and registry under `home`; the
+/// bus, empty when a step failed.
+inline QString discoverSim(QProcess& sim, const QTemporaryDir& home, const QString& groupPort,
+                           const QStringList& options, int timeoutMs = 200)
+{
+    const QString bus = startSim(sim, groupPort, options);
+    if (bus.isEmpty() || run(home, {QStringLiteral("open"), bus}, timeoutMs).code != 0
+        || run(home, {QStringLiteral("discover")}, timeoutMs).code != 0)
+        return QString();
+    return bus;
 }
 
 /// Ends a simulator started with startSim().

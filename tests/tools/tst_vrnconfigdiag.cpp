@@ -40,18 +40,11 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_home.isValid());
-        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.77.31:47731"),
-                                                 {QStringLiteral("--devices"), QStringLiteral("std:1,motor:2")});
-        QVERIFY(!bus.isEmpty());
-        QCOMPARE(run(QStringLiteral("open ") + bus).code, 0);
-        QCOMPARE(run(QStringLiteral("discover")).code, 0);
+        QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.31:47731"),
+                                         {QStringLiteral("--devices"), QStringLiteral("std:1,motor:2")}, 100).isEmpty());
     }
 
-    void cleanupTestCase()
-    {
-        m_sim.terminate();
-        m_sim.waitForFinished(5000);
-    }
+    void cleanupTestCase() { CliFixture::stopSim(m_sim); }
 
     void diagnosticsAndStatistics()
     {

@@ -46,13 +46,10 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         // Nodes 0x100.. in this order: std, motor, motor, dcmotor, lru50, tx50dc, tx30, settingtool.
-        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.78.21:47821"),
-                                                 {QStringLiteral("--devices"),
-                                                  QStringLiteral("std:1,motor:2,dcmotor:1,lru50:1,tx50dc:1,tx30:1,settingtool:1"),
-                                                  QStringLiteral("--time-scale"), QStringLiteral("10")});
-        QVERIFY(!bus.isEmpty());
-        QCOMPARE(run({QStringLiteral("open"), bus}).code, 0);
-        QCOMPARE(run(QStringLiteral("discover")).code, 0);
+        QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.78.21:47821"),
+                                         {QStringLiteral("--devices"),
+                                          QStringLiteral("std:1,motor:2,dcmotor:1,lru50:1,tx50dc:1,tx30:1,settingtool:1"),
+                                          QStringLiteral("--time-scale"), QStringLiteral("10")}, 300).isEmpty());
         m_backup = file(QStringLiteral("site.json"));
         const Result r = run({QStringLiteral("backup"), QStringLiteral("--output"), m_backup});
         QVERIFY2(r.code == 0, r.err.constData());

@@ -5,48 +5,27 @@
 // nothing to do; updates and recoveries over a noisy line. Settings and
 // registry in a temporary folder.
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
+#include "clifixture.h"
+
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <QtTest>
+
+using CliFixture::Result;
 
 class TstVrnConfigFirmware : public QObject
 {
     Q_OBJECT
 
-    struct Result
-    {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-    };
-
     QTemporaryDir m_home;
     QProcess m_sim;
 
-    Result exec(const QString& program, const QStringList& args)
+    Result run(const QString& line) { return CliFixture::run(m_home, line.split(QLatin1Char(' ')), 100); }
+    Result pack(const QString& line)
     {
         QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-        p.setProcessEnvironment(env);
-        p.setWorkingDirectory(m_home.path());
-        p.start(program, args);
-        if (!p.waitForFinished(60000))
-            p.kill();
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-                p.readAllStandardError()};
+        CliFixture::startIn(p, m_home, QStringLiteral(VRNFWPACK), line.split(QLatin1Char(' ')));
+        return CliFixture::finished(p);
     }
-    Result run(const QString& line)
-    {
-        return exec(qEnvironmentVariable("VRNCONFIG"),
-                    QStringList{QStringLiteral("--timeout"), QStringLiteral("100")} + line.split(QLatin1Char(' ')));
-    }
-    Result pack(const QString& line) { return exec(QStringLiteral(VRNFWPACK), line.split(QLatin1Char(' '))); }
     static QJsonObject firstResult(const QByteArray& out)
     {
         return QJsonDocument::fromJson(out).object().value(QStringLiteral("results")).toArray().first().toObject();
@@ -71,22 +50,12 @@ private slots:
 
         // Motors 0x100 and 0x101, a standard node 0x102; every node loses
         // power once, at block 20 of an update.
-        m_sim.start(qEnvironmentVariable("VRNSIM"),
-                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.14:47714"), QStringLiteral("--devices"),
-                     QStringLiteral("motor:2,std:1"), QStringLiteral("--time-scale"), QStringLiteral("20"),
-                     QStringLiteral("--power-loss-at"), QStringLiteral("20")});
-        QVERIFY(m_sim.waitForStarted(5000));
-        QVERIFY(m_sim.waitForReadyRead(5000));
-        const QString bus = QString::fromLatin1(m_sim.readLine()).trimmed();
-        QCOMPARE(run(QStringLiteral("open ") + bus).code, 0);
-        QCOMPARE(run(QStringLiteral("discover")).code, 0);
+        QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.14:47714"),
+                                         {QStringLiteral("--devices"), QStringLiteral("motor:2,std:1"), QStringLiteral("--time-scale"),
+                                          QStringLiteral("20"), QStringLiteral("--power-loss-at"), QStringLiteral("20")}, 100).isEmpty());
     }
 
-    void cleanupTestCase()
-    {
-        m_sim.terminate();
-        m_sim.waitForFinished(5000);
-    }
+    void cleanupTestCase() { CliFixture::stopSim(m_sim); }
 
     void listAndCheck()
     {
@@ -166,18 +135,11 @@ private slots:
     void noisyLine()
     {
         QProcess noisy;
-        noisy.start(qEnvironmentVariable("VRNSIM"),
-                    {QStringLiteral("--mcast"), QStringLiteral("239.255.77.15:47715"), QStringLiteral("--devices"),
-                     QStringLiteral("motor:2,std:1"), QStringLiteral("--corrupt-blocks"), QStringLiteral("0.3"),
-                     QStringLiteral("--loss"), QStringLiteral("0.2"), QStringLiteral("--seed"), QStringLiteral("5")});
-        QVERIFY(noisy.waitForStarted(5000));
-        QVERIFY(noisy.waitForReadyRead(5000));
-        const auto stop = qScopeGuard([&noisy] {
-            noisy.terminate();
-            noisy.waitForFinished(5000);
-        });
-        QCOMPARE(run(QStringLiteral("open ") + QString::fromLatin1(noisy.readLine()).trimmed()).code, 0);
-        QCOMPARE(run(QStringLiteral("discover --json")).code, 0);
+        const auto stop = qScopeGuard([&noisy] { CliFixture::stopSim(noisy); });
+        QVERIFY(!CliFixture::discoverSim(noisy, m_home, QStringLiteral("239.255.77.15:47715"),
+                                         {QStringLiteral("--devices"), QStringLiteral("motor:2,std:1"), QStringLiteral("--corrupt-blocks"),
+                                          QStringLiteral("0.3"), QStringLiteral("--loss"), QStringLiteral("0.2"), QStringLiteral("--seed"),
+                                          QStringLiteral("5")}, 100).isEmpty());
         for (const QString& command : {QStringLiteral("update"), QStringLiteral("recover")}) {
             const Result r = run(QStringLiteral("--yes firmware %1 --force node:0x100 node:0x102 --json").arg(command));
             QVERIFY2(r.code == 0, r.out + r.err);

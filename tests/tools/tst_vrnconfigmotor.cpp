@@ -28,19 +28,12 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         // Nodes 0x100 (standard), 0x101 (motor), 0x102 (TX30) become devices 2, 1, 3.
-        const QString bus = CliFixture::startSim(m_sim, QStringLiteral("239.255.77.10:47710"),
-                                                 {QStringLiteral("--devices"), QStringLiteral("std:1,motor:1,tx30:1"),
-                                                  QStringLiteral("--time-scale"), QStringLiteral("10")});
-        QVERIFY(!bus.isEmpty());
-        QCOMPARE(run({QStringLiteral("open"), bus}).code, 0);
-        QCOMPARE(run(QStringLiteral("discover")).code, 0);
+        QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.10:47710"),
+                                         {QStringLiteral("--devices"), QStringLiteral("std:1,motor:1,tx30:1"),
+                                          QStringLiteral("--time-scale"), QStringLiteral("10")}).isEmpty());
     }
 
-    void cleanupTestCase()
-    {
-        m_sim.terminate();
-        m_sim.waitForFinished(5000);
-    }
+    void cleanupTestCase() { CliFixture::stopSim(m_sim); }
 
     void badValues_data()
     {

@@ -207,12 +207,8 @@ private slots:
         QVERIFY(!bus.isEmpty());
         QProcess tool;
         // The default timeout (500 ms), not the fixture's.
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-        tool.setProcessEnvironment(env);
-        tool.start(qEnvironmentVariable("VRNCONFIG"), {QStringLiteral("--json"), QStringLiteral("--db"), m_home.filePath(QStringLiteral("late.sqlite")),
-                                                       QStringLiteral("--bus"), bus, QStringLiteral("discover")});
+        startIn(tool, m_home, qEnvironmentVariable("VRNCONFIG"), {QStringLiteral("--json"), QStringLiteral("--db"),
+                m_home.filePath(QStringLiteral("late.sqlite")), QStringLiteral("--bus"), bus, QStringLiteral("discover")});
         const Result r = finished(tool);
         stopSim(sim);
         QCOMPARE(r.code, 0);
