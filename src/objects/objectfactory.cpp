@@ -1039,6 +1039,13 @@ ObjectFactory::AddressProblem ObjectFactory::deviceProblem(VRNObject::UUID uuid)
     return addressProblem(VRN::makeAddr(deviceNodeType(uuid), int(number.first())));
 }
 
+bool ObjectFactory::isNetworkNode(VRNObject::UUID uuid)
+{
+    Q_D(ObjectFactory);
+    const QList<unsigned> kind = d->numbers(QStringLiteral("SELECT type FROM Devices WHERE uuid=?"), uuid);
+    return !kind.isEmpty() && VRNObject::isNetworkNode(VRNObject::intToType(int(kind.first())));
+}
+
 bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)
 {
     Q_D(ObjectFactory);
