@@ -141,9 +141,13 @@ Pane {
                 readonly property bool failed: model.state === Job.Finished && model.error !== Job.NoError
                 readonly property bool finished: model.state === Job.Finished
                 property var shared: ObjectFactory.objectQml(resultRow, model.uuid)
+                // A row stays one device's: its name is taken once (the
+                // address announces no change a binding could follow).
+                property string name: ""
+                Component.onCompleted: name = shared && shared.data ? Format.deviceText(shared.data) : String(model.uuid)
                 Component.onDestruction: if (shared) shared.destroy()
                 DeviceRecords { id: rowRecords; device: resultRow.shared ? resultRow.shared.data : null }
-                Label { width: fm.averageCharacterWidth * 30; text: resultRow.shared && resultRow.shared.data ? Format.deviceText(resultRow.shared.data) : String(model.uuid); elide: Text.ElideRight }
+                Label { width: fm.averageCharacterWidth * 30; text: resultRow.name; elide: Text.ElideRight }
                 Label {
                     width: fm.averageCharacterWidth * 12
                     text: failed ? qsTr("failed") : [qsTr("waiting"), qsTr("queued"), qsTr("running"), qsTr("done")][model.state]

@@ -235,6 +235,9 @@ ScrollView {
     background: Rectangle { color: panel.palette.window }
 
     DeviceRecords { id: records; device: panel.shared ? panel.shared.data : null }
+    // The question is put when the write is asked for: a dialog whose text
+    // followed every edit would size itself again at each keystroke.
+    AskFirst { id: confirmWrite; anchors.centerIn: Overlay.overlay }
     ListModel { id: logModel }
     FontMetrics { id: fm }
 
@@ -305,7 +308,9 @@ ScrollView {
                 ToolTip.text: qsTr("Correct the fields marked in red first")
                 onClicked: {
                     if (panel.several) {
-                        confirmWrite.open()
+                        var titles = panel.pendingJobs.map(function(j) { return Format.jobTitle(j[0]) })
+                        confirmWrite.ask(qsTr("Write to %1 devices?").arg(panel.selectedCount) + "\n\n" + titles.join("\n"),
+                                         function() { panel.writePending() })
                     } else {
                         panel.writePending()
                     }
@@ -324,18 +329,6 @@ ScrollView {
             from: 0
             to: Math.max(1, panel.started)
             value: panel.ended
-        }
-
-        Dialog {
-            id: confirmWrite
-            anchors.centerIn: Overlay.overlay
-            modal: true
-            title: qsTr("Write to %1 devices?").arg(panel.selectedCount)
-            standardButtons: Dialog.Ok | Dialog.Cancel
-            Label {
-                text: panel.pendingJobs.map(function(j) { return Format.jobTitle(j[0]) }).join("\n")
-            }
-            onAccepted: panel.writePending()
         }
 
         GroupBox {
