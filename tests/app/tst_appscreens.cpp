@@ -39,6 +39,7 @@ private slots:
     void stopAllOnEscape();
     void everyViewInBothThemes();
     void everyViewInGerman();
+    void noQmlWarnings();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -383,6 +384,14 @@ void tst_AppScreens::actions()
     QObject* results = actions->property("results").value<QObject*>();
     QCOMPARE(results->property("count").toInt(), 5);
     save(QStringLiteral("actions"));
+    // A move of several motors asks first, in words.
+    call(actions, "choose", QStringLiteral("MotorControlJob"));
+    QMetaObject::invokeMethod(actions->findChild<QObject*>(QStringLiteral("runAction")), "clicked");
+    QObject* ask = actions->findChild<QObject*>(QStringLiteral("askFirst"));
+    QTRY_VERIFY(ask->property("opened").toBool());
+    QVERIFY(visibleTexts().contains(QStringLiteral("Move up on 5 devices?")));
+    QMetaObject::invokeMethod(ask, "reject");
+    QTRY_VERIFY(!ask->property("visible").toBool());
 }
 
 // The motors' counters read, then their statistics reset and read back.
@@ -665,6 +674,22 @@ void tst_AppScreens::everyViewInGerman()
     show("devices");
     QCOMPARE(m_window->findChild<QObject*>(QStringLiteral("syncState"))->property("text").toString(),
              QStringLiteral("Mit dem Gerät abgeglichen"));
+}
+
+// All the above is normal use: the log holds no warning of QML's own
+// (binding loops, bindings on values that announce no change, type errors).
+void tst_AppScreens::noQmlWarnings()
+{
+    QFile file(m_home.path() + QStringLiteral("/vrnconfigtool.log"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+    QStringList found;
+    static const QRegularExpression qml(QStringLiteral("qrc:/|file:/|\\bQML\\b|QQmlExpression|Binding loop"));
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        if (qml.match(line).hasMatch())
+            found.append(line);
+    }
+    QVERIFY2(found.isEmpty(), qPrintable(found.join(QLatin1Char('\n'))));
 }
 
 QTEST_MAIN(tst_AppScreens)

@@ -134,8 +134,10 @@ Pane {
         modal: true
         title: direct ? qsTr("Update through the bootloader") : qsTr("Update firmware")
         standardButtons: Dialog.Ok | Dialog.Cancel
+        // Only while open (see AskFirst.qml).
         Label {
-            text: qsTr("Send the newest package that fits to %1 device(s), one after another?").arg(view.selection ? view.selection.rowCount : 0)
+            text: !confirm.visible ? ""
+                  : qsTr("Send the newest package that fits to %1 device(s), one after another?").arg(view.selection ? view.selection.rowCount : 0)
                   + (view.force ? "\n" + qsTr("Devices that already run its version get it again.") : "")
                   + (view.allowDowngrade ? "\n" + qsTr("Devices with a newer version get the older one.") : "")
         }
