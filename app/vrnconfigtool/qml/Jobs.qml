@@ -83,14 +83,39 @@ QtObject {
         }
     }
 
+    // Why no job is sent to device `uuid` (its registry row is invalid), in
+    // the user's words; "" when one may be.
+    function refusal(uuid) {
+        var problem = ObjectFactory.deviceProblem(uuid);
+        return problem !== ObjectFactory.AddressValid
+                ? qsTr("not sent, the row is invalid: %1").arg(problemText(problem)) : "";
+    }
+
+    // Before job `name` goes to the devices `uuids` as one group: those it
+    // may not reach end at once, as `run` ends a refused device (`done` with
+    // the reason). { valid: [uuid], refused: [{ uuid, text }] }
+    function sortOut(name, uuids) {
+        var invalid = ObjectFactory.invalidDevices(uuids);
+        var out = { valid: invalid.length === 0 ? uuids : [], refused: [] };
+        if (invalid.length === 0)
+            return out;
+        var left = {};
+        for (var i = 0; i < invalid.length; ++i) {
+            var refused = refusal(invalid[i]);
+            left[invalid[i]] = true;
+            out.refused.push({ uuid: invalid[i], text: refused });
+            done(name, invalid[i], false, refused, undefined);
+        }
+        out.valid = uuids.filter(function(uuid) { return left[uuid] !== true; });
+        return out;
+    }
+
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
     // (optional) is called with (ok, errorText, result) after `done`;
     // `created` (optional) with the job before it is queued.
     function run(uuid, name, props, then, priority, created) {
         var worker = null;
-        var problem = ObjectFactory.deviceProblem(uuid);
-        var refused = problem !== ObjectFactory.AddressValid
-                ? qsTr("not sent, the row is invalid: %1").arg(problemText(problem)) : "";
+        var refused = refusal(uuid);
         if (refused === "") {
             worker = ObjectFactory.objectWorkerQml(jobs, uuid);
             if (!worker || !worker.data)
