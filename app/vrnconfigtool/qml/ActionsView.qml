@@ -44,7 +44,7 @@ Pane {
     }
 
     // Selected devices the last action was not sent to, their rows being
-    // invalid: { name, text } each.
+    // invalid: { name, why } each.
     property var skipped: []
 
     // Queues action number `index` on the group worker of the selected
@@ -61,7 +61,7 @@ Pane {
         var sorted = jobs.sortOut(action.job, group.devices)
         var left = []
         for (var i = 0; i < sorted.refused.length; ++i)
-            left.push({ name: deviceText(sorted.refused[i].uuid), text: sorted.refused[i].text })
+            left.push({ name: deviceText(sorted.refused[i].uuid), why: sorted.refused[i].why })
         skipped = left
         if (left.length > 0)
             group = sorted.valid.length > 0 ? GroupFactory.groupWorkerQml(sorted.valid) : null
@@ -81,7 +81,7 @@ Pane {
         var lines = [qsTr("Not sent to %1 of the selected devices, their rows are invalid (forget them and discover the devices again):")
                      .arg(skipped.length)]
         for (var i = 0; i < skipped.length && i < 5; ++i)
-            lines.push(qsTr("%1: %2").arg(skipped[i].name).arg(skipped[i].text))
+            lines.push(qsTr("%1: %2").arg(skipped[i].name).arg(skipped[i].why))
         if (skipped.length > 5)
             lines.push(qsTr("and %1 more").arg(skipped.length - 5))
         return lines.join("\n")

@@ -93,7 +93,8 @@ QtObject {
 
     // Before job `name` goes to the devices `uuids` as one group: those it
     // may not reach end at once, as `run` ends a refused device (`done` with
-    // the reason). { valid: [uuid], refused: [{ uuid, text }] }
+    // the reason). { valid: [uuid], refused: [{ uuid, why }] }, `why` the
+    // row's problem in words.
     function sortOut(name, uuids) {
         var invalid = ObjectFactory.invalidDevices(uuids);
         var out = { valid: invalid.length === 0 ? uuids : [], refused: [] };
@@ -101,10 +102,9 @@ QtObject {
             return out;
         var left = {};
         for (var i = 0; i < invalid.length; ++i) {
-            var refused = refusal(invalid[i]);
             left[invalid[i]] = true;
-            out.refused.push({ uuid: invalid[i], text: refused });
-            done(name, invalid[i], false, refused, undefined);
+            out.refused.push({ uuid: invalid[i], why: problemText(ObjectFactory.deviceProblem(invalid[i])) });
+            done(name, invalid[i], false, refusal(invalid[i]), undefined);
         }
         out.valid = uuids.filter(function(uuid) { return left[uuid] !== true; });
         return out;
