@@ -615,6 +615,10 @@
         <source>Reading from the device…</source>
         <translation>Wird aus dem Gerät gelesen …</translation>
     </message>
+    <message>
+        <source>A setting tool carries settings to the nodes and answers no request over the bus: there is nothing to read from it or write to it.</source>
+        <translation>Ein Einstellwerkzeug überträgt Einstellungen zu den Knoten und beantwortet keine Anfrage über den Bus: es gibt nichts von ihm zu lesen oder an es zu schreiben.</translation>
+    </message>
 </context>
 <context>
     <name>DevicesView</name>

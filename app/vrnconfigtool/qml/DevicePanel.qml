@@ -17,6 +17,8 @@ ScrollView {
     // The selection, for writes to several devices.
     property var selection: null
     readonly property bool several: selectedCount > 1
+    // A setting tool answers no node request: nothing is read from it or written to it.
+    readonly property bool isNode: uuid !== undefined && ObjectFactory.isNetworkNode(uuid)
     readonly property bool isMotor: Format.isMotorType(commonType)
     readonly property bool isDCMotor: Format.isDCMotorType(commonType)
     readonly property var proxy: Format.known(records.proxy)
@@ -112,6 +114,9 @@ ScrollView {
     }
     // Reads everything the panel shows from the device.
     function readAll() {
+        // Asked here, not through isNode, which may not yet follow a uuid just set.
+        if (uuid === undefined || !ObjectFactory.isNetworkNode(uuid))
+            return
         var names = ["GetLabelJob", "GetGroupsJob", "GetFwVersionJob"]
         if (isMotor)
             names = names.concat(["GetDirectionJob", "GetEndLimitsJob", "GetPositionJob", "GetMotorIpsJob"])
@@ -278,8 +283,15 @@ ScrollView {
             wrapMode: Text.Wrap
             Layout.fillWidth: true
         }
+        Label {
+            objectName: "notANode"
+            visible: panel.uuid !== undefined && !panel.isNode && !panel.several
+            text: qsTr("A setting tool carries settings to the nodes and answers no request over the bus: there is nothing to read from it or write to it.")
+            wrapMode: Text.Wrap
+            Layout.fillWidth: true
+        }
         Flow {
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             spacing: 6
             Label {
@@ -333,7 +345,7 @@ ScrollView {
 
         GroupBox {
             title: qsTr("Node")
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             ColumnLayout {
                 RowLayout {
@@ -507,7 +519,7 @@ ScrollView {
 
         GroupBox {
             title: qsTr("Jobs")
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             ListView {
                 objectName: "jobLog"

@@ -61,6 +61,20 @@ TestCase {
         compare(JSON.stringify(panel.pendingJobs), "[]")
     }
 
+    // A setting tool answers no node request: showing it asks it nothing,
+    // so no failure reaches the messages.
+    SignalSpy { id: jobEnds; target: jobs; signalName: "done" }
+    function test_settingToolIsAskedNothing() {
+        jobEnds.clear()
+        show(device(7))
+        compare(jobEnds.count, 0)
+        verify(!panel.isNode)
+        verify(findChild(panel, "notANode").text !== "")
+        panel.readAll()
+        compare(jobs.running, 0)
+        compare(jobEnds.count, 0)
+    }
+
     function test_writePendingChanges() {
         var row = device(6)
         show(row)
