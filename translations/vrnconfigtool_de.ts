@@ -619,6 +619,10 @@
         <source>A setting tool carries settings to the nodes and answers no request over the bus: there is nothing to read from it or write to it.</source>
         <translation>Ein Einstellwerkzeug überträgt Einstellungen zu den Knoten und beantwortet keine Anfrage über den Bus: es gibt nichts von ihm zu lesen oder an es zu schreiben.</translation>
     </message>
+    <message>
+        <source>left out, rows invalid: %1</source>
+        <translation>ausgelassen, ungültige Zeilen: %1</translation>
+    </message>
 </context>
 <context>
     <name>DevicesView</name>

@@ -55,16 +55,12 @@ Pane {
         var action = actions[index]
         actionBox.currentIndex = index
         lastAction = action
-        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
-        if (!group)
-            return 0
-        var sorted = jobs.sortOut(action.job, group.devices)
+        var sorted = jobs.selectionGroup(action.job, selection)
         var left = []
         for (var i = 0; i < sorted.refused.length; ++i)
             left.push({ name: deviceText(sorted.refused[i].uuid), why: sorted.refused[i].why })
         skipped = left
-        if (left.length > 0)
-            group = sorted.valid.length > 0 ? GroupFactory.groupWorkerQml(sorted.valid) : null
+        var group = sorted.group
         if (groupJob)
             groupJob.destroy()
         groupJob = null

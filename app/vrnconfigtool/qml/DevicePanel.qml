@@ -146,12 +146,19 @@ ScrollView {
     }
     // Each change as one group job over the selection: the group worker
     // runs it device by device and keeps each device's outcome.
+    // Rows no device can have are left out (each said in the messages).
     function writeToSelection(todo) {
-        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
+        var group = null
+        for (var i = 0; i < todo.length; ++i) {
+            var sorted = jobs.selectionGroup(todo[i][0], selection)
+            if (sorted.refused.length > 0)
+                note(todo[i][0], false, qsTr("left out, rows invalid: %1").arg(sorted.refused.length))
+            group = sorted.group
+        }
         if (!group)
             return 0
         var devices = group.count
-        for (var i = 0; i < todo.length; ++i) {
+        for (i = 0; i < todo.length; ++i) {
             var job = jobs.kinds[todo[i][0]].createObject(panel, todo[i][1])
             var end = begin(qsTr("%1 on %2 devices").arg(Format.jobTitle(todo[i][0])).arg(devices))
             job.finished.connect(function(job, end, name) {

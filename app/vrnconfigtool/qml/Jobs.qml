@@ -110,6 +110,19 @@ QtObject {
         return out;
     }
 
+    // The group worker for job `name` on the devices of `selection`, those
+    // it may not reach left out first (`sortOut`): { group (null when no
+    // device is left), refused }.
+    function selectionGroup(name, selection) {
+        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null;
+        if (!group)
+            return { group: null, refused: [] };
+        var sorted = sortOut(name, group.devices);
+        if (sorted.refused.length > 0)
+            group = sorted.valid.length > 0 ? GroupFactory.groupWorkerQml(sorted.valid) : null;
+        return { group: group, refused: sorted.refused };
+    }
+
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
     // (optional) is called with (ok, errorText, result) after `done`;
     // `created` (optional) with the job before it is queued.
