@@ -623,6 +623,10 @@
         <source>left out, rows invalid: %1</source>
         <translation>ausgelassen, ungültige Zeilen: %1</translation>
     </message>
+    <message>
+        <source>%1 devices selected, of different kinds</source>
+        <translation>%1 Geräte ausgewählt, verschiedener Arten</translation>
+    </message>
 </context>
 <context>
     <name>DevicesView</name>

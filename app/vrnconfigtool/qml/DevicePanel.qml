@@ -280,9 +280,9 @@ ScrollView {
             visible: panel.uuid !== undefined
             font.bold: true
             font.pointSize: Qt.application.font.pointSize * 1.25
-            text: panel.several
-                  ? qsTr("%1 devices selected (%2)").arg(panel.selectedCount).arg(Format.kindName(panel.commonType))
-                  : panel.nodeText
+            text: !panel.several ? panel.nodeText
+                  : panel.commonType > 0 ? qsTr("%1 devices selected (%2)").arg(panel.selectedCount).arg(Format.kindName(panel.commonType))
+                  : qsTr("%1 devices selected, of different kinds").arg(panel.selectedCount)
         }
         Label {
             visible: panel.uuid !== undefined && panel.several
