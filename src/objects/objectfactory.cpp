@@ -1057,7 +1057,7 @@ QVariantList ObjectFactory::invalidDevices(const QVariantList& uuids)
     // job for every device of a large network is checked in a moment.
     QSqlQuery query(d->db);
     query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral("SELECT d.uuid, ifnull(d.nodeID, 0), d.type, n.nodeType FROM Devices d "
+    if (!query.exec(QStringLiteral("SELECT d.uuid, ifnull(d.nodeID, 0), ifnull(d.type, 0), n.nodeType FROM Devices d "
                                    "LEFT JOIN DevicesNodeTypes n ON n.deviceUUID = d.uuid"))) {
         warnSql("failed to check the rows", query);
         for (const QVariant& uuid : uuids)
