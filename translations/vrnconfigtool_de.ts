@@ -111,6 +111,22 @@
         <source>%1 on %2 devices?</source>
         <translation>%1 auf %2 Geräten?</translation>
     </message>
+    <message>
+        <source>Not sent to %1 of the selected devices, their rows are invalid (forget them and discover the devices again):</source>
+        <translation>An %1 der ausgewählten Geräte nicht gesendet, ihre Zeilen sind ungültig (entfernen Sie sie und suchen Sie die Geräte erneut):</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>%1: sent to no device</source>
+        <translation>%1: an kein Gerät gesendet</translation>
+    </message>
 </context>
 <context>
     <name>AskFirst</name>
@@ -598,6 +614,18 @@
     <message>
         <source>Reading from the device…</source>
         <translation>Wird aus dem Gerät gelesen …</translation>
+    </message>
+    <message>
+        <source>A setting tool carries settings to the nodes and answers no request over the bus: there is nothing to read from it or write to it.</source>
+        <translation>Ein Einstellwerkzeug überträgt Einstellungen zu den Knoten und beantwortet keine Anfrage über den Bus: es gibt nichts von ihm zu lesen oder an es zu schreiben.</translation>
+    </message>
+    <message>
+        <source>left out, rows invalid: %1</source>
+        <translation>ausgelassen, ungültige Zeilen: %1</translation>
+    </message>
+    <message>
+        <source>%1 devices selected, of different kinds</source>
+        <translation>%1 Geräte ausgewählt, verschiedener Arten</translation>
     </message>
 </context>
 <context>
@@ -1793,6 +1821,14 @@
     <message>
         <source>Registry: in memory</source>
         <translation>Register: im Speicher</translation>
+    </message>
+    <message>
+        <source>Device registry of this bus, read-only: %1</source>
+        <translation>Geräteregister dieses Busses, schreibgeschützt: %1</translation>
+    </message>
+    <message>
+        <source>Device registry of this bus: %1</source>
+        <translation>Geräteregister dieses Busses: %1</translation>
     </message>
 </context>
 </TS>

@@ -215,8 +215,14 @@ bool AppEngine::start(QQmlApplicationEngine& engine, const QString& busUUID, QSt
     // Backup & Compare and History; every write the application makes goes to the change log.
     qmlRegisterType<QmlDocumentSession>("VRNConfigTool.Documents", 1, 0, "DocumentSession");
     ChangeRecorder::install();
-    if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE"))
-        QQuickStyle::setStyle(QStringLiteral("Fusion"));
+    // Once per process: a window started again (another language) keeps the
+    // style, which Qt refuses to change once the controls are loaded.
+    static const bool styled = [] {
+        if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE"))
+            QQuickStyle::setStyle(QStringLiteral("Fusion"));
+        return true;
+    }();
+    Q_UNUSED(styled)
     engine.rootContext()->setContextProperty(QStringLiteral("startBusUUID"), busUUID);
     engine.rootContext()->setContextProperty(QStringLiteral("appLog"), new AppLog(&engine));
     engine.rootContext()->setContextProperty(QStringLiteral("appHelper"), new AppHelper(&engine));

@@ -23,6 +23,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaType>
+#include <QSet>
 #include <QSqlError>
 #include <QStandardPaths>
 
@@ -30,6 +31,15 @@ namespace {
 void warnSql(const char* what, const QSqlQuery& query)
 {
     qWarning() << "[ObjectFactory]:" << what << query.lastError().text();
+}
+
+// The node type a row stands for: the one discovery saw (`seen`), else
+// the one of the row's kind; a row without either counts as a standard node.
+VRN::NodeType rowNodeType(const QVariant& seen, const QVariant& kind)
+{
+    if (!seen.isNull())
+        return VRN::NodeType(seen.toUInt());
+    return VRNObject::nodeType(VRNObject::intToType(kind.isNull() ? 1 : kind.toLongLong()));
 }
 
 // A stored node id or type of NULL reads back as 0, so 0 also matches NULL.
@@ -1008,9 +1018,9 @@ VRN::NodeType ObjectFactory::deviceNodeType(VRNObject::UUID uuid)
     Q_D(ObjectFactory);
     const QList<unsigned> seen = d->numbers(QStringLiteral("SELECT nodeType FROM DevicesNodeTypes WHERE deviceUUID=?"), uuid);
     if (!seen.isEmpty())
-        return VRN::NodeType(seen.first());
+        return rowNodeType(seen.first(), QVariant());
     const QList<unsigned> kind = d->numbers(QStringLiteral("SELECT type FROM Devices WHERE uuid=?"), uuid);
-    return VRNObject::nodeType(VRNObject::intToType(kind.isEmpty() ? 1 : int(kind.first())));
+    return rowNodeType(QVariant(), kind.isEmpty() ? QVariant() : QVariant(kind.first()));
 }
 
 ObjectFactory::AddressProblem ObjectFactory::addressProblem(VRN::Addr addr)
@@ -1034,6 +1044,43 @@ ObjectFactory::AddressProblem ObjectFactory::deviceProblem(VRNObject::UUID uuid)
     if (number.isEmpty())
         return AddressValid;
     return addressProblem(VRN::makeAddr(deviceNodeType(uuid), int(number.first())));
+}
+
+QVariantList ObjectFactory::invalidDevices(const QVariantList& uuids)
+{
+    Q_D(ObjectFactory);
+    QVariantList out;
+    // One pass over the registry rather than three statements a device: a
+    // job for every device of a large network is checked in a moment.
+    QSqlQuery query(d->db);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("SELECT d.uuid, ifnull(d.nodeID, 0), ifnull(d.type, 0), n.nodeType FROM Devices d "
+                                   "LEFT JOIN DevicesNodeTypes n ON n.deviceUUID = d.uuid"))) {
+        warnSql("failed to check the rows", query);
+        for (const QVariant& uuid : uuids)
+            if (deviceProblem(uuid.toUInt()) != AddressValid)
+                out.append(uuid);
+        return out;
+    }
+    QSet<VRNObject::UUID> invalid;
+    while (query.next()) {
+        const VRN::Addr addr = VRN::makeAddr(rowNodeType(query.value(3), query.value(2)), int(query.value(1).toUInt()));
+        if (addressProblem(addr) != AddressValid)
+            invalid.insert(query.value(0).toUInt());
+    }
+    if (invalid.isEmpty())
+        return out;
+    for (const QVariant& uuid : uuids)
+        if (invalid.contains(uuid.toUInt()))
+            out.append(uuid);
+    return out;
+}
+
+bool ObjectFactory::isNetworkNode(VRNObject::UUID uuid)
+{
+    Q_D(ObjectFactory);
+    const QList<unsigned> kind = d->numbers(QStringLiteral("SELECT type FROM Devices WHERE uuid=?"), uuid);
+    return !kind.isEmpty() && VRNObject::isNetworkNode(VRNObject::intToType(int(kind.first())));
 }
 
 bool ObjectFactory::setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber)

@@ -9,6 +9,7 @@
 #include <QScopedPointer>
 #include <QSharedPointer>
 #include <QSqlDatabase>
+#include <QVariantList>
 
 class ObjectFactoryPrivate;
 class ObjectQueryModel;
@@ -158,6 +159,13 @@ public:
     /// registry, a forged answer) is listed as invalid and no job runs on it.
     /// `AddressValid` for a uuid that is not listed.
     Q_INVOKABLE ObjectFactory::AddressProblem deviceProblem(VRNObject::UUID uuid);
+    /// The devices of `uuids` whose rows have a problem (`deviceProblem`),
+    /// in the order given: those a job over all of them must leave out.
+    Q_INVOKABLE QVariantList invalidDevices(const QVariantList& uuids);
+    /// True when the listed device is a node of the network that answers
+    /// the node requests (`VRNObject::isNetworkNode` of its kind); false for
+    /// a setting tool and for a uuid that is not listed.
+    Q_INVOKABLE bool isNetworkNode(VRNObject::UUID uuid);
     /// Stores the serial number the device reported (`save` never writes it).
     bool setSerialNumber(VRNObject::UUID uuid, const QByteArray& serialNumber);
     /// After a serial number read: stores the one the device reported in

@@ -80,6 +80,7 @@ void ObjectSelectionModelPrivate::updateSelectedType()
                  + table + QLatin1Char(')'),
              QVariant(), "failed to update selected type:"))
         return;
+    sharesNoKind = false;
     if (!query.next()) {
         selectedType = VRNObject::Type(0);
         return;
@@ -108,6 +109,7 @@ void ObjectSelectionModelPrivate::updateSelectedType()
         selectedType = VRNObject::Type(first);
     else
         selectedType = common ? VRNObject::metaObjectToType(common) : VRNObject::Type(0);
+    sharesNoKind = several && common == &VRNObject::staticMetaObject;
 }
 
 void ObjectSelectionModelPrivate::updateSelectedNodeId()
@@ -337,6 +339,11 @@ unsigned ObjectSelectionModel::count() const
 VRNObject::Type ObjectSelectionModel::selectedType() const
 {
     return d_func()->selectedType;
+}
+
+VRNObject::Type ObjectSelectionModel::commonKind() const
+{
+    return d_func()->sharesNoKind ? VRNObject::VRNObj : d_func()->selectedType;
 }
 
 bool ObjectSelectionModel::isMotor() const

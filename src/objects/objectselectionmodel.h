@@ -30,6 +30,10 @@ class ObjectSelectionModel : public QAbstractListModel
     Q_PROPERTY(QString deviceTable READ deviceTable WRITE setDeviceTable NOTIFY deviceTableChanged)
     Q_PROPERTY(unsigned rowCount READ count NOTIFY rowCountChanged)
     Q_PROPERTY(VRNObject::Type selectedType READ selectedType)
+    /// As `selectedType`, but `VRNObj` (0) when the selected devices share
+    /// no kind: `selectedType` then names the setting tool, the kind last
+    /// registered for the root class (a standard node and a setting tool).
+    Q_PROPERTY(VRNObject::Type commonKind READ commonKind)
     Q_PROPERTY(bool isMotor READ isMotor)
     Q_PROPERTY(VRN::Addr selectedNodeId READ selectedNodeId)
 public:
@@ -67,6 +71,7 @@ public:
     void setDeviceTable(const QString& table);
     unsigned count() const;
     VRNObject::Type selectedType() const;
+    VRNObject::Type commonKind() const;
     bool isMotor() const;
     VRN::Addr selectedNodeId() const;
 

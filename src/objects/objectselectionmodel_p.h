@@ -31,6 +31,8 @@ public:
     mutable QSqlQuery membership;
     unsigned rowCount = 0;
     VRNObject::Type selectedType = VRNObject::Type(1);
+    /// The selected devices' closest common class is the root class.
+    bool sharesNoKind = false;
     VRN::Addr selectedNodeId = 0;
 };
 

@@ -105,6 +105,12 @@ VRN::NodeType VRNObject::nodeType(Type type)
     return VRN::NodeTool;
 }
 
+bool VRNObject::isNetworkNode(Type type)
+{
+    const QMetaObject* meta = typeToMetaObject(type);
+    return meta && (meta == &VRNStdObject::staticMetaObject || isAncestor(VRNStdObject::staticMetaObject, *meta));
+}
+
 void VRNObject::registerMetaTypes()
 {
     qRegisterMetaType<ConfigData>();

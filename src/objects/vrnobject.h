@@ -112,6 +112,11 @@ public:
     /// The protocol node type of a device kind, for `VRN::makeAddr`
     /// (`NodeTool`, 0, for `VRNObj`, which has no kind of its own).
     static VRN::NodeType nodeType(Type type);
+    /// True for the kinds that are nodes of the device network and answer
+    /// the node requests (label, serial number, groups, versions): every kind
+    /// built on `VRNStdObject`. A setting tool only carries settings to the
+    /// nodes and answers none of them, so no job is sent to it.
+    static bool isNetworkNode(Type type);
     /// Registers the records, the enums, "VRNObject::UUID", "VRN::Addr" and
     /// the integer-to-`Type` converter with the meta-type system. Runs at
     /// load time; calling it again does nothing.

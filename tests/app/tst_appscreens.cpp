@@ -39,6 +39,7 @@ private slots:
     void stopAllOnEscape();
     void everyViewInBothThemes();
     void everyViewInGerman();
+    void noQmlWarnings();
 
 private:
     QObject* view(const char* name) const { return m_window->property(name).value<QObject*>(); }
@@ -283,6 +284,14 @@ void tst_AppScreens::connection()
                  qPrintable(QStringLiteral("row %1: %2").arg(row).arg(QString::fromLatin1(serial))));
     }
     save(QStringLiteral("connection"));
+    // The status bar keeps both ends of the registry's path; pointed at, it shows the whole.
+    auto* registry = m_window->findChild<QQuickItem*>(QStringLiteral("registryStatus"));
+    QVERIFY(registry->property("truncated").toBool());
+    QVERIFY(registry->property("text").toString().endsWith(QStringLiteral("-loopback-screens.sqlite")));
+    QTest::mouseMove(m_window, registry->mapToScene(QPointF(registry->width() / 2, registry->height() / 2)).toPoint());
+    QTRY_VERIFY(visibleTexts().contains(QStringLiteral("Device registry of this bus: ") + ObjectFactory::instance()->registryPath()));
+    save(QStringLiteral("connection-registry"));
+    QTest::mouseMove(m_window, QPoint(m_window->width() / 2, m_window->height() / 2));
 }
 
 // A DC motor's panel: a label written, then read back from the device.
@@ -383,6 +392,14 @@ void tst_AppScreens::actions()
     QObject* results = actions->property("results").value<QObject*>();
     QCOMPARE(results->property("count").toInt(), 5);
     save(QStringLiteral("actions"));
+    // A move of several motors asks first, in words.
+    call(actions, "choose", QStringLiteral("MotorControlJob"));
+    QMetaObject::invokeMethod(actions->findChild<QObject*>(QStringLiteral("runAction")), "clicked");
+    QObject* ask = actions->findChild<QObject*>(QStringLiteral("askFirst"));
+    QTRY_VERIFY(ask->property("opened").toBool());
+    QVERIFY(visibleTexts().contains(QStringLiteral("Move up on 5 devices?")));
+    QMetaObject::invokeMethod(ask, "reject");
+    QTRY_VERIFY(!ask->property("visible").toBool());
 }
 
 // The motors' counters read, then their statistics reset and read back.
@@ -665,6 +682,23 @@ void tst_AppScreens::everyViewInGerman()
     show("devices");
     QCOMPARE(m_window->findChild<QObject*>(QStringLiteral("syncState"))->property("text").toString(),
              QStringLiteral("Mit dem Gerät abgeglichen"));
+}
+
+// All the above is normal use: the log holds no warning of QML's own
+// (binding loops, bindings on values that announce no change, type errors,
+// layouts that never settle).
+void tst_AppScreens::noQmlWarnings()
+{
+    QFile file(m_home.path() + QStringLiteral("/vrnconfigtool.log"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+    QStringList found;
+    static const QRegularExpression qml(QStringLiteral("qrc:/|file:/|\\bQML\\b|QQmlExpression|Binding loop|Qt Quick Layouts"));
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        if (qml.match(line).hasMatch())
+            found.append(line);
+    }
+    QVERIFY2(found.isEmpty(), qPrintable(found.join(QLatin1Char('\n'))));
 }
 
 QTEST_MAIN(tst_AppScreens)

@@ -164,6 +164,10 @@ private slots:
                      object->uuid());
         QCOMPARE(int(factory()->deviceProblem(object->uuid())), problem);
         QCOMPARE(factory()->deviceProblem(object->uuid() + 1), ObjectFactory::AddressValid);
+        // A list checked at once (one pass over the registry) finds the same rows.
+        const QVariantList both{factory()->createObject(VRNObject::DtsMotor, 0x000003)->uuid(), object->uuid()};
+        QCOMPARE(factory()->invalidDevices(both),
+                 problem == ObjectFactory::AddressValid ? QVariantList() : QVariantList{object->uuid()});
     }
 
     void cacheKeepsTheMostRecent200()

@@ -154,18 +154,25 @@ private slots:
         QTest::addColumn<QList<int>>("types");
         QTest::addColumn<int>("expected");
         QTest::addColumn<bool>("motor");
-        QTest::newRow("empty") << QList<int>{} << 0 << false;
-        QTest::newRow("one DC motor") << QList<int>{VRNObject::DtsDcMotor} << int(VRNObject::DtsDcMotor) << true;
+        QTest::addColumn<int>("kind");
+        QTest::newRow("empty") << QList<int>{} << 0 << false << 0;
+        QTest::newRow("one DC motor") << QList<int>{VRNObject::DtsDcMotor} << int(VRNObject::DtsDcMotor) << true
+                                      << int(VRNObject::DtsDcMotor);
         QTest::newRow("motor and DC motor")
-            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsDcMotor} << int(VRNObject::DtsMotor) << true;
+            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsDcMotor} << int(VRNObject::DtsMotor) << true << int(VRNObject::DtsMotor);
         QTest::newRow("DC motor and motor")
-            << QList<int>{VRNObject::DtsDcMotor, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true;
+            << QList<int>{VRNObject::DtsDcMotor, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true << int(VRNObject::DtsMotor);
         QTest::newRow("LRU50 and motor")
-            << QList<int>{VRNObject::LRU50, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true;
+            << QList<int>{VRNObject::LRU50, VRNObject::DtsMotor} << int(VRNObject::DtsMotor) << true << int(VRNObject::DtsMotor);
         QTest::newRow("TX30 and TX50DC")
-            << QList<int>{VRNObject::TX30, VRNObject::TX50DC} << int(VRNObject::DtsDcMotor) << true;
+            << QList<int>{VRNObject::TX30, VRNObject::TX50DC} << int(VRNObject::DtsDcMotor) << true << int(VRNObject::DtsDcMotor);
         QTest::newRow("motor and standard")
-            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsStd} << int(VRNObject::DtsStd) << false;
+            << QList<int>{VRNObject::DtsMotor, VRNObject::DtsStd} << int(VRNObject::DtsStd) << false << int(VRNObject::DtsStd);
+        // No kind in common: the root class, whose type is the setting tool's.
+        QTest::newRow("standard and setting tool")
+            << QList<int>{VRNObject::DtsStd, VRNObject::SettingTool} << int(VRNObject::SettingTool) << false << 0;
+        QTest::newRow("setting tool") << QList<int>{VRNObject::SettingTool} << int(VRNObject::SettingTool) << false
+                                      << int(VRNObject::SettingTool);
     }
 
     void selectedType()
@@ -173,12 +180,14 @@ private slots:
         QFETCH(QList<int>, types);
         QFETCH(int, expected);
         QFETCH(bool, motor);
+        QFETCH(int, kind);
         for (int type : types)
             addDevice(type, 3);
         addDevice(VRNObject::DtsStd, 4); // never selected
         model->addItems(ObjectFactory::NodeIDColumn, 3);
         QCOMPARE(int(model->selectedType()), expected);
         QCOMPARE(model->isMotor(), motor);
+        QCOMPARE(int(model->commonKind()), kind);
     }
 
     void unknownTypeIsReported()

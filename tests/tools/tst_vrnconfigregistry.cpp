@@ -58,6 +58,9 @@ private slots:
         QCOMPARE(r.code, 0);
         QCOMPARE(r.doc().value(QStringLiteral("bus")).toString(), busTwin);
         QCOMPARE(r.doc().value(QStringLiteral("registry")).toString(), file);
+        // Every label is read, and the setting tool is not asked for one.
+        for (const QJsonValue& v : r.doc().value(QStringLiteral("devices")).toArray())
+            QVERIFY2(!v.toObject().contains(QStringLiteral("labelError")), r.out.constData());
 
         r = on(file, busTwin, {QStringLiteral("list")});
         QSet<QString> kinds;

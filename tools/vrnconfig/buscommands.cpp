@@ -259,14 +259,16 @@ void probeBootloaders(Cli& cli, QList<Found> devices, const std::function<void(Q
     oneDone();
 }
 
-// Runs one job quietly on every device found (not the missing ones); `then`
-// gets each device's result by uuid.
+// Runs one job quietly on every node found (not the missing ones, nor
+// setting tools, which answer no node request); `then` gets each device's
+// result by uuid.
 void readFound(Cli& cli, const QList<Found>& devices, const DeviceRunner::JobFactory& make,
                const DeviceRunner::ValueReader& read, std::function<void(const QHash<qint64, QJsonObject>&)> then)
 {
     QList<VRNObject::UUID> uuids;
     for (const Found& f : devices)
-        if (f.status == QLatin1String("new") || f.status == QLatin1String("known"))
+        if ((f.status == QLatin1String("new") || f.status == QLatin1String("known"))
+            && VRNObject::isNetworkNode(VRNObject::Type(f.type)))
             uuids << f.uuid;
     auto runner = new DeviceRunner(cli);
     runner->setQuiet(true);

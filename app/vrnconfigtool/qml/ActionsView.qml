@@ -43,22 +43,44 @@ Pane {
             if (actions[i].job === name) { actionBox.currentIndex = i; return }
     }
 
+    // Selected devices the last action was not sent to, their rows being
+    // invalid: { name, why } each.
+    property var skipped: []
+
     // Queues action number `index` on the group worker of the selected
-    // devices; the group runs it device by device. The number of devices.
+    // devices; the group runs it device by device. Devices whose rows are
+    // invalid are left out first and listed (`skipped`). The number of
+    // devices it runs on.
     function runOnSelection(index) {
         var action = actions[index]
         actionBox.currentIndex = index
         lastAction = action
-        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
-        if (!group)
-            return 0
+        var sorted = jobs.selectionGroup(action.job, selection)
+        var left = []
+        for (var i = 0; i < sorted.refused.length; ++i)
+            left.push({ name: deviceText(sorted.refused[i].uuid), why: sorted.refused[i].why })
+        skipped = left
+        var group = sorted.group
         if (groupJob)
             groupJob.destroy()
+        groupJob = null
         doneCount = 0
         failedCount = 0
+        if (!group)
+            return 0
         groupJob = jobs.kinds[action.job].createObject(view, action.props || {})
         group.enqueue(groupJob, 5)
         return group.count
+    }
+    // The devices left out, in words: the first few, then how many more.
+    function skippedText() {
+        var lines = [qsTr("Not sent to %1 of the selected devices, their rows are invalid (forget them and discover the devices again):")
+                     .arg(skipped.length)]
+        for (var i = 0; i < skipped.length && i < 5; ++i)
+            lines.push(qsTr("%1: %2").arg(skipped[i].name).arg(skipped[i].why))
+        if (skipped.length > 5)
+            lines.push(qsTr("and %1 more").arg(skipped.length - 5))
+        return lines.join("\n")
     }
     function recount() {
         doneCount = results ? results.okCount() : 0
@@ -115,7 +137,16 @@ Pane {
             objectName: "actionSummary"
             text: view.groupJob ? qsTr("%1: %2 done, %3 failed").arg(view.lastAction.title).arg(view.doneCount).arg(view.failedCount)
                                   + (view.pending ? qsTr(", running") : "")
+                                : view.skipped.length > 0 ? qsTr("%1: sent to no device").arg(view.lastAction.title)
                                 : qsTr("Choose an action and run it on the selected devices.")
+        }
+        Label {
+            objectName: "actionSkipped"
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: view.skipped.length > 0 ? view.skippedText() : ""
+            color: palette.window.hslLightness < 0.5 ? "#ff7b72" : "firebrick"
+            wrapMode: Text.Wrap
         }
         ProgressBar {
             Layout.fillWidth: true
@@ -141,9 +172,13 @@ Pane {
                 readonly property bool failed: model.state === Job.Finished && model.error !== Job.NoError
                 readonly property bool finished: model.state === Job.Finished
                 property var shared: ObjectFactory.objectQml(resultRow, model.uuid)
+                // A row stays one device's: its name is taken once (the
+                // address announces no change a binding could follow).
+                property string name: ""
+                Component.onCompleted: name = shared && shared.data ? Format.deviceText(shared.data) : String(model.uuid)
                 Component.onDestruction: if (shared) shared.destroy()
                 DeviceRecords { id: rowRecords; device: resultRow.shared ? resultRow.shared.data : null }
-                Label { width: fm.averageCharacterWidth * 30; text: resultRow.shared && resultRow.shared.data ? Format.deviceText(resultRow.shared.data) : String(model.uuid); elide: Text.ElideRight }
+                Label { width: fm.averageCharacterWidth * 30; text: resultRow.name; elide: Text.ElideRight }
                 Label {
                     width: fm.averageCharacterWidth * 12
                     text: failed ? qsTr("failed") : [qsTr("waiting"), qsTr("queued"), qsTr("running"), qsTr("done")][model.state]

@@ -85,7 +85,7 @@ Pane {
 
     // Discovery runs on the bus worker; the summary compares the devices
     // found with the rows known before. The serial numbers and labels of
-    // the devices found are read afterwards, as the command-line tool does.
+    // the nodes found are read afterwards, as the command-line tool does.
     function discover() {
         if (discovering || !BusFactory.busWorker)
             return false
@@ -124,7 +124,8 @@ Pane {
         labelsFailed = 0
         for (var i = 0; i < uuids.length; ++i) {
             var uuid = uuids[i]
-            if (!(uuid > 0 && uuid < 0xFFFFFFFF))
+            // A setting tool answers no node request: nothing to ask it.
+            if (!(uuid > 0 && uuid < 0xFFFFFFFF) || !ObjectFactory.isNetworkNode(uuid))
                 continue
             labelsAsked += 1
             // Same priority, same worker: the serial number comes first.

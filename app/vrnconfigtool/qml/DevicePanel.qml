@@ -17,6 +17,8 @@ ScrollView {
     // The selection, for writes to several devices.
     property var selection: null
     readonly property bool several: selectedCount > 1
+    // A setting tool answers no node request: nothing is read from it or written to it.
+    readonly property bool isNode: uuid !== undefined && ObjectFactory.isNetworkNode(uuid)
     readonly property bool isMotor: Format.isMotorType(commonType)
     readonly property bool isDCMotor: Format.isDCMotorType(commonType)
     readonly property var proxy: Format.known(records.proxy)
@@ -112,6 +114,9 @@ ScrollView {
     }
     // Reads everything the panel shows from the device.
     function readAll() {
+        // Asked here, not through isNode, which may not yet follow a uuid just set.
+        if (uuid === undefined || !ObjectFactory.isNetworkNode(uuid))
+            return
         var names = ["GetLabelJob", "GetGroupsJob", "GetFwVersionJob"]
         if (isMotor)
             names = names.concat(["GetDirectionJob", "GetEndLimitsJob", "GetPositionJob", "GetMotorIpsJob"])
@@ -141,12 +146,19 @@ ScrollView {
     }
     // Each change as one group job over the selection: the group worker
     // runs it device by device and keeps each device's outcome.
+    // Rows no device can have are left out (each said in the messages).
     function writeToSelection(todo) {
-        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null
+        var group = null
+        for (var i = 0; i < todo.length; ++i) {
+            var sorted = jobs.selectionGroup(todo[i][0], selection)
+            if (sorted.refused.length > 0)
+                note(todo[i][0], false, qsTr("left out, rows invalid: %1").arg(sorted.refused.length))
+            group = sorted.group
+        }
         if (!group)
             return 0
         var devices = group.count
-        for (var i = 0; i < todo.length; ++i) {
+        for (i = 0; i < todo.length; ++i) {
             var job = jobs.kinds[todo[i][0]].createObject(panel, todo[i][1])
             var end = begin(qsTr("%1 on %2 devices").arg(Format.jobTitle(todo[i][0])).arg(devices))
             job.finished.connect(function(job, end, name) {
@@ -235,6 +247,9 @@ ScrollView {
     background: Rectangle { color: panel.palette.window }
 
     DeviceRecords { id: records; device: panel.shared ? panel.shared.data : null }
+    // The question is put when the write is asked for: a dialog whose text
+    // followed every edit would size itself again at each keystroke.
+    AskFirst { id: confirmWrite; anchors.centerIn: Overlay.overlay }
     ListModel { id: logModel }
     FontMetrics { id: fm }
 
@@ -265,9 +280,9 @@ ScrollView {
             visible: panel.uuid !== undefined
             font.bold: true
             font.pointSize: Qt.application.font.pointSize * 1.25
-            text: panel.several
-                  ? qsTr("%1 devices selected (%2)").arg(panel.selectedCount).arg(Format.kindName(panel.commonType))
-                  : panel.nodeText
+            text: !panel.several ? panel.nodeText
+                  : panel.commonType > 0 ? qsTr("%1 devices selected (%2)").arg(panel.selectedCount).arg(Format.kindName(panel.commonType))
+                  : qsTr("%1 devices selected, of different kinds").arg(panel.selectedCount)
         }
         Label {
             visible: panel.uuid !== undefined && panel.several
@@ -275,8 +290,15 @@ ScrollView {
             wrapMode: Text.Wrap
             Layout.fillWidth: true
         }
+        Label {
+            objectName: "notANode"
+            visible: panel.uuid !== undefined && !panel.isNode && !panel.several
+            text: qsTr("A setting tool carries settings to the nodes and answers no request over the bus: there is nothing to read from it or write to it.")
+            wrapMode: Text.Wrap
+            Layout.fillWidth: true
+        }
         Flow {
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             spacing: 6
             Label {
@@ -305,7 +327,9 @@ ScrollView {
                 ToolTip.text: qsTr("Correct the fields marked in red first")
                 onClicked: {
                     if (panel.several) {
-                        confirmWrite.open()
+                        var titles = panel.pendingJobs.map(function(j) { return Format.jobTitle(j[0]) })
+                        confirmWrite.ask(qsTr("Write to %1 devices?").arg(panel.selectedCount) + "\n\n" + titles.join("\n"),
+                                         function() { panel.writePending() })
                     } else {
                         panel.writePending()
                     }
@@ -326,21 +350,9 @@ ScrollView {
             value: panel.ended
         }
 
-        Dialog {
-            id: confirmWrite
-            anchors.centerIn: Overlay.overlay
-            modal: true
-            title: qsTr("Write to %1 devices?").arg(panel.selectedCount)
-            standardButtons: Dialog.Ok | Dialog.Cancel
-            Label {
-                text: panel.pendingJobs.map(function(j) { return Format.jobTitle(j[0]) }).join("\n")
-            }
-            onAccepted: panel.writePending()
-        }
-
         GroupBox {
             title: qsTr("Node")
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             ColumnLayout {
                 RowLayout {
@@ -514,7 +526,7 @@ ScrollView {
 
         GroupBox {
             title: qsTr("Jobs")
-            visible: panel.uuid !== undefined
+            visible: panel.uuid !== undefined && (panel.isNode || panel.several)
             Layout.fillWidth: true
             ListView {
                 objectName: "jobLog"

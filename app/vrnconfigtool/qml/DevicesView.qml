@@ -129,7 +129,8 @@ Pane {
         target: view.selection
         function onModelReset() {
             view.selectedCount = view.selection.rowCount
-            view.selectedType = view.selection.selectedType
+            // 0 where the devices share no kind (a node and a setting tool).
+            view.selectedType = view.selection.commonKind
             view.selectionRevision += 1
             view.updateShown()
         }

@@ -154,7 +154,8 @@ Pane {
         ColumnLayout {
             Label {
                 objectName: "resetExplanation"
-                text: qsTr("Clears on each selected device: %1.").arg(view.resetChoices[resetWhat.currentIndex].clears)
+                // Only while open (see AskFirst.qml).
+                text: confirmReset.visible ? qsTr("Clears on each selected device: %1.").arg(view.resetChoices[resetWhat.currentIndex].clears) : ""
                 wrapMode: Text.Wrap
                 Layout.maximumWidth: fm.averageCharacterWidth * 70
             }

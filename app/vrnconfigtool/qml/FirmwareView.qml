@@ -124,6 +124,7 @@ Pane {
     }
 
     FirmwareLoader { id: loader }
+    FontMetrics { id: fm }
     SelectionRows { id: rowModel }
 
     Dialog {
@@ -134,8 +135,10 @@ Pane {
         modal: true
         title: direct ? qsTr("Update through the bootloader") : qsTr("Update firmware")
         standardButtons: Dialog.Ok | Dialog.Cancel
+        // Only while open (see AskFirst.qml).
         Label {
-            text: qsTr("Send the newest package that fits to %1 device(s), one after another?").arg(view.selection ? view.selection.rowCount : 0)
+            text: !confirm.visible ? ""
+                  : qsTr("Send the newest package that fits to %1 device(s), one after another?").arg(view.selection ? view.selection.rowCount : 0)
                   + (view.force ? "\n" + qsTr("Devices that already run its version get it again.") : "")
                   + (view.allowDowngrade ? "\n" + qsTr("Devices with a newer version get the older one.") : "")
         }
@@ -144,8 +147,13 @@ Pane {
 
     RowLayout {
         anchors.fill: parent
+        // The catalogue takes 45 % of the width, the devices the rest: both
+        // columns fill, in proportion to their preferred widths. (A width
+        // taken from the view's own made the hidden view's implicit width
+        // chase itself: a polish loop.)
         ColumnLayout {
-            Layout.preferredWidth: view.availableWidth * 0.45
+            Layout.fillWidth: true
+            Layout.preferredWidth: 45
             Layout.fillHeight: true
             RowLayout {
                 Label { text: qsTr("Packages in %1").arg(loader.path || qsTr("(no folder set)")); elide: Text.ElideMiddle; Layout.fillWidth: true }
@@ -175,6 +183,7 @@ Pane {
         }
         ColumnLayout {
             Layout.fillWidth: true
+            Layout.preferredWidth: 55
             Layout.fillHeight: true
             RowLayout {
                 Label { text: qsTr("%1 devices selected").arg(view.selection ? view.selection.rowCount : 0) }
@@ -201,7 +210,7 @@ Pane {
                 model: rowModel
                 delegate: RowLayout {
                     width: ListView.view.width
-                    Label { Layout.preferredWidth: 160; text: model.name }
+                    Label { Layout.preferredWidth: fm.averageCharacterWidth * 26; text: model.name; elide: Text.ElideRight }
                     ProgressBar {
                         Layout.preferredWidth: 120
                         visible: model.total > 0

@@ -83,14 +83,52 @@ QtObject {
         }
     }
 
+    // Why no job is sent to device `uuid` (its registry row is invalid), in
+    // the user's words; "" when one may be.
+    function refusal(uuid) {
+        var problem = ObjectFactory.deviceProblem(uuid);
+        return problem !== ObjectFactory.AddressValid
+                ? qsTr("not sent, the row is invalid: %1").arg(problemText(problem)) : "";
+    }
+
+    // Before job `name` goes to the devices `uuids` as one group: those it
+    // may not reach end at once, as `run` ends a refused device (`done` with
+    // the reason). { valid: [uuid], refused: [{ uuid, why }] }, `why` the
+    // row's problem in words.
+    function sortOut(name, uuids) {
+        var invalid = ObjectFactory.invalidDevices(uuids);
+        var out = { valid: invalid.length === 0 ? uuids : [], refused: [] };
+        if (invalid.length === 0)
+            return out;
+        var left = {};
+        for (var i = 0; i < invalid.length; ++i) {
+            left[invalid[i]] = true;
+            out.refused.push({ uuid: invalid[i], why: problemText(ObjectFactory.deviceProblem(invalid[i])) });
+            done(name, invalid[i], false, refusal(invalid[i]), undefined);
+        }
+        out.valid = uuids.filter(function(uuid) { return left[uuid] !== true; });
+        return out;
+    }
+
+    // The group worker for job `name` on the devices of `selection`, those
+    // it may not reach left out first (`sortOut`): { group (null when no
+    // device is left), refused }.
+    function selectionGroup(name, selection) {
+        var group = selection ? GroupFactory.selectionWorkerQml(selection) : null;
+        if (!group)
+            return { group: null, refused: [] };
+        var sorted = sortOut(name, group.devices);
+        if (sorted.refused.length > 0)
+            group = sorted.valid.length > 0 ? GroupFactory.groupWorkerQml(sorted.valid) : null;
+        return { group: group, refused: sorted.refused };
+    }
+
     // Queues job `name` with `props` on the worker of device `uuid`; `then`
     // (optional) is called with (ok, errorText, result) after `done`;
     // `created` (optional) with the job before it is queued.
     function run(uuid, name, props, then, priority, created) {
         var worker = null;
-        var problem = ObjectFactory.deviceProblem(uuid);
-        var refused = problem !== ObjectFactory.AddressValid
-                ? qsTr("not sent, the row is invalid: %1").arg(problemText(problem)) : "";
+        var refused = refusal(uuid);
         if (refused === "") {
             worker = ObjectFactory.objectWorkerQml(jobs, uuid);
             if (!worker || !worker.data)

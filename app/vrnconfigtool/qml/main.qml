@@ -195,6 +195,7 @@ ApplicationWindow {
     }
 
     footer: ToolBar {
+        FontMetrics { id: statusMetrics }
         RowLayout {
             anchors.fill: parent
             anchors.leftMargin: 8
@@ -209,17 +210,29 @@ ApplicationWindow {
                 objectName: "statusBus"
                 text: BusFactory.busUUID !== "" ? qsTr("Bus: %1").arg(BusFactory.busUUID) : qsTr("No bus open")
             }
+            // A long path keeps both ends (folder and file name) and shows
+            // whole when pointed at.
             Label {
+                id: registryStatus
                 objectName: "registryStatus"
                 text: ObjectFactory.registryPath !== ""
                       ? qsTr("Registry: %1%2").arg(ObjectFactory.registryPath).arg(ObjectFactory.readOnly ? qsTr(" (read-only)") : "")
                       : qsTr("Registry: in memory")
                 elide: Text.ElideMiddle
-                Layout.maximumWidth: 420
+                Layout.fillWidth: true
+                Layout.preferredWidth: implicitWidth
+                Layout.maximumWidth: implicitWidth
+                Layout.minimumWidth: Math.min(implicitWidth, statusMetrics.averageCharacterWidth * 24)
+                HoverHandler { id: registryHover }
+                ToolTip.visible: registryHover.hovered && ObjectFactory.registryPath !== ""
+                ToolTip.text: ObjectFactory.readOnly ? qsTr("Device registry of this bus, read-only: %1").arg(ObjectFactory.registryPath)
+                                                     : qsTr("Device registry of this bus: %1").arg(ObjectFactory.registryPath)
             }
             Label {
                 objectName: "statusMessage"
                 Layout.fillWidth: true
+                Layout.preferredWidth: implicitWidth
+                Layout.minimumWidth: Math.min(implicitWidth, statusMetrics.averageCharacterWidth * 24)
                 horizontalAlignment: Text.AlignRight
                 rightPadding: 8
                 text: window.message

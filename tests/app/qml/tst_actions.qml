@@ -62,4 +62,44 @@ TestCase {
         }
         verify(seen > 0)
     }
+
+    // A row no device can have is left out before anything is sent, and the
+    // view says which and why; the others get the job.
+    function test_invalidRowsAreLeftOut() {
+        var before = devices.rowCount()
+        var forged = ObjectFactory.createObjectQml(testCase, 1, 0xFFFFFF, false)
+        verify(forged)
+        forged.destroy()
+        tryVerify(function() { return devices.rowCount() === before + 1 })
+        var bad = 0
+        for (var b = 0; b < devices.rowCount(); ++b)
+            if ((devices.get(b).nodeID & 0xFFFFFF) === 0xFFFFFF)
+                bad = devices.get(b).uuid
+        verify(bad > 0)
+        view.selection.clear()
+        var nodes = 0
+        for (var r = 0; r < devices.rowCount(); ++r) {
+            if (devices.get(r).type === 1 && devices.get(r).uuid !== bad) {
+                view.selection.addItems(ObjectFactory.UuidColumn, devices.get(r).uuid)
+                ++nodes
+            }
+        }
+        view.selection.addItems(ObjectFactory.UuidColumn, bad)
+        compare(view.runOnSelection(1), nodes)   // read groups
+        tryCompare(view, "pending", 0, 5000)
+        compare(view.doneCount, nodes)
+        compare(view.failedCount, 0)
+        compare(view.results.uuids().indexOf(bad), -1)
+        var said = findChild(view, "actionSkipped")
+        verify(/^Not sent to 1 of the selected devices.*\n0xFFFFFF standard node: its node number FFFFFF is the broadcast address/
+               .test(said.text), said.text)
+
+        // Nothing but such rows: nothing is sent.
+        view.selection.clear()
+        view.selection.addItems(ObjectFactory.UuidColumn, bad)
+        compare(view.runOnSelection(1), 0)
+        compare(view.groupJob, null)
+        compare(findChild(view, "actionSummary").text, "Read groups: sent to no device")
+        verify(ObjectFactory.destroyObjectQml(bad))
+    }
 }

@@ -20,7 +20,10 @@ TestCase {
         compare(BusFactory.busUUID, "loopback")   // the open bus stays
     }
 
+    SignalSpy { id: jobEnds; target: jobs; signalName: "done" }
+
     function test_2_discoverySummary() {
+        jobEnds.clear()
         verify(view.discover())
         tryCompare(view, "discovering", false, 5000)
         compare(view.foundCount, 8)
@@ -29,9 +32,15 @@ TestCase {
         compare(devices.rowCount(), 8)
 
         // A filtered device list changes nothing in the count; the labels
-        // of the devices found are read, as the command-line tool does.
+        // of the nodes found are read, as the command-line tool does. The
+        // setting tool is asked nothing, so no read fails.
         tryCompare(view, "readingLabels", false, 5000)
-        compare(view.labelsRead, 8)
+        tryCompare(jobs, "running", 0, 5000)
+        compare(view.labelsAsked, 7)
+        compare(view.labelsRead, 7)
+        compare(jobEnds.count, 14)
+        for (var i = 0; i < jobEnds.count; ++i)
+            verify(jobEnds.signalArguments[i][2], jobEnds.signalArguments[i][0] + ": " + jobEnds.signalArguments[i][3])
         devices.searchText = "no such device"
         simulator.unplug(simulator.numbers()[0])
         verify(view.discover())

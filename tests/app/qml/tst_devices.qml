@@ -101,12 +101,13 @@ TestCase {
 
     function test_commonTypeDecidesPanels() {
         devices.setSort(ObjectQueryModel.TypeRole, Qt.AscendingOrder)
-        var dc = -1, motor = -1, std = -1
+        var dc = -1, motor = -1, std = -1, tool = -1
         for (var r = 0; r < devices.rowCount(); ++r) {
             var t = devices.get(r).type
             if (t === 6 && dc < 0) dc = r
             if (t === 2 && motor < 0) motor = r
             if (t === 1 && std < 0) std = r
+            if (t === 7 && tool < 0) tool = r
         }
         view.clickRow(dc, 0)
         verify(view.panel.isMotor && view.panel.isDCMotor)
@@ -116,5 +117,9 @@ TestCase {
         view.clickRow(std, Qt.ControlModifier)
         verify(!view.panel.isMotor)
         compare(view.panel.selectedCount, 3)
+        // With a setting tool the devices share no kind: not called setting tools.
+        view.clickRow(tool, Qt.ControlModifier)
+        compare(view.selectedType, 0)
+        compare(findChild(view.panel, "panelTitle").text, "4 devices selected, of different kinds")
     }
 }

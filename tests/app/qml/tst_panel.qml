@@ -61,6 +61,20 @@ TestCase {
         compare(JSON.stringify(panel.pendingJobs), "[]")
     }
 
+    // A setting tool answers no node request: showing it asks it nothing,
+    // so no failure reaches the messages.
+    SignalSpy { id: jobEnds; target: jobs; signalName: "done" }
+    function test_settingToolIsAskedNothing() {
+        jobEnds.clear()
+        show(device(7))
+        compare(jobEnds.count, 0)
+        verify(!panel.isNode)
+        verify(findChild(panel, "notANode").text !== "")
+        panel.readAll()
+        compare(jobs.running, 0)
+        compare(jobEnds.count, 0)
+    }
+
     function test_writePendingChanges() {
         var row = device(6)
         show(row)
@@ -186,5 +200,33 @@ TestCase {
         devices.groupFilter = -1
         panel.selection = null
         sel.clear()
+    }
+
+    // A row no device can have in the selection is left out of the write,
+    // and the panel says so; the others are written.
+    function test_writeLeavesOutInvalidRows() {
+        var forged = ObjectFactory.createObjectQml(testCase, 2, 1, false)   // node 1: a tool's number
+        verify(forged)
+        forged.destroy()
+        var sel = devices.selection
+        sel.setItems(ObjectFactory.TypeColumn, 2)
+        var motors = sel.rowCount
+        verify(motors >= 3)   // two motors and the forged row
+        panel.selection = sel
+        panel.commonType = 2
+        panel.selectedCount = motors
+        panel.uuid = sel.data(0)
+        tryCompare(jobs, "running", 0, 3000)
+        findChild(panel, "groupsEdit").text = "ABC, 12"
+        panel.touch("groups")
+        compare(panel.writePending(), 1)
+        tryVerify(function() { return panel.log.count > 1 && !panel.log.get(0).running }, 5000)
+        compare(panel.log.get(0).text, "Write groups: " + (motors - 1) + " done, 0 failed")
+        compare(panel.log.get(1).text, "Write groups: left out, rows invalid: 1")
+        panel.selection = null
+        sel.clear()
+        for (var r = 0; r < devices.rowCount(); ++r)
+            if ((devices.get(r).nodeID & 0xFFFFFF) === 1)
+                verify(ObjectFactory.destroyObjectQml(devices.get(r).uuid))
     }
 }

@@ -16,14 +16,14 @@ TestCase {
     property ObjectQueryModel devices: null
     property int listed: 0
 
-    Component { id: viewComponent; DevicesView { jobs: jobs; anchors.fill: parent } }
+    Component { id: viewComponent; DevicesView { anchors.fill: parent } }
     property var view: null
 
     function initTestCase() {
         listed = ObjectFactory.createQueryModel(testCase).rowCount()
         simulator.fillRegistry(100000)
         devices = ObjectFactory.createQueryModel(testCase)
-        view = viewComponent.createObject(testCase, { model: devices })
+        view = viewComponent.createObject(testCase, { model: devices, jobs: jobs })
         compare(view.deviceCount, listed + 100000)
     }
     function cleanupTestCase() {
