@@ -1052,8 +1052,7 @@ QVariantList ObjectFactory::invalidDevices(const QVariantList& uuids)
     QVariantList out;
     // One pass over the registry rather than three statements a device: a
     // job for every device of a large network is checked in a moment.
-    QSqlQuery query(d->db);
-    query.setForwardOnly(true);
+    QSqlQuery query = RegistrySql::query(d->db);
     if (!query.exec(QStringLiteral("SELECT d.uuid, ifnull(d.nodeID, 0), ifnull(d.type, 0), n.nodeType FROM Devices d "
                                    "LEFT JOIN DevicesNodeTypes n ON n.deviceUUID = d.uuid"))) {
         warnSql("failed to check the rows", query);
