@@ -41,7 +41,7 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.31:47731"),
-                                         {QStringLiteral("--devices"), QStringLiteral("std:1,motor:2")}, 100).isEmpty());
+                                         CliFixture::words("--devices std:1,motor:2"), 100).isEmpty());
     }
 
     void cleanupTestCase() { CliFixture::stopSim(m_sim); }

@@ -14,6 +14,7 @@
 #include <QtTest>
 
 using CliFixture::Result;
+using CliFixture::words;
 
 namespace {
 
@@ -62,7 +63,7 @@ void TstVrnConfigLine::hostileNode()
     // The registry knows node 0x106 from a network where it answered.
     QProcess before;
     const QString beforeBus = CliFixture::startSim(before, QStringLiteral("239.255.78.31:%1").arg(port + 10),
-                                                   {QStringLiteral("--devices"), QStringLiteral("std:2,motor:5")});
+                                                   words("--devices std:2,motor:5"));
     QCOMPARE(CliFixture::run(home, {QStringLiteral("--db"), db, QStringLiteral("--bus"), beforeBus, QStringLiteral("discover")}).code, 0);
     CliFixture::stopSim(before);
 
@@ -156,8 +157,7 @@ void TstVrnConfigLine::lossyLine()
     QTemporaryDir home;
     QProcess sim;
     const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.32:47840"),
-                                             {QStringLiteral("--devices"), QStringLiteral("motor:40"), QStringLiteral("--loss"),
-                                              QStringLiteral("0.1"), QStringLiteral("--latency"), QStringLiteral("20")});
+                                             words("--devices motor:40 --loss 0.1 --latency 20"));
     QVERIFY(!bus.isEmpty());
     auto run = [&](const QString& line) { return CliFixture::run(home, QStringList{QStringLiteral("--bus"), bus} + line.split(' ')); };
     QCOMPARE(run(QStringLiteral("discover")).code, 0);
@@ -171,8 +171,7 @@ void TstVrnConfigLine::lossyLine()
 
     QProcess lossier;
     const QString lossyBus = CliFixture::startSim(lossier, QStringLiteral("239.255.78.32:47841"),
-                                                  {QStringLiteral("--devices"), QStringLiteral("motor:1"), QStringLiteral("--loss"),
-                                                   QStringLiteral("0.2"), QStringLiteral("--time-scale"), QStringLiteral("100")});
+                                                  words("--devices motor:1 --loss 0.2 --time-scale 100"));
     QVERIFY(!lossyBus.isEmpty());
     QTemporaryDir moveHome;
     auto move = [&](const QString& line) { return CliFixture::run(moveHome, QStringList{QStringLiteral("--bus"), lossyBus} + line.split(' ')); };
@@ -193,8 +192,7 @@ void TstVrnConfigLine::deviceTextIsEscaped()
 {
     QTemporaryDir home;
     QProcess sim;
-    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.33:47850"),
-                                             {QStringLiteral("--devices"), QStringLiteral("std:1")});
+    const QString bus = CliFixture::startSim(sim, QStringLiteral("239.255.78.33:47850"), words("--devices std:1"));
     QVERIFY(!bus.isEmpty());
     const QString red = QStringLiteral("\x1b[31mred\x07");
     const QStringList base{QStringLiteral("--bus"), bus};
@@ -214,8 +212,7 @@ void TstVrnConfigLine::deviceTextIsEscaped()
         QCOMPARE(r.code, 0);
         QVERIFY2(r.out.contains("\\x1b[31mred\\x07") && !r.out.contains('\x1b'), r.out.constData());
     }
-    const Result json = CliFixture::run(home, base + QStringList{QStringLiteral("--json"), QStringLiteral("get"),
-                                                                 QStringLiteral("label"), QStringLiteral("node:0x100")});
+    const Result json = CliFixture::run(home, base + words("--json get label node:0x100"));
     QCOMPARE(json.result().value(QStringLiteral("label")).toString(), red);
     CliFixture::stopSim(sim);
 }
@@ -224,7 +221,7 @@ void TstVrnConfigLine::monitorEndsWhenTheLineGoes()
 {
     QTemporaryDir home;
     QProcess sim;
-    sim.start(qEnvironmentVariable("VRNSIM"), {QStringLiteral("--serial"), QStringLiteral("--devices"), QStringLiteral("std:1")});
+    sim.start(qEnvironmentVariable("VRNSIM"), words("--serial --devices std:1"));
     QVERIFY(sim.waitForStarted(5000) && sim.waitForReadyRead(5000));
     const QString bus = QString::fromLatin1(sim.readLine()).trimmed();
     QProcess monitor;
