@@ -1,10 +1,9 @@
-// Firmware packages: the round trip, the refusal of each kind of bad
-// package, and vrnfwpack end to end. Keys are made at run time.
+// Firmware packages: the round trip and the refusal of each kind of bad
+// package (vrnfwpack end to end: tst_vrnconfigfirmware). Keys are made at
+// run time.
 #include "bpkpackage.h"
 #include "cryptography.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <archive.h>
@@ -86,7 +85,6 @@ private slots:
     void roundTrip();
     void refused_data();
     void refused();
-    void vrnfwpack();
 
 private:
     BpkKeys m_keys;
@@ -174,40 +172,6 @@ void tst_BpkPackage::refused()
     QString why;
     QVERIFY(pkg.image(otherKeys ? BpkKeys::generate() : m_keys, &why).isEmpty());
     QCOMPARE(why, error);
-}
-
-void tst_BpkPackage::vrnfwpack()
-{
-    QTemporaryDir dir;
-    auto run = [&](const QStringList& args, QByteArray* err = nullptr) {
-        QProcess p;
-        p.setWorkingDirectory(dir.path());
-        p.start(QStringLiteral(VRNFWPACK), args);
-        p.waitForFinished(30000);
-        if (err)
-            *err = p.readAllStandardError();
-        return p.exitCode();
-    };
-    QFile image(dir.filePath(QStringLiteral("image.bin")));
-    QVERIFY(image.open(QIODevice::WriteOnly));
-    image.write(testImage(1000));
-    image.close();
-    QCOMPARE(run({"keygen", "secret.key", "public.key"}), 0);
-    QCOMPARE(run({"keygen", "other.key", "other.pub"}), 0);
-    QFile pub(dir.filePath(QStringLiteral("public.key")));
-    QVERIFY(pub.open(QIODevice::ReadOnly));
-    QVERIFY(!pub.readAll().contains("sign-key"));
-    QCOMPARE(run({"build", "--key", "secret.key", "--types", "motor,tx30", "--version", "3.0.1", "image.bin", "a.bpk"}), 0);
-    QCOMPARE(run({"verify", "--key", "public.key", "a.bpk"}), 0);
-    QByteArray err;
-    QCOMPARE(run({"verify", "--key", "other.pub", "a.bpk"}, &err), 1);
-    QCOMPARE(err, QByteArray("vrnfwpack: a.bpk: package signature does not verify\n"));
-    QCOMPARE(run({"build", "--key", "public.key", "--types", "motor", "--version", "3.0.1", "image.bin", "b.bpk"}), 1);
-    QCOMPARE(run({"build", "--key", "secret.key", "--types", "toaster", "--version", "3.0.1", "image.bin", "b.bpk"}), 2);
-    QCOMPARE(run({"inspect"}), 2);
-    const BpkPackage pkg = BpkPackage::load(dir.filePath(QStringLiteral("a.bpk")));
-    QCOMPARE(pkg.manifest().nodeTypes, QList<int>({1, 2}));
-    QCOMPARE(pkg.manifest().versionString(), QStringLiteral("3.0.1"));
 }
 
 QTEST_GUILESS_MAIN(tst_BpkPackage)

@@ -44,10 +44,23 @@ private slots:
         image.close();
         QCOMPARE(pack(QStringLiteral("keygen release.secret release.keys")).code, 0);
         QCOMPARE(pack(QStringLiteral("keygen stranger.secret stranger.keys")).code, 0);
+        QFile keys(m_home.filePath(QStringLiteral("release.keys")));  // the public half only
+        QVERIFY(keys.open(QIODevice::ReadOnly) && !keys.readAll().contains("sign-key"));
         QCOMPARE(pack(QStringLiteral("build --key release.secret --types motor --version 7.0.0 image.bin packages/motor-7.bpk")).code, 0);
         QCOMPARE(pack(QStringLiteral("build --key release.secret --types keypad --version 7.0.0 image.bin packages/keypad-7.bpk")).code, 0);
-        QCOMPARE(pack(QStringLiteral("build --key stranger.secret --types motor --version 8.0.0 image.bin forged.bpk")).code, 0);
-        QCOMPARE(pack(QStringLiteral("inspect --json forged.bpk")).code, 0);
+        QCOMPARE(pack(QStringLiteral("build --key stranger.secret --types motor,tx30 --version 8.0.0 image.bin forged.bpk")).code, 0);
+        Result r = pack(QStringLiteral("inspect --json forged.bpk"));
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.doc().value(QStringLiteral("kinds")).toArray(), QJsonArray({QStringLiteral("motor"), QStringLiteral("tx30")}));
+        QCOMPARE(r.doc().value(QStringLiteral("version")).toString(), QStringLiteral("8.0.0"));
+        QCOMPARE(pack(QStringLiteral("verify --key release.keys packages/motor-7.bpk")).code, 0);
+        r = pack(QStringLiteral("verify --key release.keys forged.bpk"));
+        QCOMPARE(r.code, 1);
+        QCOMPARE(r.err, QByteArray("vrnfwpack: forged.bpk: package signature does not verify\n"));
+        // A public key signs nothing; an unknown kind and a missing package are usage errors.
+        QCOMPARE(pack(QStringLiteral("build --key release.keys --types motor --version 7.0.0 image.bin x.bpk")).code, 1);
+        QCOMPARE(pack(QStringLiteral("build --key release.secret --types toaster --version 7.0.0 image.bin x.bpk")).code, 2);
+        QCOMPARE(pack(QStringLiteral("inspect")).code, 2);
 
         // Motors 0x100 and 0x101, a standard node 0x102; every node loses
         // power once, at block 20 of an update.
