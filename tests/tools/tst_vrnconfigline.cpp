@@ -1,6 +1,6 @@
 // vrnconfig end to end on bad lines: a node that forges frames (vrnsim
 // --hostile, one run per mode), frame loss with latency, device text with
-// escape sequences, a line that vanishes under the monitor.
+// escape sequences, a serial line that vanishes under the monitor.
 
 #include "clifixture.h"
 
@@ -221,9 +221,16 @@ void TstVrnConfigLine::monitorEndsWhenTheLineGoes()
 {
     QTemporaryDir home;
     QProcess sim;
-    sim.start(qEnvironmentVariable("VRNSIM"), words("--serial --devices std:1"));
+    sim.start(qEnvironmentVariable("VRNSIM"), words("--serial --devices std:1,dcmotor:1 --baud 19200"));
     QVERIFY(sim.waitForStarted(5000) && sim.waitForReadyRead(5000));
     const QString bus = QString::fromLatin1(sim.readLine()).trimmed();
+    // The serial bus on the pseudo-terminal carries a discovery and a read,
+    // at the pace of the line.
+    QCOMPARE(CliFixture::run(home, words("--bus " + bus + " discover")).code, 0);
+    const Result labels = CliFixture::run(home, words("--json --bus " + bus + " get label all"));
+    QCOMPARE(labels.code, 0);
+    QCOMPARE(labels.doc().value(QStringLiteral("results")).toArray().size(), 2);
+    QVERIFY2(labels.out.contains("\"DC motor 1\""), labels.out.constData());
     QProcess monitor;
     CliFixture::start(monitor, home, {QStringLiteral("--bus"), bus, QStringLiteral("monitor")});
     QVERIFY(monitor.waitForStarted(5000));
