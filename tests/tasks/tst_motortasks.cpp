@@ -163,11 +163,6 @@ QStringList tst_MotorTasks::rampRequests() const
 
 void tst_MotorTasks::bindings()
 {
-    // QML creates jobs by name and sets their parameters as plain numbers.
-    QScopedPointer<Job> ramp(JobRegistration::create(QStringLiteral("SetRampJob")));
-    QVERIFY(ramp->setProperty("ramps", 2));
-    QCOMPARE(qobject_cast<SetRampJob*>(ramp.data())->ramps(), 2);
-
     // Speeds belong to DC motors: a plain motor has no task for them.
     SimNode* plain = m_wire->net.addNode(SimNode::Motor, 0x000300);
     QSharedPointer<VRNObject> motorOnly = attachedObject<VRNMotorObject>(*m_wire, plain);
