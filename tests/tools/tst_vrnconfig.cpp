@@ -374,20 +374,6 @@ private slots:
         QCOMPARE(r.doc().value(QStringLiteral("exitCode")).toInt(), 1);
     }
 
-    // Two tools read at once: each takes only the replies to its own
-    // requests, in every round.
-    void twoToolsAtOnce()
-    {
-        for (int round = 0; round < 3; ++round) {
-            QProcess labels, versions;
-            start(labels, words("get label all"));
-            start(versions, words("get version all"));
-            const Result a = finished(labels), b = finished(versions);
-            QVERIFY2(a.code == 0, a.out.constData());
-            QVERIFY2(b.code == 0, b.out.constData());
-        }
-    }
-
     // The monitor shows another tool's requests and the nodes' replies,
     // decoded, and writes a capture that Wireshark reads with our dissector.
     void monitorDecodesAndCaptures_data()

@@ -107,7 +107,8 @@ private slots:
         QCOMPARE(rows(on(file, busSingle, {QStringLiteral("list")})).size(), 8);
     }
 
-    // Four tools write one registry at once while it is open beside them:
+    // Four tools share the bus and write one registry at once while it is
+    // open beside them: each takes only the replies to its own requests,
     // every write is there, nobody met a locked database, and the file is whole.
     void concurrentTools()
     {
