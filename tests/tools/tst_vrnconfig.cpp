@@ -211,7 +211,8 @@ private slots:
         r = run(QStringLiteral("list"));
         QVERIFY2(r.out.contains(" standard node ") && r.out.contains(" 0x000100 "), r.out.constData());
 
-        // Again: the same devices, known, with the same uuids.
+        // Again, each run a new process on the registry file: the same
+        // devices, known, with the same uuids, no second row for any.
         r = run(QStringLiteral("--json discover"));
         QCOMPARE(r.code, 0);
         const QJsonArray again = r.doc().value(QStringLiteral("devices")).toArray();
@@ -220,6 +221,7 @@ private slots:
             QCOMPARE(again.at(i).toObject().value(QStringLiteral("uuid")), found.at(i).toObject().value(QStringLiteral("uuid")));
             QCOMPARE(again.at(i).toObject().value(QStringLiteral("status")).toString(), QStringLiteral("known"));
         }
+        QCOMPARE(QJsonDocument::fromJson(run(QStringLiteral("--json list")).out).array().size(), 7);
     }
 
     // Missing devices, a bus where nothing answers, late answers. (A bus that
