@@ -328,11 +328,8 @@ void tst_DTSProxyRequests::reattachAndReaddress()
     node.attach(nullptr);
     QCOMPARE(node.ctrlWink().error(), BusPendingCall::BusNotAvailableError);
 
-    // A bus destroyed under a proxy: its pending call ends, later ones fail at once.
-    const BusPendingCall pending = m_motor->getNodeLabel();
+    // A bus destroyed under a proxy (its pending calls end: tst_bus): later calls fail at once.
     m_bus.reset();
-    QVERIFY(pending.isFinished());
-    QCOMPARE(pending.error(), BusPendingCall::BusNotAvailableError);
     QCOMPARE(m_motor->ctrlWink().error(), BusPendingCall::BusNotAvailableError);
 }
 
