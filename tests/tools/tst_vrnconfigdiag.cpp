@@ -109,24 +109,6 @@ private slots:
             QCOMPARE(v.toInt(), 0);
     }
 
-    void badUsage_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::newRow("retries above 10") << "--retries 11 get stats all";
-        QTest::newRow("retries not a number") << "--retries two get stats all";
-        QTest::newRow("two kinds of reset") << "reset stats all --network --errors";
-        QTest::newRow("reset option elsewhere") << "get stats all --network";
-        QTest::newRow("no device") << "get diag";
-    }
-
-    void badUsage()
-    {
-        QFETCH(QString, line);
-        const Result r = run(line);
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.startsWith("vrnconfig: "));
-    }
-
     // Last: stops the simulator, so every request times out.
     void retriesAfterTimeout_data()
     {

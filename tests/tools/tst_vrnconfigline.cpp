@@ -41,7 +41,6 @@ private slots:
     void lossyLine();
     void deviceTextIsEscaped();
     void monitorEndsWhenTheLineGoes();
-    void badRepeats();
 };
 
 void TstVrnConfigLine::hostileNode_data()
@@ -239,16 +238,6 @@ void TstVrnConfigLine::monitorEndsWhenTheLineGoes()
     const Result r = CliFixture::finished(monitor, 10000);
     QCOMPARE(r.code, 1);
     QVERIFY2(r.err.contains("the bus went away"), r.err.constData());
-}
-
-void TstVrnConfigLine::badRepeats()
-{
-    QTemporaryDir home;
-    for (const char* value : {"6", "-1", "x"}) {
-        const Result r = CliFixture::run(home, {QStringLiteral("--repeats"), QString::fromLatin1(value), QStringLiteral("list")});
-        QCOMPARE(r.code, 2);
-        QVERIFY2(r.err.contains("--repeats"), r.err.constData());
-    }
 }
 
 QTEST_GUILESS_MAIN(TstVrnConfigLine)
