@@ -79,7 +79,6 @@ void tst_VRNListener::decodesEachColumn()
     const QByteArray garbage = QByteArray::fromHex("0102030405");
     model.addFrame(VRNListenerModel::Received, BusMessage(garbage));
 
-    QCOMPARE(model.columnCount(), int(VRNListenerModel::ColumnCount));
     const auto text = [&model](int row, int column) {
         return model.data(model.index(row, column), Qt::DisplayRole).toString();
     };

@@ -140,6 +140,7 @@ private slots:
     void unicastFrame();
     void pinnedFrames_data();
     void pinnedFrames();
+    void pinnedSequenceFrames();
     void groupFrame_data();
     void groupFrame();
     void withoutBus();
@@ -148,10 +149,6 @@ private slots:
 
 private:
     QByteArray sendOne(const std::function<BusPendingCall()>& send);
-private slots:
-    void pinnedSequenceFrames();
-
-private:
 
     QScopedPointer<VRNLoopbackBus> m_bus;
     QScopedPointer<DTSMotorProxy> m_motor;
