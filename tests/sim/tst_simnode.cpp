@@ -71,7 +71,7 @@ private slots:
     void addressing();
     void discoveryMark();
     void deafMode();
-    void forcedNackAndSilence();
+    void forcedNack();
     void repeatAnsweredWithoutActing();
     void motorMoves();
     void moveTakesItsTime_data();
@@ -319,7 +319,8 @@ void tst_SimNode::deafMode()
     QCOMPARE(ask(fromKeypad).cmd(), quint8(DTS::Ack));
 }
 
-void tst_SimNode::forcedNackAndSilence()
+// (A silent node is every timeout of the task and discovery tests.)
+void tst_SimNode::forcedNack()
 {
     m_motor->setForcedNack(DTS::NackBusy, 2);
     verifyNack(ask(request(DTS::GetNodeLabel)), DTS::NackBusy, DTS::GetNodeLabel);
@@ -335,11 +336,6 @@ void tst_SimNode::forcedNackAndSilence()
         verifyNack(ask(request(DTS::CtrlWink)), DTS::NackNodeLocked, DTS::CtrlWink);
     m_motor->setForcedNack(0);
     QCOMPARE(ask(request(DTS::CtrlWink)).cmd(), quint8(DTS::Ack));
-
-    m_motor->setSilent(true);
-    QVERIFY(!ask(request(DTS::GetNodeLabel)).isValid());
-    QVERIFY(!ask(request(DTS::GetNodeAddr, {}, 0, VRN::AddrBroadcast)).isValid());
-    QVERIFY(!ask(request(0x01)).isValid());
 }
 
 // A request sent again with its sequence number gets the first answer and is
@@ -514,12 +510,9 @@ void tst_SimNode::stopObstacleAndWink()
     QCOMPARE(m_motor->winkCount(), 1u);
 }
 
+// (A limit set at the position: tst_motortasks' end limit table.)
 void tst_SimNode::limitsAndPositions()
 {
-    m_motor->setPosition(500);
-    QCOMPARE(ask(request(DTS::SetMotorLimits, bytes({0, 1, 0, 0}))).cmd(), quint8(DTS::Ack));
-    QCOMPARE(m_motor->upLimit(), quint16(500));
-
     // Without limits a motor refuses moves and positions that need them.
     m_motor->setLimits(SimNode::Unset16, SimNode::Unset16);
     verifyNack(ask(request(DTS::CtrlMoveTo, bytes({4, 0, 10, 0xFF}))), DTS::NackEndLimitsNotSet, DTS::CtrlMoveTo);
@@ -552,7 +545,7 @@ void tst_SimNode::factoryDefault()
     QVERIFY(m_motor->rollingSpeed().up != 7);
 }
 
-// Network counters follow the traffic and are reset by the set request.
+// Network counters follow the traffic (their reset: tst_diagtasks, per request value).
 void tst_SimNode::statistics()
 {
     SimNode node(SimNode::Std, NodeNumber);
@@ -567,12 +560,6 @@ void tst_SimNode::statistics()
     QCOMPARE(stat.payload().mid(1, 12), bytes({0, 0, 0, 3, 0, 0, 0, 5, 0, 0, 0, 4}));
     const VRNMessage errors = answer(node, request(DTS::GetNetworkErrorStat));
     QCOMPARE(errors.payload(), bytes({0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0}));
-
-    QCOMPARE(answer(node, request(DTS::SetNetworkStat, bytes({1, 0}))).cmd(), quint8(DTS::Ack));
-    QCOMPARE(node.networkErrorStat().unknownMessage, quint16(0));
-    QVERIFY(node.networkStat().frameSeen > 0);
-    QCOMPARE(answer(node, request(DTS::SetNetworkStat, bytes({2, 0}))).cmd(), quint8(DTS::Ack));
-    QCOMPARE(node.networkStat().frameSeen, 0u);
 }
 
 void tst_SimNode::lifeCounters_data()

@@ -1,9 +1,8 @@
-// The vrnsim program: command line, first line, the pseudo-terminal
-// answering a raw peer, and both real transports against it (the multicast
-// bus on a loopback group, the serial bus on the pseudo-terminal it opens).
+// The vrnsim program: command line, first line, and the pseudo-terminal
+// answering a raw peer. Both real transports against it, through
+// vrnconfig: the multicast bus in every tools test, the serial bus in
+// tst_vrnconfigline.
 #include "dts.h"
-#include "vrnbus.h"
-#include "vrnmcastbus.h"
 #include "vrnmessage.h"
 
 #include <QtTest>
@@ -42,15 +41,11 @@ private slots:
     void badOptions_data();
     void badOptions();
     void serial();
-    void multicastBus();
-    void serialBus();
 
 private:
     // Starts vrnsim and returns its first line; empty on failure.
     QString start(const QStringList& args);
     void stop();
-    // Finds the nodes by broadcast, then reads the DC motor's label; checks both.
-    void exchange(Bus& bus, int nodeCount);
 
     QScopedPointer<QProcess> m_sim;
 };
@@ -165,54 +160,6 @@ void tst_VrnSim::serial()
     QTRY_VERIFY_WITH_TIMEOUT(readAll() >= 11 && VRNMessage(BusMessage(received)).isValid(), Wait);
     QCOMPARE(VRNMessage(BusMessage(received)).payload(), QByteArray("DC motor 1"));
     ::close(fd);
-    stop();
-}
-
-void tst_VrnSim::exchange(Bus& bus, int nodeCount)
-{
-    bus.setTimeout(1000);
-    bus.setBroadcastWindow(300);
-    const BusPendingCall who = bus.call(request(DTS::GetNodeAddr, VRN::BroadcastNumber, VRN::AddrBroadcast));
-    QTRY_VERIFY_WITH_TIMEOUT(who.isFinished(), Wait);
-    QCOMPARE(int(who.error()), 0);
-    QCOMPARE(who.replies().size(), nodeCount);
-    VRN::Addr motor = 0;
-    for (const BusMessage& reply : who.replies()) {
-        const VRNMessage m(reply);
-        QVERIFY(m.isValid());
-        QCOMPARE(m.cmd(), quint8(DTS::PostNodeAddr));
-        if (VRN::getType(m.srcAddr()) == VRN::NodeDCMotor)
-            motor = m.srcAddr();
-    }
-    QVERIFY(motor);
-
-    const BusPendingCall label = bus.call(request(DTS::GetNodeLabel, VRN::getNumber(motor), VRN::AddrNode));
-    QTRY_VERIFY_WITH_TIMEOUT(label.isFinished(), Wait);
-    QCOMPARE(int(label.error()), 0);
-    const VRNMessage reply(label.reply());
-    QCOMPARE(reply.srcAddr(), motor);
-    QCOMPARE(reply.payload(), QByteArray("DC motor 1"));
-}
-
-void tst_VrnSim::multicastBus()
-{
-    const QString id = start({"--mcast", "239.255.52.3:47533", "--devices", "std:2,dcmotor:1", "--reply-window", "20"});
-    QCOMPARE(id, QStringLiteral("mcast:239.255.52.3:47533:127.0.0.1"));
-    VRNMCastBus bus(QHostAddress(QStringLiteral("239.255.52.3")), 47533, QHostAddress(QHostAddress::LocalHost));
-    QVERIFY2(bus.open(), qPrintable(bus.errorString()));
-    exchange(bus, 3);
-    bus.close();
-    stop();
-}
-
-void tst_VrnSim::serialBus()
-{
-    const QString id = start({"--serial", "--devices", "dcmotor:1,motor:2", "--baud", "19200", "--reply-window", "20"});
-    QVERIFY2(id.startsWith(QLatin1String("serial:")), qPrintable(id));
-    VRNBus bus(id.mid(7));
-    QVERIFY2(bus.open(), qPrintable(bus.errorString()));
-    exchange(bus, 3);
-    bus.close();
     stop();
 }
 

@@ -120,7 +120,6 @@ private slots:
     void motorIps_data();
     void motorIps();
     void setMotorIp();
-    void moveObservedInSimulatedTime();
 
 private:
     VRNDCMotorObject* motor() const { return static_cast<VRNDCMotorObject*>(m_motor.data()); }
@@ -164,11 +163,6 @@ QStringList tst_MotorTasks::rampRequests() const
 
 void tst_MotorTasks::bindings()
 {
-    // QML creates jobs by name and sets their parameters as plain numbers.
-    QScopedPointer<Job> ramp(JobRegistration::create(QStringLiteral("SetRampJob")));
-    QVERIFY(ramp->setProperty("ramps", 2));
-    QCOMPARE(qobject_cast<SetRampJob*>(ramp.data())->ramps(), 2);
-
     // Speeds belong to DC motors: a plain motor has no task for them.
     SimNode* plain = m_wire->net.addNode(SimNode::Motor, 0x000300);
     QSharedPointer<VRNObject> motorOnly = attachedObject<VRNMotorObject>(*m_wire, plain);
@@ -542,35 +536,6 @@ void tst_MotorTasks::setMotorIp()
     job.setIpIndex(16);
     QCOMPARE(runJob(*m_worker, job), Job::TaskFailedError);
     QCOMPARE(m_wire->sentOf(DTS::GetMotorIP).size(), 1);
-}
-
-// Twice real time: a move of 1000 pulses at 1000 a second takes half a
-// second, long enough for positions read meanwhile, even in a build with
-// sanitizers, and they climb towards the target.
-void tst_MotorTasks::moveObservedInSimulatedTime()
-{
-    m_wire->net.setTimeScale(2);
-    m_sim->setRollingSpeed({20, 20, 8});
-    m_sim->setSoftStartStop({false, 0, false, 0});
-    m_sim->setPosition(100);
-    MotorControlJob move;
-    move.setCommand(MotorControlTask::ToPercent);
-    move.setValue(100);
-    QCOMPARE(runJob(*m_worker, move), Job::NoError);
-    QList<int> seen;
-    GetPositionJob position;
-    while (seen.size() < 1000 && (seen.isEmpty() || seen.last() != 1100)) {
-        QCOMPARE(runJob(*m_worker, position), Job::NoError);
-        seen.append(motor()->proxyRuntime().getConstData().posPulse);
-    }
-    QCOMPARE(seen.last(), 1100);
-    QCOMPARE(motor()->proxyRuntime().getConstData().posPCent, quint16(100));
-    int between = 0;
-    for (int i = 0; i < seen.size(); ++i) {
-        QVERIFY(i == 0 || seen.at(i) >= seen.at(i - 1));
-        between += seen.at(i) > 100 && seen.at(i) < 1100;
-    }
-    QVERIFY2(between >= 2, qPrintable(QStringLiteral("positions read: %1").arg(seen.size())));
 }
 
 QTEST_MAIN(tst_MotorTasks)

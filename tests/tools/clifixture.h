@@ -12,6 +12,9 @@
 
 namespace CliFixture {
 
+/// The words of `line`: `words("--json get label all")`.
+inline QStringList words(const QString& line) { return line.split(QLatin1Char(' ')); }
+
 /// Device `i`'s result in a run's JSON document.
 inline QJsonObject result(const QByteArray& out, int i = 0)
 {

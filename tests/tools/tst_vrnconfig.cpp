@@ -9,8 +9,6 @@
 #include <QStandardPaths>
 #include <QtTest>
 
-#include <unistd.h>
-
 using namespace CliFixture;
 
 class TstVrnConfig : public QObject
@@ -36,10 +34,8 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_home.isValid());
-        m_bus = startSim(m_sim, QStringLiteral("239.255.77.3:47703"),
-                         {QStringLiteral("--devices"), QStringLiteral("std:3,motor:2,tx30:1"), QStringLiteral("--duplicates"),
-                          QStringLiteral("1"), QStringLiteral("--seed"), QStringLiteral("5")});
-        QVERIFY(m_bus.startsWith(QLatin1String("mcast:")));
+        m_bus = startSim(m_sim, QStringLiteral("239.255.77.3:47703"), words("--devices std:3,motor:2,tx30:1 --duplicates 1 --seed 5"));
+        QCOMPARE(m_bus, QStringLiteral("mcast:239.255.77.3:47703:127.0.0.1")); // the first line vrnsim prints
     }
 
     void cleanupTestCase() { stopSim(m_sim); }
@@ -56,28 +52,21 @@ private slots:
         };
         row("no command", {}, 2, QStringLiteral("no command"));
         row("unknown command", {QStringLiteral("frobnicate")}, 2, QStringLiteral("unknown command: frobnicate"));
-        row("unknown option", {QStringLiteral("--frob"), QStringLiteral("list")}, 2, QStringLiteral("frob"));
-        row("bad sort", {QStringLiteral("list"), QStringLiteral("--sort"), QStringLiteral("colour")}, 2, QStringLiteral("colour"));
-        row("option of another command", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("1"), QStringLiteral("--desc")},
-            2, QStringLiteral("--desc applies to list only"));
-        row("negative device", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("-1")}, 2,
-            QStringLiteral("not a valid device: -1"));
-        row("negative group", {QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("1"), QStringLiteral("-5")}, 2,
-            QStringLiteral("not a valid group address: -5"));
-        row("bad node number", {QStringLiteral("forget"), QStringLiteral("node:0x1000000")}, 2, QStringLiteral("node:0x1000000"));
+        row("unknown option", words("--frob list"), 2, QStringLiteral("frob"));
+        row("bad sort", words("list --sort colour"), 2, QStringLiteral("colour"));
+        row("option of another command", words("get label 1 --desc"), 2, QStringLiteral("--desc applies to list only"));
+        row("negative device", words("get label -1"), 2, QStringLiteral("not a valid device: -1"));
+        row("negative group", words("set groups 1 -5"), 2, QStringLiteral("not a valid group address: -5"));
+        row("bad node number", words("forget node:0x1000000"), 2, QStringLiteral("node:0x1000000"));
         row("empty --db", {QStringLiteral("--db"), QString(), QStringLiteral("list")}, 2, QStringLiteral("--db needs a file name"));
-        row("port out of range", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:99999:127.0.0.1")}, 2, QStringLiteral("'99999'"));
-        row("bind not literal", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000:localhost")}, 2,
-            QStringLiteral("'localhost'"));
-        row("group not multicast", {QStringLiteral("open"), QStringLiteral("mcast:10.1.1.1:5000:127.0.0.1")}, 2,
+        row("port out of range", words("open mcast:239.255.1.1:99999:127.0.0.1"), 2, QStringLiteral("'99999'"));
+        row("bind not literal", words("open mcast:239.255.1.1:5000:localhost"), 2, QStringLiteral("'localhost'"));
+        row("group not multicast", words("open mcast:10.1.1.1:5000:127.0.0.1"), 2,
             QStringLiteral("not an IPv4 multicast group: '10.1.1.1'"));
-        row("not a bus", {QStringLiteral("open"), QStringLiteral("mcast:239.255.1.1:5000")}, 2, QStringLiteral("not a bus identifier"));
-        row("unconfirmed set all", {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("all"), QStringLiteral("x")}, 2,
-            QStringLiteral("confirm with --yes"));
-        row("empty registry", {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")}, 2, QStringLiteral("no device selected"));
-        row("no bus", {QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("up")}, 1,
-            QStringLiteral("no bus"));
-        const auto words = [](const char* line) { return QString::fromLatin1(line).split(QLatin1Char(' ')); };
+        row("not a bus", words("open mcast:239.255.1.1:5000"), 2, QStringLiteral("not a bus identifier"));
+        row("unconfirmed set all", words("set label all x"), 2, QStringLiteral("confirm with --yes"));
+        row("empty registry", words("get label all"), 2, QStringLiteral("no device selected"));
+        row("no bus", words("group move 0x0F0001 up"), 1, QStringLiteral("no bus"));
         row("group beyond 24 bits", words("get label group:0x1000000"), 2, QStringLiteral("0x1000000"));
         row("group 0", words("get label group:0"), 2, QStringLiteral("not a valid group address: 0"));
         row("group broadcast", words("group move 0xFFFFFF up"), 2, QStringLiteral("0xFFFFFF"));
@@ -88,7 +77,15 @@ private slots:
         row("bad priority", words("get label all --priority -1"), 2, QStringLiteral("-1"));
         row("priority elsewhere", words("list --priority 2"), 2, QStringLiteral("--priority"));
         row("duration not a number", words("monitor --duration nan"), 2, QStringLiteral("nan"));
-        row("serial port missing", {QStringLiteral("open"), QStringLiteral("serial:/nonexistent/tty")}, 1, QStringLiteral("cannot open"));
+        row("retries above 10", words("--retries 11 get stats all"), 2, QStringLiteral("bad --retries: 11"));
+        row("retries not a number", words("--retries two get stats all"), 2, QStringLiteral("bad --retries: two"));
+        row("repeats above 5", words("--repeats 6 list"), 2, QStringLiteral("bad --repeats: 6"));
+        row("repeats negative", words("--repeats -1 list"), 2, QStringLiteral("bad --repeats"));
+        row("repeats not a number", words("--repeats x list"), 2, QStringLiteral("bad --repeats: x"));
+        row("two kinds of reset", words("reset stats all --network --errors"), 2, QStringLiteral("one of --network, --errors, --all"));
+        row("reset option elsewhere", words("get stats all --network"), 2, QStringLiteral("--network applies to reset only"));
+        row("diagnostics of no device", words("get diag"), 2, QStringLiteral("get diag needs at least one DEVICE"));
+        row("serial port missing", words("open serial:/nonexistent/tty"), 1, QStringLiteral("cannot open"));
     }
     void commandLine()
     {
@@ -124,6 +121,7 @@ private slots:
     }
 
     // A registry that cannot be used ends the run before anything is sent.
+    // (A read-only registry: tst_vrnconfigregistry.)
     void unusableRegistry_data()
     {
         QTest::addColumn<QString>("kind");
@@ -131,13 +129,10 @@ private slots:
         QTest::newRow("text file") << "text";
         QTest::newRow("folder") << "folder";
         QTest::newRow("other database") << "sqlite";
-        QTest::newRow("read-only file") << "readonly";
     }
     void unusableRegistry()
     {
         QFETCH(QString, kind);
-        if (kind == QLatin1String("readonly") && geteuid() == 0)
-            QSKIP("root writes to read-only files");
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("registry"));
         if (kind == QLatin1String("folder")) {
@@ -159,8 +154,6 @@ private slots:
             }
             f.write(bytes);
             f.close();
-            if (kind == QLatin1String("readonly"))
-                QVERIFY(f.setPermissions(QFileDevice::ReadOwner));
         }
         const Result r = run({QStringLiteral("--db"), file, QStringLiteral("--bus"), m_bus, QStringLiteral("discover")});
         QCOMPARE(r.code, 1);
@@ -220,7 +213,8 @@ private slots:
         r = run(QStringLiteral("list"));
         QVERIFY2(r.out.contains(" standard node ") && r.out.contains(" 0x000100 "), r.out.constData());
 
-        // Again: the same devices, known, with the same uuids.
+        // Again, each run a new process on the registry file: the same
+        // devices, known, with the same uuids, no second row for any.
         r = run(QStringLiteral("--json discover"));
         QCOMPARE(r.code, 0);
         const QJsonArray again = r.doc().value(QStringLiteral("devices")).toArray();
@@ -229,56 +223,45 @@ private slots:
             QCOMPARE(again.at(i).toObject().value(QStringLiteral("uuid")), found.at(i).toObject().value(QStringLiteral("uuid")));
             QCOMPARE(again.at(i).toObject().value(QStringLiteral("status")).toString(), QStringLiteral("known"));
         }
+        QCOMPARE(QJsonDocument::fromJson(run(QStringLiteral("--json list")).out).array().size(), 7);
     }
 
-    // Missing devices, a bus where nothing answers, late answers, and a bus
-    // that cannot be opened.
+    // Missing devices, a bus where nothing answers, late answers. (A bus that
+    // cannot be opened: commandLine and tst_vrnconfigregistry.)
     void discoveryReports_data()
     {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("args");
         QTest::addColumn<int>("found");
         QTest::addColumn<int>("missing");
         QTest::addColumn<QString>("says");
-        const QString silent = QStringLiteral("mcast:239.255.77.6:47706:127.0.0.1");
-        QTest::newRow("nothing answers") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"), silent}
-                                         << 0 << 0 << 0 << "cabling";
-        QTest::newRow("registered devices missing") << QStringList{QStringLiteral("--db"), QStringLiteral("COPY"), QStringLiteral("--bus"), silent}
-                                                    << 0 << 0 << 7 << "cabling";
-        QTest::newRow("late answers with --timeout") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"),
-                                                                    QStringLiteral("LATE"), QStringLiteral("--timeout"), QStringLiteral("900")}
-                                                     << 0 << 2 << 0 << "";
-        QTest::newRow("unreachable bus") << QStringList{QStringLiteral("--db"), QStringLiteral(":memory:"), QStringLiteral("--bus"),
-                                                        QStringLiteral("serial:/nonexistent/tty")}
-                                         << 1 << 0 << 0 << "cannot open";
+        QTest::newRow("nothing answers") << "--db :memory: --bus SILENT" << 0 << 0 << "cabling";
+        QTest::newRow("registered devices missing") << "--db COPY --bus SILENT" << 0 << 7 << "cabling";
+        QTest::newRow("late answers with --timeout") << "--db :memory: --bus LATE --timeout 900" << 2 << 0 << "";
     }
     void discoveryReports()
     {
-        QFETCH(QStringList, args);
-        QFETCH(int, code);
+        QFETCH(QString, args);
         QFETCH(int, found);
         QFETCH(int, missing);
         QFETCH(QString, says);
         QTemporaryDir dir;
         QProcess late;
+        args.replace(QStringLiteral("SILENT"), QStringLiteral("mcast:239.255.77.6:47706:127.0.0.1"));
         if (args.contains(QStringLiteral("COPY"))) {
             QVERIFY(QFile::copy(registryOfFirstBus(), dir.filePath(QStringLiteral("copy.sqlite"))));
-            args.replaceInStrings(QStringLiteral("COPY"), dir.filePath(QStringLiteral("copy.sqlite")));
+            args.replace(QStringLiteral("COPY"), dir.filePath(QStringLiteral("copy.sqlite")));
         }
         if (args.contains(QStringLiteral("LATE"))) {
             // Answers 700 ms after each request: more than the default round waits.
-            const QString bus = startSim(late, QStringLiteral("239.255.77.7:47707"),
-                                         {QStringLiteral("--devices"), QStringLiteral("std:2"), QStringLiteral("--latency"), QStringLiteral("700")});
+            const QString bus = startSim(late, QStringLiteral("239.255.77.7:47707"), words("--devices std:2 --latency 700"));
             QVERIFY(!bus.isEmpty());
-            args.replaceInStrings(QStringLiteral("LATE"), bus);
+            args.replace(QStringLiteral("LATE"), bus);
         }
-        const Result r = run(QStringList{QStringLiteral("--json")} + args + QStringList{QStringLiteral("discover")});
+        const Result r = run(QStringLiteral("--json %1 discover").arg(args));
         if (late.state() != QProcess::NotRunning)
             stopSim(late);
-        QCOMPARE(r.code, code);
+        QCOMPARE(r.code, 0);
         QVERIFY2(r.err.contains(says.toUtf8()), r.err.constData());
-        if (code != 0)
-            return;
         const QJsonObject summary = r.doc().value(QStringLiteral("summary")).toObject();
         QCOMPARE(summary.value(QStringLiteral("found")).toInt(), found);
         QCOMPARE(summary.value(QStringLiteral("missing")).toInt(), missing);
@@ -297,8 +280,7 @@ private slots:
     void registryPerBus()
     {
         QProcess other;
-        const QString bus = startSim(other, QStringLiteral("239.255.77.8:47708"),
-                                     {QStringLiteral("--devices"), QStringLiteral("motor:2"), QStringLiteral("--seed"), QStringLiteral("9")});
+        const QString bus = startSim(other, QStringLiteral("239.255.77.8:47708"), words("--devices motor:2 --seed 9"));
         QVERIFY(!bus.isEmpty());
         QCOMPARE(run({QStringLiteral("--bus"), bus, QStringLiteral("discover")}).code, 0);
         Result r = run({QStringLiteral("--json"), QStringLiteral("--bus"), bus, QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
@@ -345,8 +327,8 @@ private slots:
     void selectionForms()
     {
         QCOMPARE(run(QStringLiteral("set groups 1 0x0F0001 7")).code, 0);
-        QCOMPARE(run({QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("all")}).code, 0);
-        Result r = run({QStringLiteral("--json"), QStringLiteral("group"), QStringLiteral("list")});
+        QCOMPARE(run(words("get groups all")).code, 0);
+        Result r = run(words("--json group list"));
         QCOMPARE(r.code, 0);
         QJsonArray members;
         for (const QJsonValue& g : QJsonDocument::fromJson(r.out).array())
@@ -354,7 +336,7 @@ private slots:
                 members = g.toObject().value(QStringLiteral("members")).toArray();
         QVERIFY2(members.contains(1), r.out.constData());
 
-        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("group:0x0F0001")});
+        r = run(words("--json get label group:0x0F0001"));
         QCOMPARE(r.code, 0);
         QCOMPARE(r.result().value(QStringLiteral("uuid")).toInt(), members.at(0).toInt());
 
@@ -362,24 +344,23 @@ private slots:
         // duplicated number too); four are motors (the DC motor and the
         // duplicated motor among them).
         const auto summary = [](const Result& r) { return QJsonDocument::fromJson(r.out).object().value(QStringLiteral("summary")).toObject(); };
-        r = run({QStringLiteral("--json"), QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("type:std")});
+        r = run(words("--json get label type:std"));
         QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 7);
-        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("type:motor")});
+        r = run(words("--json wink type:motor"));
         QCOMPARE(r.code, 0);
         QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 4);
 
         // Mixed kinds: the motors wink, the others fail, the run goes on.
-        r = run({QStringLiteral("--json"), QStringLiteral("wink"), QStringLiteral("all")});
+        r = run(words("--json wink all"));
         QCOMPARE(r.code, 1);
         QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt(), 4);
         QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 3);
-        r = run({QStringLiteral("--json"), QStringLiteral("--abort-on-error"), QStringLiteral("--priority"), QStringLiteral("5"),
-                 QStringLiteral("wink"), QStringLiteral("all")});
+        r = run(words("--json --abort-on-error --priority 5 wink all"));
         QCOMPARE(r.code, 1);
         QCOMPARE(summary(r).value(QStringLiteral("failed")).toInt(), 1);
         QCOMPARE(summary(r).value(QStringLiteral("ok")).toInt() + summary(r).value(QStringLiteral("notRun")).toInt(), 6);
 
-        r = run({QStringLiteral("group"), QStringLiteral("move"), QStringLiteral("0x0F0001"), QStringLiteral("to"), QStringLiteral("50")});
+        r = run(words("group move 0x0F0001 to 50"));
         QCOMPARE(r.code, 0);
         QVERIFY2(r.out.startsWith("group 0x0F0001: to sent"), r.out.constData());
     }
@@ -395,20 +376,6 @@ private slots:
         QVERIFY2(r.result().value(QStringLiteral("error")).toString().startsWith(QLatin1String("group slot 1 refused: Nack(")),
                  r.out.constData());
         QCOMPARE(r.doc().value(QStringLiteral("exitCode")).toInt(), 1);
-    }
-
-    // Two tools read at once: each takes only the replies to its own
-    // requests, in every round.
-    void twoToolsAtOnce()
-    {
-        for (int round = 0; round < 3; ++round) {
-            QProcess labels, versions;
-            start(labels, {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("all")});
-            start(versions, {QStringLiteral("get"), QStringLiteral("version"), QStringLiteral("all")});
-            const Result a = finished(labels), b = finished(versions);
-            QVERIFY2(a.code == 0, a.out.constData());
-            QVERIFY2(b.code == 0, b.out.constData());
-        }
     }
 
     // The monitor shows another tool's requests and the nodes' replies,
@@ -470,7 +437,7 @@ private slots:
     void serialPortInUse()
     {
         QProcess sim, holder;
-        sim.start(qEnvironmentVariable("VRNSIM"), {QStringLiteral("--serial"), QStringLiteral("--devices"), QStringLiteral("std:1")});
+        sim.start(qEnvironmentVariable("VRNSIM"), words("--serial --devices std:1"));
         QVERIFY(sim.waitForReadyRead(5000));
         const QString bus = QString::fromLatin1(sim.readLine()).trimmed();
         start(holder, {QStringLiteral("--bus"), bus, QStringLiteral("monitor"), QStringLiteral("--duration"), QStringLiteral("20")});
@@ -504,7 +471,7 @@ private slots:
     void silentBusEndsTheRun()
     {
         QProcess sim;
-        const QString bus = startSim(sim, QStringLiteral("239.255.77.9:47709"), {QStringLiteral("--devices"), QStringLiteral("std:40")});
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.9:47709"), words("--devices std:40"));
         QVERIFY(!bus.isEmpty());
         QCOMPARE(run({QStringLiteral("--bus"), bus, QStringLiteral("discover")}).code, 0);
         stopSim(sim);

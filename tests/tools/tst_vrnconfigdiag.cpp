@@ -41,7 +41,7 @@ private slots:
     {
         QVERIFY(m_home.isValid());
         QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.31:47731"),
-                                         {QStringLiteral("--devices"), QStringLiteral("std:1,motor:2")}, 100).isEmpty());
+                                         CliFixture::words("--devices std:1,motor:2"), 100).isEmpty());
     }
 
     void cleanupTestCase() { CliFixture::stopSim(m_sim); }
@@ -107,24 +107,6 @@ private slots:
             QVERIFY(d.value("traffic").toObject().value("seen").toInt() <= 2);
         for (const QJsonValue& v : d.value("errors").toObject())
             QCOMPARE(v.toInt(), 0);
-    }
-
-    void badUsage_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::newRow("retries above 10") << "--retries 11 get stats all";
-        QTest::newRow("retries not a number") << "--retries two get stats all";
-        QTest::newRow("two kinds of reset") << "reset stats all --network --errors";
-        QTest::newRow("reset option elsewhere") << "get stats all --network";
-        QTest::newRow("no device") << "get diag";
-    }
-
-    void badUsage()
-    {
-        QFETCH(QString, line);
-        const Result r = run(line);
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.startsWith("vrnconfig: "));
     }
 
     // Last: stops the simulator, so every request times out.

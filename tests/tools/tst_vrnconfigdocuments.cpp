@@ -8,6 +8,7 @@
 #include <QtTest>
 
 using CliFixture::Result;
+using CliFixture::words;
 
 class TstVrnConfigDocuments : public QObject
 {
@@ -47,9 +48,7 @@ private slots:
         QVERIFY(m_home.isValid());
         // Nodes 0x100.. in this order: std, motor, motor, dcmotor, lru50, tx50dc, tx30, settingtool.
         QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.78.21:47821"),
-                                         {QStringLiteral("--devices"),
-                                          QStringLiteral("std:1,motor:2,dcmotor:1,lru50:1,tx50dc:1,tx30:1,settingtool:1"),
-                                          QStringLiteral("--time-scale"), QStringLiteral("10")}, 300).isEmpty());
+                                         words("--devices std:1,motor:2,dcmotor:1,lru50:1,tx50dc:1,tx30:1,settingtool:1 --time-scale 10"), 300).isEmpty());
         m_backup = file(QStringLiteral("site.json"));
         const Result r = run({QStringLiteral("backup"), QStringLiteral("--output"), m_backup});
         QVERIFY2(r.code == 0, r.err.constData());
@@ -81,7 +80,7 @@ private slots:
             QCOMPARE(d.toObject().value(QStringLiteral("node")).toInt(), 0x101);
             fields << d.toObject().value(QStringLiteral("field")).toString();
         }
-        QCOMPARE(fields, (QStringList{QStringLiteral("/label"), QStringLiteral("/limits/up"), QStringLiteral("/ips/5")}));
+        QCOMPARE(fields, (words("/label /limits/up /ips/5")));
 
         // Without --yes and without a terminal nothing is written.
         QCOMPARE(run({QStringLiteral("apply"), m_backup}).code, 2);
@@ -97,7 +96,7 @@ private slots:
 
         // Each write is in the log, the tool's own "set" commands too, with
         // the value before and after.
-        r = run({QStringLiteral("log"), QStringLiteral("node:0x101"), QStringLiteral("--json")});
+        r = run(words("log node:0x101 --json"));
         QCOMPARE(QJsonDocument::fromJson(r.out).array().size(), 6);
         r = run({QStringLiteral("log"), QStringLiteral("node:0x101"), QStringLiteral("--since"), beforeApply,
                  QStringLiteral("--json")});

@@ -11,6 +11,7 @@
 #include <QtTest>
 
 using CliFixture::Result;
+using CliFixture::words;
 
 class TstVrnConfigFirmware : public QObject
 {
@@ -43,16 +44,28 @@ private slots:
         image.close();
         QCOMPARE(pack(QStringLiteral("keygen release.secret release.keys")).code, 0);
         QCOMPARE(pack(QStringLiteral("keygen stranger.secret stranger.keys")).code, 0);
+        QFile keys(m_home.filePath(QStringLiteral("release.keys")));  // the public half only
+        QVERIFY(keys.open(QIODevice::ReadOnly) && !keys.readAll().contains("sign-key"));
         QCOMPARE(pack(QStringLiteral("build --key release.secret --types motor --version 7.0.0 image.bin packages/motor-7.bpk")).code, 0);
         QCOMPARE(pack(QStringLiteral("build --key release.secret --types keypad --version 7.0.0 image.bin packages/keypad-7.bpk")).code, 0);
-        QCOMPARE(pack(QStringLiteral("build --key stranger.secret --types motor --version 8.0.0 image.bin forged.bpk")).code, 0);
-        QCOMPARE(pack(QStringLiteral("inspect --json forged.bpk")).code, 0);
+        QCOMPARE(pack(QStringLiteral("build --key stranger.secret --types motor,tx30 --version 8.0.0 image.bin forged.bpk")).code, 0);
+        Result r = pack(QStringLiteral("inspect --json forged.bpk"));
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.doc().value(QStringLiteral("kinds")).toArray(), QJsonArray({QStringLiteral("motor"), QStringLiteral("tx30")}));
+        QCOMPARE(r.doc().value(QStringLiteral("version")).toString(), QStringLiteral("8.0.0"));
+        QCOMPARE(pack(QStringLiteral("verify --key release.keys packages/motor-7.bpk")).code, 0);
+        r = pack(QStringLiteral("verify --key release.keys forged.bpk"));
+        QCOMPARE(r.code, 1);
+        QCOMPARE(r.err, QByteArray("vrnfwpack: forged.bpk: package signature does not verify\n"));
+        // A public key signs nothing; an unknown kind and a missing package are usage errors.
+        QCOMPARE(pack(QStringLiteral("build --key release.keys --types motor --version 7.0.0 image.bin x.bpk")).code, 1);
+        QCOMPARE(pack(QStringLiteral("build --key release.secret --types toaster --version 7.0.0 image.bin x.bpk")).code, 2);
+        QCOMPARE(pack(QStringLiteral("inspect")).code, 2);
 
         // Motors 0x100 and 0x101, a standard node 0x102; every node loses
         // power once, at block 20 of an update.
         QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.14:47714"),
-                                         {QStringLiteral("--devices"), QStringLiteral("motor:2,std:1"), QStringLiteral("--time-scale"),
-                                          QStringLiteral("20"), QStringLiteral("--power-loss-at"), QStringLiteral("20")}, 100).isEmpty());
+                                         words("--devices motor:2,std:1 --time-scale 20 --power-loss-at 20"), 100).isEmpty());
     }
 
     void cleanupTestCase() { CliFixture::stopSim(m_sim); }
@@ -107,7 +120,7 @@ private slots:
             if (v.toObject().value(QStringLiteral("status")).toString() == QLatin1String("in bootloader"))
                 waiting << v.toObject().value(QStringLiteral("node")).toString();
         }
-        QCOMPARE(waiting, (QStringList{QStringLiteral("0x000100"), QStringLiteral("0x000102")}));
+        QCOMPARE(waiting, (words("0x000100 0x000102")));
 
         r = run(QStringLiteral("--yes firmware recover node:0x100 node:0x102 --json"));
         QVERIFY2(r.code == 0, r.out.constData());
@@ -137,9 +150,7 @@ private slots:
         QProcess noisy;
         const auto stop = qScopeGuard([&noisy] { CliFixture::stopSim(noisy); });
         QVERIFY(!CliFixture::discoverSim(noisy, m_home, QStringLiteral("239.255.77.15:47715"),
-                                         {QStringLiteral("--devices"), QStringLiteral("motor:2,std:1"), QStringLiteral("--corrupt-blocks"),
-                                          QStringLiteral("0.3"), QStringLiteral("--loss"), QStringLiteral("0.2"), QStringLiteral("--seed"),
-                                          QStringLiteral("5")}, 100).isEmpty());
+                                         words("--devices motor:2,std:1 --corrupt-blocks 0.3 --loss 0.2 --seed 5"), 100).isEmpty());
         for (const QString& command : {QStringLiteral("update"), QStringLiteral("recover")}) {
             const Result r = run(QStringLiteral("--yes firmware %1 --force node:0x100 node:0x102 --json").arg(command));
             QVERIFY2(r.code == 0, r.out + r.err);

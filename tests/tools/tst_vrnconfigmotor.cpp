@@ -7,6 +7,7 @@
 #include <QtTest>
 
 using CliFixture::Result;
+using CliFixture::words;
 
 class TstVrnConfigMotor : public QObject
 {
@@ -29,8 +30,7 @@ private slots:
         QVERIFY(m_home.isValid());
         // Nodes 0x100 (standard), 0x101 (motor), 0x102 (TX30) become devices 2, 1, 3.
         QVERIFY(!CliFixture::discoverSim(m_sim, m_home, QStringLiteral("239.255.77.10:47710"),
-                                         {QStringLiteral("--devices"), QStringLiteral("std:1,motor:1,tx30:1"),
-                                          QStringLiteral("--time-scale"), QStringLiteral("10")}).isEmpty());
+                                         words("--devices std:1,motor:1,tx30:1 --time-scale 10")).isEmpty());
     }
 
     void cleanupTestCase() { CliFixture::stopSim(m_sim); }
@@ -87,7 +87,9 @@ private slots:
         const Result r = run(QStringLiteral("watch position node:0x102 --json"));
         QCOMPARE(r.code, 0);
         const QList<QByteArray> lines = r.out.trimmed().split('\n');
-        QVERIFY2(lines.size() >= 2, r.out.constData());  // it was seen moving
+        QVERIFY2(lines.size() >= 2, r.out.constData());  // it was seen moving, climbing towards the target
+        for (int i = 1; i < lines.size(); ++i)
+            QVERIFY(jsonLine(r.out, i).value(QStringLiteral("percent")).toInt() >= jsonLine(r.out, i - 1).value(QStringLiteral("percent")).toInt());
         QCOMPARE(jsonLine(r.out, lines.size() - 1).value(QStringLiteral("percent")).toInt(), 50);
         QCOMPARE(json(run(QStringLiteral("get position node:0x102 --json")).out)
                      .value(QStringLiteral("position")).toObject().value(QStringLiteral("percent")).toInt(), 50);

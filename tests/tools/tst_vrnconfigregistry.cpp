@@ -86,10 +86,10 @@ private slots:
         QVERIFY2(r.code == 0, r.out.constData());
 
         // type:std covers every kind: without --yes and a terminal, nothing changes.
-        r = on(file, busTwin, {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("type:std"), QStringLiteral("Same")});
+        r = on(file, busTwin, words("set label type:std Same"));
         QCOMPARE(r.code, 2);
         QVERIFY2(r.err.contains(" devices (") && r.err.contains("--yes"), r.err.constData());
-        r = on(file, busTwin, {QStringLiteral("get"), QStringLiteral("label"), QStringLiteral("type:motor")});
+        r = on(file, busTwin, words("get label type:motor"));
         for (const QJsonValue& v : r.doc().value(QStringLiteral("results")).toArray())
             QVERIFY(v.toObject().value(QStringLiteral("label")).toString() != QLatin1String("Same"));
         stopSim(twin);
@@ -104,18 +104,19 @@ private slots:
             QCOMPARE(v.toObject().value(QStringLiteral("nbOccur")).toInt(), 1);
 
         // A setting tool on a line of its own, listed by hand, once.
-        r = on(file, busSingle, {QStringLiteral("add"), QStringLiteral("node:0x7000"), QStringLiteral("--kind"), QStringLiteral("settingtool")});
+        r = on(file, busSingle, words("add node:0x7000 --kind settingtool"));
         QCOMPARE(r.doc().value(QStringLiteral("type")).toInt(), 7);
-        QCOMPARE(on(file, busSingle, {QStringLiteral("add"), QStringLiteral("node:0x7000"), QStringLiteral("--kind"), QStringLiteral("settingtool")}).code, 1);
+        QCOMPARE(on(file, busSingle, words("add node:0x7000 --kind settingtool")).code, 1);
         QCOMPARE(rows(on(file, busSingle, {QStringLiteral("list")})).size(), 8);
     }
 
-    // Four tools write one registry at once while it is open beside them:
+    // Four tools share the bus and write one registry at once while it is
+    // open beside them: each takes only the replies to its own requests,
     // every write is there, nobody met a locked database, and the file is whole.
     void concurrentTools()
     {
         QProcess sim;
-        const QString bus = startSim(sim, QStringLiteral("239.255.77.23:47723"), {QStringLiteral("--devices"), QStringLiteral("std:12")});
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.23:47723"), words("--devices std:12"));
         QVERIFY(!bus.isEmpty());
         const QString file = m_home.filePath(QStringLiteral("shared.sqlite"));
         QCOMPARE(on(file, bus, {QStringLiteral("discover")}).code, 0);
@@ -125,7 +126,7 @@ private slots:
             {QStringLiteral("discover")},
             {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("node:0x100"), QStringLiteral("Hall A")},
             {QStringLiteral("set"), QStringLiteral("label"), QStringLiteral("node:0x101"), QStringLiteral("Hall B")},
-            {QStringLiteral("get"), QStringLiteral("groups"), QStringLiteral("all")},
+            words("get groups all"),
         };
         for (int i = 0; i < 4; ++i)
             start(tools[i], m_home, QStringList{QStringLiteral("--db"), file, QStringLiteral("--bus"), bus} + commands[i]);
@@ -163,7 +164,7 @@ private slots:
     void lockedAndRacing()
     {
         QProcess sim;
-        const QString bus = startSim(sim, QStringLiteral("239.255.77.24:47724"), {QStringLiteral("--devices"), QStringLiteral("motor:20")});
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.24:47724"), words("--devices motor:20"));
         QVERIFY(!bus.isEmpty());
         const QString file = m_home.filePath(QStringLiteral("locked.sqlite"));
         QCOMPARE(on(file, bus, {QStringLiteral("list")}).code, 0);
@@ -177,12 +178,12 @@ private slots:
             lock.exec(QStringLiteral("ROLLBACK"));
             QCOMPARE(on(file, bus, {QStringLiteral("discover")}).code, 0);
             QVERIFY(lock.exec(QStringLiteral("BEGIN IMMEDIATE")));
-            r = on(file, bus, {QStringLiteral("set"), QStringLiteral("groups"), QStringLiteral("node:0x100"), QStringLiteral("0x0F0007")});
+            r = on(file, bus, words("set groups node:0x100 0x0F0007"));
             lock.exec(QStringLiteral("ROLLBACK"));
             QCOMPARE(r.code, 1);
             QCOMPARE(r.result().value(QStringLiteral("ok")).toBool(), false);
             QVERIFY2(r.result().value(QStringLiteral("error")).toString().contains(QLatin1String("locked by another program")), r.out.constData());
-            r = on(file, bus, {QStringLiteral("group"), QStringLiteral("list")});
+            r = on(file, bus, words("group list"));
             QVERIFY2(!r.out.contains(QByteArray::number(0x0F0007)), r.out.constData());
             lock = QSqlQuery();
             holder.close();
@@ -205,8 +206,7 @@ private slots:
     void lateAnswersAreNoDuplicates()
     {
         QProcess sim;
-        const QString bus = startSim(sim, QStringLiteral("239.255.77.25:47725"),
-                                     {QStringLiteral("--devices"), QStringLiteral("std:4"), QStringLiteral("--latency"), QStringLiteral("400")});
+        const QString bus = startSim(sim, QStringLiteral("239.255.77.25:47725"), words("--devices std:4 --latency 400"));
         QVERIFY(!bus.isEmpty());
         QProcess tool;
         // The default timeout (500 ms), not the fixture's.
@@ -225,8 +225,9 @@ private slots:
     void filesLeftAndRefused()
     {
         QTemporaryDir dir;
-        Result r = run({QStringLiteral("--bus"), QStringLiteral("serial:/nonexistent/tty"), QStringLiteral("discover")});
+        Result r = run(words("--bus serial:/nonexistent/tty discover"));
         QCOMPARE(r.code, 1);
+        QVERIFY2(r.err.contains("cannot open"), r.err.constData());
         QVERIFY(QDir(m_home.filePath(QStringLiteral("data/Velmo/VRNConfigTool")))
                     .entryList({QStringLiteral("devices-serial*")}).isEmpty());
 

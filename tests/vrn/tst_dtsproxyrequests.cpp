@@ -140,6 +140,7 @@ private slots:
     void unicastFrame();
     void pinnedFrames_data();
     void pinnedFrames();
+    void pinnedSequenceFrames();
     void groupFrame_data();
     void groupFrame();
     void withoutBus();
@@ -148,10 +149,6 @@ private slots:
 
 private:
     QByteArray sendOne(const std::function<BusPendingCall()>& send);
-private slots:
-    void pinnedSequenceFrames();
-
-private:
 
     QScopedPointer<VRNLoopbackBus> m_bus;
     QScopedPointer<DTSMotorProxy> m_motor;
@@ -328,11 +325,8 @@ void tst_DTSProxyRequests::reattachAndReaddress()
     node.attach(nullptr);
     QCOMPARE(node.ctrlWink().error(), BusPendingCall::BusNotAvailableError);
 
-    // A bus destroyed under a proxy: its pending call ends, later ones fail at once.
-    const BusPendingCall pending = m_motor->getNodeLabel();
+    // A bus destroyed under a proxy (its pending calls end: tst_bus): later calls fail at once.
     m_bus.reset();
-    QVERIFY(pending.isFinished());
-    QCOMPARE(pending.error(), BusPendingCall::BusNotAvailableError);
     QCOMPARE(m_motor->ctrlWink().error(), BusPendingCall::BusNotAvailableError);
 }
 

@@ -1,10 +1,12 @@
-// The retry, delay and error states: which failures are tried again, how
-// often, the wait between tries, and giving up with the last error.
+// The states tasks are built of: which failures are tried again, how often,
+// the wait between tries, giving up with the last error; and the job
+// monitor's idle and running states.
 #include "delaystate.h"
 #include "errorstate.h"
-#include "job.h"
+#include "fixtures.h"
+#include "jobmonitorstate.h"
 #include "stateretry.h"
-#include "task.h"
+#include "workqueue.h"
 
 #include <QFinalState>
 #include <QSignalSpy>
@@ -50,6 +52,11 @@ private slots:
     void retries();
     void delayBetweenTries();
     void reenteredStartsAgain();
+    void monitorIdleLeftAndReentered();
+    void monitorIgnoresOtherWorkersWhenAsked();
+
+signals:
+    void allDone();
 };
 
 void tst_RetryStates::retries_data()
@@ -155,6 +162,65 @@ void tst_RetryStates::reenteredStartsAgain()
     machine.start();
     QTRY_COMPARE(seen.size(), 4);
     QCOMPARE(seen, (QList<int>{1, 2, 1, 2}));
+}
+
+// The pattern of a task that runs one job per item: every entry of idle
+// queues the job once more until the items are used up.
+void tst_RetryStates::monitorIdleLeftAndReentered()
+{
+    ScriptTask::log().clear();
+    ScriptWorker worker;
+    PingJob job;
+    job.setObjectName(QStringLiteral("item"));
+    QStateMachine machine;
+    auto* monitor = new JobMonitorState(job, &worker, false, &machine);
+    auto* done = new QFinalState(&machine);
+    machine.setInitialState(monitor);
+    QSignalSpy idleEntered(monitor->idleState(), &QState::entered);
+    QSignalSpy idleExited(monitor->idleState(), &QState::exited);
+    QSignalSpy runningEntered(monitor->runningState(), &QState::entered);
+    QSignalSpy monitorEntered(monitor, &QState::entered);
+
+    int items = 3;
+    connect(monitor->idleState(), &QState::entered, this, [&] {
+        if (items-- > 0)
+            QVERIFY(worker.queue()->enqueue(job, 0));
+        else
+            QMetaObject::invokeMethod(this, &tst_RetryStates::allDone, Qt::QueuedConnection);
+    });
+    monitor->addTransition(this, &tst_RetryStates::allDone, done);
+    QSignalSpy finished(&machine, &QStateMachine::finished);
+    machine.start();
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(ScriptTask::log().size(), 3);
+    QCOMPARE(idleEntered.count(), 4);
+    QCOMPARE(idleExited.count(), 4);
+    QCOMPARE(runningEntered.count(), 3);
+    QCOMPARE(monitorEntered.count(), 1); // the end of a run stays inside the monitor
+}
+
+void tst_RetryStates::monitorIgnoresOtherWorkersWhenAsked()
+{
+    ScriptWorker mine;
+    ScriptWorker other;
+    PingJob job;
+    job.setProperty("mode", QStringLiteral("wait"));
+    QStateMachine machine;
+    auto* monitor = new JobMonitorState(job, &mine, true, &machine);
+    machine.setInitialState(monitor);
+    machine.start();
+    QTRY_VERIFY(monitor->idleState()->active());
+
+    QVERIFY(other.queue()->enqueue(job, 0));
+    QTRY_COMPARE(job.state(), Job::Running);
+    QCoreApplication::processEvents();
+    QVERIFY(monitor->idleState()->active());
+    scriptTask(job)->finishWith(QVariant());
+
+    QVERIFY(mine.queue()->enqueue(job, 0));
+    QTRY_VERIFY(monitor->runningState()->active());
+    scriptTask(job)->finishWith(QVariant());
+    QTRY_VERIFY(monitor->idleState()->active());
 }
 
 QTEST_GUILESS_MAIN(tst_RetryStates)
