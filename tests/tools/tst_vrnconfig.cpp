@@ -80,7 +80,7 @@ private slots:
         row("retries above 10", words("--retries 11 get stats all"), 2, QStringLiteral("bad --retries: 11"));
         row("retries not a number", words("--retries two get stats all"), 2, QStringLiteral("bad --retries: two"));
         row("repeats above 5", words("--repeats 6 list"), 2, QStringLiteral("bad --repeats: 6"));
-        row("repeats negative", words("--repeats -1 list"), 2, QStringLiteral("bad --repeats"));
+        row("repeats negative", words("--repeats -1 list"), 2, QStringLiteral("bad --repeats: -1 (0..5)"));
         row("repeats not a number", words("--repeats x list"), 2, QStringLiteral("bad --repeats: x"));
         row("two kinds of reset", words("reset stats all --network --errors"), 2, QStringLiteral("one of --network, --errors, --all"));
         row("reset option elsewhere", words("get stats all --network"), 2, QStringLiteral("--network applies to reset only"));

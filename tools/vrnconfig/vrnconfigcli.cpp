@@ -43,6 +43,14 @@ void onSignal(int)
 // it is hidden from the option parser behind this mark and restored after.
 const QChar NegativeMark(0xFDD0);
 
+// An option's value as given: a negative one ("--repeats -1") was marked too.
+QString unmarked(QString text)
+{
+    if (text.startsWith(NegativeMark))
+        text.remove(0, 1);
+    return text;
+}
+
 const quint32 MaxRetries = 10;
 const quint32 MaxRepeats = 5;
 
@@ -135,30 +143,30 @@ bool VrnConfigCli::start(const QStringList& given)
         finish();
         return false;
     }
-    m_busUuid = m_parser.value(bus);
-    m_dbFile = m_parser.value(db);
+    m_busUuid = unmarked(m_parser.value(bus));
+    m_dbFile = unmarked(m_parser.value(db));
     if (m_parser.isSet(db) && m_dbFile.isEmpty()) {
         fail(Usage, tr("--db needs a file name"));
         return false;
     }
     quint32 number = 0;
     if (m_parser.isSet(timeout)) {
-        if (!parseNumber(m_parser.value(timeout), 3600000, number) || number == 0) {
-            fail(Usage, tr("bad --timeout: %1").arg(m_parser.value(timeout)));
+        if (!parseNumber(unmarked(m_parser.value(timeout)), 3600000, number) || number == 0) {
+            fail(Usage, tr("bad --timeout: %1").arg(unmarked(m_parser.value(timeout))));
             return false;
         }
         m_timeout = int(number);
     }
     if (m_parser.isSet(retries)) {
-        if (!parseNumber(m_parser.value(retries), MaxRetries, number)) {
-            fail(Usage, tr("bad --retries: %1 (0..%2)").arg(m_parser.value(retries)).arg(MaxRetries));
+        if (!parseNumber(unmarked(m_parser.value(retries)), MaxRetries, number)) {
+            fail(Usage, tr("bad --retries: %1 (0..%2)").arg(unmarked(m_parser.value(retries))).arg(MaxRetries));
             return false;
         }
         m_retries = int(number);
     }
     if (m_parser.isSet(repeats)) {
-        if (!parseNumber(m_parser.value(repeats), MaxRepeats, number)) {
-            fail(Usage, tr("bad --repeats: %1 (0..%2)").arg(m_parser.value(repeats)).arg(MaxRepeats));
+        if (!parseNumber(unmarked(m_parser.value(repeats)), MaxRepeats, number)) {
+            fail(Usage, tr("bad --repeats: %1 (0..%2)").arg(unmarked(m_parser.value(repeats))).arg(MaxRepeats));
             return false;
         }
         m_repeats = int(number);
@@ -183,8 +191,8 @@ bool VrnConfigCli::start(const QStringList& given)
         }
     }
     quint32 priority = 0;
-    if (m_parser.isSet(QStringLiteral("priority")) && !parseNumber(m_parser.value(QStringLiteral("priority")), 0x7FFFFFFF, priority)) {
-        fail(Usage, tr("not a valid --priority: %1 (a whole number from 0)").arg(m_parser.value(QStringLiteral("priority"))));
+    if (m_parser.isSet(QStringLiteral("priority")) && !parseNumber(unmarked(m_parser.value(QStringLiteral("priority"))), 0x7FFFFFFF, priority)) {
+        fail(Usage, tr("not a valid --priority: %1 (a whole number from 0)").arg(unmarked(m_parser.value(QStringLiteral("priority")))));
         return false;
     }
     // Changing every device asks first (and needs --yes off a terminal).
@@ -590,6 +598,11 @@ QString VrnConfigCli::hex(quint32 value, int width)
 QString VrnConfigCli::nodeText(quint32 node)
 {
     return hex(node, 6);
+}
+
+QString VrnConfigCli::value(const QString& option) const
+{
+    return unmarked(m_parser.value(option));
 }
 
 QString VrnConfigCli::resultLine(quint32 uuid, const QString& node, bool ok, const QString& text)

@@ -41,7 +41,7 @@ public:
     Output& output() { return m_output; }
     bool json() const { return m_output.json(); }
     /// An option's value, or whether it was given ("sort", "yes").
-    QString value(const QString& option) const { return m_parser.value(option); }
+    QString value(const QString& option) const;
     bool isSet(const QString& option) const { return m_parser.isSet(option); }
     /// --timeout in ms, or -1.
     int timeout() const { return m_timeout; }
