@@ -237,7 +237,9 @@ ApplicationWindow {
                 rightPadding: 8
                 text: window.message
                 color: window.messageIsError ? theme.error : palette.windowText
-                elide: Text.ElideLeft
+                // A message starts with what it is about ("Discovery: 30
+                // found, ..."): its start stays, whole in the tooltip.
+                elide: Text.ElideRight
                 MouseArea { id: messageHover; anchors.fill: parent; hoverEnabled: true; onClicked: messages.open() }
                 ToolTip.visible: messageHover.containsMouse && window.message !== ""
                 ToolTip.text: window.message
