@@ -284,9 +284,11 @@ void tst_AppScreens::connection()
                  qPrintable(QStringLiteral("row %1: %2").arg(row).arg(QString::fromLatin1(serial))));
     }
     save(QStringLiteral("connection"));
-    // The status bar keeps both ends of the registry's path; pointed at, it shows the whole.
+    // The registry's path stays within its room in the status bar (cut in
+    // the middle where the fonts make it too long: on Qt 5.15 here, not on
+    // Qt 6); pointed at, it shows whole.
     auto* registry = m_window->findChild<QQuickItem*>(QStringLiteral("registryStatus"));
-    QVERIFY(registry->property("truncated").toBool());
+    QVERIFY(registry->property("contentWidth").toReal() <= registry->width() + 1);
     QVERIFY(registry->property("text").toString().endsWith(QStringLiteral("-loopback-screens.sqlite")));
     QTest::mouseMove(m_window, registry->mapToScene(QPointF(registry->width() / 2, registry->height() / 2)).toPoint());
     QTRY_VERIFY(visibleTexts().contains(QStringLiteral("Device registry of this bus: ") + ObjectFactory::instance()->registryPath()));

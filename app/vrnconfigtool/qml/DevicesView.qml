@@ -223,7 +223,7 @@ Pane {
                     id: groupBox
                     objectName: "groupFilter"
                     model: [qsTr("All groups")].concat(view.knownGroups.map(function(g) { return qsTr("Group %1").arg(Format.hex(g, 6)) }))
-                    onActivated: view.model.groupFilter = index === 0 ? -1 : view.knownGroups[index - 1]
+                    onActivated: function(index) { view.model.groupFilter = index === 0 ? -1 : view.knownGroups[index - 1] }
                     onPressedChanged: if (pressed) view.knownGroups = view.model.knownGroups()
                     Component.onCompleted: view.knownGroups = view.model ? view.model.knownGroups() : []
                 }
@@ -295,7 +295,7 @@ Pane {
             ScrollBar.vertical: ScrollBar { id: bar; policy: ScrollBar.AlwaysOn; minimumSize: 0.02 }
             activeFocusOnTab: true
 
-            Keys.onPressed: {
+            Keys.onPressed: function(event) {
                 var m = event.modifiers & (Qt.ShiftModifier | Qt.ControlModifier)
                 var cur = Math.max(0, currentIndex)
                 switch (event.key) {
@@ -358,7 +358,7 @@ Pane {
                     anchors.fill: parent
                     hoverEnabled: row.duplicate || row.problem !== ""
                     acceptedButtons: Qt.LeftButton | Qt.RightButton
-                    onClicked: {
+                    onClicked: function(mouse) {
                         list.forceActiveFocus()
                         if (mouse.button === Qt.RightButton) {
                             if (!row.selected)

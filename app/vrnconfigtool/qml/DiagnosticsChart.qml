@@ -67,7 +67,7 @@ ColumnLayout {
                     if (list[i].key === chartPane.view.chartKey) return i
                 return -1
             }
-            onActivated: chartPane.view.chartKey = chartPane.view.allCounters[index].key
+            onActivated: function(index) { chartPane.view.chartKey = chartPane.view.allCounters[index].key }
         }
         Label {
             visible: chartPane.bars === 0

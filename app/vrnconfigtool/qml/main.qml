@@ -142,13 +142,13 @@ ApplicationWindow {
             devices: window.devices
             deviceCount: devicesView.deviceCount
             jobs: jobs
-            onMessage: window.showMessage(text, isError)
+            onMessage: function(text, isError) { window.showMessage(text, isError) }
         }
         DevicesView {
             id: devicesView
             model: window.devices
             jobs: jobs
-            onOpenView: window.showView(name)
+            onOpenView: function(name) { window.showView(name) }
         }
         ActionsView {
             id: actionsView
@@ -180,7 +180,7 @@ ApplicationWindow {
     // Every motor stops with one frame, from any view: the button and Escape.
     GroupControl {
         id: stopControl
-        onSent: if (!ok) window.showMessage(qsTr("Stop all: %1").arg(error), true)
+        onSent: function(group, ok, error) { if (!ok) window.showMessage(qsTr("Stop all: %1").arg(error), true) }
     }
     function stopAllMotors() {
         if (stopControl.stopAll())
