@@ -1,4 +1,5 @@
-// Not part of the library's API: SQL helpers shared by the registry's list models.
+// Not part of the library's API: SQL helpers shared by the code that reads and
+// writes the registry (the factory, its list models, the documents).
 #ifndef REGISTRYSQL_P_H
 #define REGISTRYSQL_P_H
 
